@@ -1,0 +1,28 @@
+// What the words of `hbs` share: how they are declared, how they end.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <stdexcept>
+#include <string>
+
+namespace host {
+
+/// Exit statuses of the program.
+enum ExitStatus {
+    kSuccess = 0,  ///< a result was found and printed
+    kNoResult = 1, ///< the input is good, but there is no result
+    kBadInput = 2, ///< bad command line or bad file
+};
+
+/// A file or a command line that can't be used; the text names the file, the line and the column
+/// where there are any, and what was expected.
+class BadInput : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Each declares its word with its options on `app`. The word's callback does the work, leaves the
+// exit status in `status` and raises `BadInput` where the input can't be used.
+
+} // namespace host

@@ -1,0 +1,40 @@
+// Tables for people: columns aligned, a rule under the head.
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// Collects rows of text and prints them aligned.
+///
+///     Table table({{"PLL"}, {"MHz", Table::Align::Right}});
+///     table.addRow({"PLL0", "1299.987"});
+///     table.print(std::cout);
+class Table {
+public:
+    enum class Align { Left, Right };
+
+    struct Column {
+        std::string title;
+        Align align = Align::Left;
+    };
+
+    explicit Table(std::vector<Column> columns);
+
+    /// Missing cells are blank, cells too many are dropped.
+    void addRow(std::vector<std::string> cells);
+    [[nodiscard]] bool empty() const { return m_rows.empty(); }
+    /// Columns are two blanks apart; widths count UTF-8 characters; no line ends in a blank.
+    void print(std::ostream& out) const;
+
+private:
+    std::vector<Column> m_columns;
+    std::vector<std::vector<std::string>> m_rows;
+};
+
+/// A number with a fixed count of decimals, with "." whatever the locale is.
+[[nodiscard]] std::string fixedText(double value, int decimals);
+
+} // namespace host

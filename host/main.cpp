@@ -1,0 +1,26 @@
+// hbs: a thin host to try every part of the library by hand.
+
+#include <exception>
+#include <iostream>
+
+#include "host/Command.h"
+
+int main(int argc, char** argv) {
+    CLI::App app("Knows the hard blocks of a programmable device.", "hbs");
+    app.require_subcommand(1);
+    app.set_version_flag("--version", TQ_HBS_VERSION);
+    int status = host::kSuccess;
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? host::kSuccess : host::kBadInput;
+    } catch (const host::BadInput& error) {
+        std::cerr << "hbs: " << error.what() << '\n';
+        return host::kBadInput;
+    } catch (const std::exception& error) {
+        std::cerr << "hbs: " << error.what() << '\n';
+        return host::kNoResult;
+    }
+    return status;
+}

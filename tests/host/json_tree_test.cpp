@@ -1,0 +1,76 @@
+// JSON files of the host: values with their places, and complaints that name them.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "host/JsonTree.h"
+#include "host/Table.h"
+#include "support/support.h"
+
+namespace {
+
+using host::JsonFile;
+
+TEST(JsonTree, KnowsWhereEveryValueStarts) {
+    const JsonFile file =
+        JsonFile::parse("f", "{\n \"a\\\"\": [1, true,\n  \"x\\\\\"], \"b\": null}");
+    const auto& list = file.require(file.root(), "a\"");
+    EXPECT_EQ("f:2:9", file.place(list.offset));
+    EXPECT_EQ("f:2:10", file.place(list.items[0].offset));
+    EXPECT_EQ("f:2:13", file.place(list.items[1].offset));
+    EXPECT_EQ("f:3:3", file.place(list.items[2].offset));
+    EXPECT_EQ("f:2:2", file.place(file.root().members[0].offset));
+    EXPECT_EQ("f:3:16", file.place(file.root().find("b")->offset));
+}
+
+struct Complaint {
+    const char* content;
+    const char* text;
+
+    friend void PrintTo(const Complaint& complaint, std::ostream* out) {
+        *out << testing::PrintToString(complaint.content);
+    }
+};
+
+class JsonComplaints : public testing::TestWithParam<Complaint> {};
+
+TEST_P(JsonComplaints, NameThePlace) {
+    support::expectThrows<host::BadInput>(GetParam().text, [] {
+        const JsonFile file = JsonFile::parse("f", GetParam().content);
+        file.expectKeys(file.root(), {"k", "l"});
+        (void)file.number(file.require(file.root(), "k"));
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, JsonComplaints,
+    testing::Values(Complaint{"", "f:1:1: The document is empty."},
+                    Complaint{"{\n\"k\" 1}",
+                              "f:2:5: Missing a colon after a name of object member."},
+                    Complaint{"{\"k\":\n \"1\"}", "f:2:2: expected a number, found a text"},
+                    Complaint{"{\"m\":1}", "f:1:2: unknown key \"m\", expected one of: k, l"},
+                    Complaint{" {}", "f:1:2: the key \"k\" is missing"},
+                    Complaint{"[]", "f:1:1: expected an object, found an array"}));
+
+TEST(JsonTree, RefusesWhatIsNestedTooDeep) {
+    EXPECT_NO_THROW(JsonFile::parse("f", std::string(200, '[') + std::string(200, ']')));
+    support::expectThrows<host::BadInput>("f:1:201: nested deeper than 200 levels",
+                                          [] { JsonFile::parse("f", std::string(1000000, '[')); });
+}
+
+TEST(Table, AlignsByCharactersAndNumbersKeepThePoint) {
+    host::Table table({{"name"}, {"MHz", host::Table::Align::Right}, {"x"}});
+    table.addRow({"µ", "1.5", ""});
+    table.addRow({"longer", "12.25", "y"});
+    std::ostringstream out;
+    table.print(out);
+    EXPECT_EQ("name      MHz  x\n"
+              "------  -----  -\n"
+              "µ         1.5\n"
+              "longer  12.25  y\n",
+              out.str());
+    EXPECT_EQ("0.50", host::fixedText(0.5, 2));
+}
+
+} // namespace

@@ -1,0 +1,94 @@
+// Parameters, messages, exceptions and iterators of the common library.
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+
+#include "ComMsgMgr.h"
+#include "HPAParamMgr.h"
+#include "HSTFwdIter.h"
+#include "HTCErrors.h"
+#include "support/support.h"
+
+namespace {
+
+TEST(ParamMgr, ReadsBooleansInEveryAcceptedSpelling) {
+    HPAParamMgr& params = *HPAParamMgr::getParamMgr();
+    for (const char* text : {"true", "1", "yes", "on", "TRUE", "On"}) {
+        params.setValue("test.flag", text);
+        EXPECT_TRUE(params.getValueAsBool("test.flag")) << text;
+    }
+    for (const char* text : {"false", "0", "no", "off", "No"}) {
+        params.setValue("test.flag", text);
+        EXPECT_FALSE(params.getValueAsBool("test.flag")) << text;
+    }
+    params.unsetValue("test.flag");
+}
+
+TEST(ParamMgr, RaisesForWhatIsMissingOrUnreadable) {
+    HPAParamMgr& params = *HPAParamMgr::getParamMgr();
+    support::expectThrows<HEXError>("parameter 'test.none' does not exist",
+                                    [&] { (void)params.getValueAsInt("test.none"); });
+    for (const char* text : {"", "x", "7x", " 7", "+-7", "99999999999"}) {
+        params.setValue("test.bad", text);
+        EXPECT_THROW((void)params.getValueAsInt("test.bad"), HEXError) << text;
+        EXPECT_THROW((void)params.getValueAsBool("test.bad"), HEXError) << text;
+        EXPECT_TRUE(params.getValueIfExistAsBool("test.bad", true)) << text;
+    }
+    params.unsetValue("test.bad");
+    params.unsetValue("test.bad");
+}
+
+TEST(ParamMgr, DefaultsStandAgainAfterUnset) {
+    HPAParamMgr& params = *HPAParamMgr::getParamMgr();
+    const int before = params.getValueAsInt("general.maxThreads");
+    EXPECT_GE(before, 1);
+    EXPECT_LE(before, 8);
+    params.setValue("general.maxThreads", "+16");
+    EXPECT_EQ(16, params.getValueAsInt("general.maxThreads"));
+    params.unsetValue("general.maxThreads");
+    EXPECT_EQ(before, params.getValueAsInt("general.maxThreads"));
+    EXPECT_FALSE(params.getValueAsBool("project.NoTimeStamp"));
+    EXPECT_FALSE(params.getValueAsBool("vorn.writeAddressingJson"));
+}
+
+TEST(ComMsg, KeepsArgumentsAsTextAndSpeaksToPeople) {
+    support::CapturedMessages messages;
+    ComMsgMgr::sendMsg::eval(2, "a.cpp", 7, "hbs", 0x20000000, "@91-48@%s%s", "odd",
+                             std::string("left port"));
+    ComMsgMgr::sendScopedMsg::eval(3, "a.cpp", 8, "hbs", "HBS.TCL", 1, "%d %f %% %s\n", true, 0.5F,
+                                   "100%d");
+    ComMsgMgr::sendMsg::eval(1, "a.cpp", 9, "hbs", 0, "@99-1@%d", 12);
+    ASSERT_EQ(3U, messages.all().size());
+    EXPECT_EQ("Unknown key 'odd'; the known keys are: left port", messages.all()[0].text());
+    EXPECT_EQ("HBS.TCL", messages.all()[1].scope);
+    EXPECT_EQ("1 0.500000 %% 100%d\n", messages.all()[1].text());
+    EXPECT_EQ("99-1: 12", messages.all()[2].text());
+}
+
+TEST(ComMsg, DefaultSinkWritesLinesAndSkipsEntryLines) {
+    support::CapturedError error;
+    ComMsgMgr::sendMsg::eval(1, "a.cpp", 1, "hbs", 0, "@91-45@%s", "a:b");
+    ComMsgMgr::sendScopedMsg::eval(0, "a.cpp", 2, "hbs", "cdo.gen", 0, "Exit\n");
+    EXPECT_EQ("'a:b' isn't of the form vendor:library:name:version\n", error.text());
+}
+
+TEST(Errors, CommandFailedIsCaughtAsEveryBase) {
+    const auto fail = [] { throw HTCErrors::command_failed("it's broken: %s"); };
+    support::expectThrows<HEXError>("it's broken: %s", fail);
+    support::expectThrows<HEXAll>("it's broken: %s", fail);
+    support::expectThrows<std::exception>("it's broken: %s", fail);
+}
+
+TEST(FwdIter, EndsAtTheLastElement) {
+    HSTFwdSTLIter<int> two({4, 5});
+    EXPECT_TRUE(two.isValid());
+    EXPECT_EQ(4, two.next());
+    EXPECT_TRUE(two.isValid());
+    EXPECT_EQ(5, two.next());
+    EXPECT_FALSE(two.isValid());
+    EXPECT_EQ(0, two.next());
+    EXPECT_FALSE(HSTFwdSTLIter<int>({}).isValid());
+}
+
+} // namespace

@@ -1,0 +1,121 @@
+#include "support/support.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <stdexcept>
+#include <utility>
+
+namespace support {
+
+namespace {
+
+void flushAll() {
+    std::cout.flush();
+    std::cerr.flush();
+    std::fflush(nullptr);
+}
+
+std::string readFromStart(int descriptor) {
+    std::string text;
+    std::array<char, 4096> buffer;
+    off_t position = 0;
+    ssize_t count = 0;
+    while ((count = pread(descriptor, buffer.data(), buffer.size(), position)) > 0) {
+        text.append(buffer.data(), static_cast<std::size_t>(count));
+        position += count;
+    }
+    return text;
+}
+
+} // namespace
+
+CapturedStream::CapturedStream(Which which) : m_which(which) {
+    flushAll();
+    std::string path = (std::filesystem::temp_directory_path() / "tq_capture_XXXXXX").string();
+    m_file = mkstemp(path.data());
+    unlink(path.c_str());
+    m_saved = dup(static_cast<int>(which));
+    dup2(m_file, static_cast<int>(which));
+}
+
+CapturedStream::~CapturedStream() {
+    text();
+}
+
+std::string CapturedStream::text() {
+    if (m_file >= 0) {
+        flushAll();
+        m_text = readFromStart(m_file);
+        dup2(m_saved, static_cast<int>(m_which));
+        close(m_saved);
+        close(std::exchange(m_file, -1));
+    }
+    return m_text;
+}
+
+CapturedMessages::CapturedMessages()
+    : m_before(
+          ComMsgMgr::setSink([this](const ComMsg& message) { m_messages.push_back(message); })) {}
+
+CapturedMessages::~CapturedMessages() {
+    ComMsgMgr::setSink(std::move(m_before));
+}
+
+std::vector<std::string> CapturedMessages::lines() const {
+    std::vector<std::string> lines;
+    for (const auto& message : m_messages) {
+        std::string line = message.format;
+        for (const auto& argument : message.arguments)
+            line += "|" + argument;
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+TempDir::TempDir() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "tq_test_XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr)
+        throw std::runtime_error("no temporary folder");
+    m_path = pattern;
+}
+
+TempDir::~TempDir() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_path, ignored);
+}
+
+std::string TempDir::write(std::string_view name, std::string_view content) const {
+    const std::filesystem::path path = m_path / name;
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream stream(path, std::ios::binary);
+    stream << content;
+    stream.close();
+    if (!stream)
+        throw std::runtime_error("can't write " + path.string());
+    return path.string();
+}
+
+std::string readFile(const std::filesystem::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    EXPECT_TRUE(stream.is_open()) << path;
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+RunResult run(const std::string& commandLine) {
+    const TempDir folder;
+    const std::string out = folder.file("out");
+    const std::string err = folder.file("err");
+    const int status =
+        std::system(("{ " + commandLine + "\n} >'" + out + "' 2>'" + err + "'").c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(out), readFile(err)};
+}
+
+} // namespace support
