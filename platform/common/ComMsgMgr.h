@@ -59,7 +59,7 @@ private:
 
     static std::string toText(std::string_view text) { return std::string(text); }
     static std::string toText(double value);
-    static std::string toText(float value) { return toText(double{value}); }
+    static std::string toText(float value) { return toText(static_cast<double>(value)); }
     template <class Integer>
     requires std::is_integral_v<Integer>
     static std::string toText(Integer value) { return std::to_string(value); }
