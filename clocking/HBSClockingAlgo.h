@@ -1,0 +1,195 @@
+// The base of the clock tree solvers: the tree, the order of a run, and all that the solvers of 1,
+// 2, 4 and 6 PLLs share.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "HATAttrObj.h"
+#include "clocking/ClockSearchTypes.h"
+#include "clocking/HBSPeripheral.h"
+#include "clocking/HBSPll.h"
+#include "clocking/HBSPowerDomain.h"
+#include "tq_export.h"
+
+namespace hbs_clocking {
+
+/// Given one reference clock, PLLs in power domains and peripherals that each ask for a frequency,
+/// finds multipliers and dividers so that every enabled peripheral is within tolerance and the sum
+/// of relative errors is smallest.
+///
+///     HBSClockingAlgo1Pll solver("tree");
+///     solver.setRefClkFreq(33.333F);
+///     solver.createPllConfig("PLL0", "DOMAIN0")->setMaxPllFreq(2000.0F);
+///     HBSPeripheral* uart = solver.addPeripheral("UART", "DOMAIN0", 100.0F, true);
+///     if (solver.runSolution())
+///         use(uart->getPllName(), uart->getClkoutDiv(), uart->getActualFreq());
+///
+/// The tolerance walks from 0.001 to 1.0 in eight steps; the first step with a solution ends the
+/// search, however good the sum at a looser step would be.
+///
+/// Frequencies are MHz; errors are fractions, save the allowed error of a peripheral, a percentage.
+/// The solver owns its domains and peripherals; pointers stay valid as long as it lives. One
+/// thread at a time.
+///
+/// Nothing is thrown but what the standard library throws. A tree that can't be solved as it
+/// stands is one line on standard output and false, with the earlier result left readable; a
+/// search that finds nothing is false without a word. Requests and references that are negative,
+/// NaN or infinite are safe: quotients without an integer saturate, and nothing fits.
+class TQ_EXPORT HBSClockingAlgo : public HATAttrObj {
+public:
+    explicit HBSClockingAlgo(const std::string& name);
+    virtual ~HBSClockingAlgo();
+
+    /// Solves the tree. True exactly when a solution was found and written to the PLLs and
+    /// peripherals. May be run again after changes.
+    virtual bool runSolution() = 0;
+    /// Whether the tree has the shape that the solver expects; prints what is wrong.
+    [[nodiscard]] virtual bool validateConfig() const = 0;
+
+protected:
+    /// Lists the multipliers that can serve each peripheral outside the NOC domain at the present
+    /// tolerance. A peripheral of no domain gets none.
+    virtual void collectPeripheralMultipliers(const std::vector<HBSPeripheral*>& peripherals,
+                                              CandidateMap& candidatesByPeripheral,
+                                              MultiplierSet& allMultipliers);
+    /// Lists the multipliers that can serve the NOC peripherals, and locks the NOC domain's error
+    /// limit when there are any.
+    virtual void collectNocMultipliers(const std::vector<HBSPeripheral*>& peripherals,
+                                       CandidateMap& candidatesByPeripheral,
+                                       MultiplierSet& allMultipliers);
+
+public:
+    /// Clears the results and the error limits; only the actual frequencies stay.
+    virtual void resetResults();
+    /// Name of the PLL at a position of the solver's order. Prints "Index out of range\n" for a bad
+    /// one.
+    [[nodiscard]] virtual std::string getPllNameByIndex(unsigned index) const = 0;
+
+    HBSClockingAlgo(const HBSClockingAlgo&) = delete;
+    HBSClockingAlgo& operator=(const HBSClockingAlgo&) = delete;
+
+    // Setting up.
+
+    /// Always a new domain, whether the name exists or not. The solvers go by the order.
+    HBSPowerDomain* addPowerDomain(const std::string& name);
+    /// Adds a PLL to the first domain of that name, which is made when absent.
+    HBSPll* createPllConfig(const std::string& pllName, const std::string& domainName);
+    /// The domain must exist: a peripheral added before its domain belongs to none (index -1), and
+    /// a run with it enabled finds nothing. Duplicate names are accepted.
+    HBSPeripheral* addPeripheral(const std::string& name, const std::string& domainName,
+                                 float freqMhz, bool enabled);
+    /// Does nothing: peripherals belong to the solver that made them.
+    void addPeripherals(const std::vector<HBSPeripheral*>& peripherals);
+
+    [[nodiscard]] float getRefClkFreq() const { return m_refClkFreq; }
+    void setRefClkFreq(float refClkFreqMhz) { m_refClkFreq = refClkFreqMhz; }
+    /// Highest frequency of a clock that crosses a domain, in trees with cross-domain dividers.
+    [[nodiscard]] float getMaxCrossDomainFreq() const { return m_maxCrossDomainFreq; }
+    void setMaxCrossDomainFreq(float freqMhz) { m_maxCrossDomainFreq = freqMhz; }
+    /// Whether domain 1 of a 2-PLL tree may take PLL 0. No other solver reads it.
+    [[nodiscard]] bool getAllowCrossDomain() const { return m_allowCrossDomain; }
+    void setAllowCrossDomain(bool allow) { m_allowCrossDomain = allow; }
+
+    // Looking up. The first of that name, or null.
+
+    [[nodiscard]] std::string getName() const { return m_name; }
+    [[nodiscard]] HBSPeripheral* getPeripheral(const std::string& name) const;
+    [[nodiscard]] HBSPowerDomain* getPowerDomain(const std::string& name) const;
+    [[nodiscard]] HBSPll* getPll(const std::string& name) const;
+    /// In order of addition; PLLs domain by domain.
+    [[nodiscard]] std::vector<HBSPeripheral*> getAllPeripherals() const;
+    [[nodiscard]] std::vector<HBSPeripheral*> getEnabledPeripherals() const;
+    [[nodiscard]] std::vector<HBSPll*> getAllPlls() const;
+
+    // Reading the result.
+
+    [[nodiscard]] bool is_result_found() const { return m_resultFound; }
+    /// The tolerance that succeeded.
+    [[nodiscard]] float getToleranceFector() const { return m_toleranceFactor; }
+    /// Sum of the relative errors; 1000 without a result.
+    [[nodiscard]] float getTotalRelativeError() const { return m_totalRelativeError; }
+
+    // For the solvers.
+
+    /// Enabled and marked as NOC peripheral.
+    [[nodiscard]] std::vector<HBSPeripheral*> getNocPeripherals() const;
+    /// Null for a bad index.
+    [[nodiscard]] HBSPowerDomain* getPowerDomainAt(unsigned index) const;
+    /// The first domain's index, or -1.
+    [[nodiscard]] std::int32_t getPowerDomainIndex(const std::string& name) const;
+
+protected:
+    /// Name of a PLL by the positions of its domain and within it; empty where there is none.
+    [[nodiscard]] std::string getPllNameAt(unsigned domainIndex, unsigned pllIndex) const;
+
+    // Dividers (HBSClockingAlgo_dividers.cpp).
+
+    /// Smallest PLL output divider of 1, 2, 4 and 8 that keeps the PLL under its domain's limit; 1
+    /// for a domain that doesn't exist.
+    [[nodiscard]] unsigned computeClkoutDiv(unsigned mul, unsigned domainIndex) const;
+    /// Output divider of the NOC PLL, any integer; 1 unless exactly one NOC peripheral is enabled.
+    [[nodiscard]] unsigned computeNocClkoutDiv(unsigned mul) const;
+    /// The clock in MHz that leaves a PLL of that domain: multiplier × reference ÷ output divider.
+    [[nodiscard]] float pllFreqMhz(unsigned mul, unsigned domainIndex) const;
+    /// Takes the best of the clocks for one peripheral: `out` is its position and the divider, the
+    /// result its relative error. -1 when none is under the present tolerance; see `isNoDivider`.
+    /// Ties go to the first clock.
+    [[nodiscard]] float findBestDivider(std::span<const float> frequenciesMhz, float targetMhz,
+                                        DividerChoice& out) const;
+    /// The same over slots, empty ones skipped, with the divider of `nearestDivider`.
+    [[nodiscard]] float findBestDividerInSlots(std::span<const ClockSlot> slots, float targetMhz,
+                                               DividerChoice& out) const;
+
+    // Reduction per domain (HBSClockingAlgo_domains.cpp).
+
+    /// The candidates of the present tolerance as bit sets and their union, ascending. False when a
+    /// peripheral has none.
+    [[nodiscard]] bool collectCandidates(const std::vector<HBSPeripheral*>& enabled,
+                                         MultiplierBitMap& multiplierBits,
+                                         std::vector<unsigned>& multipliers);
+    [[nodiscard]] static MultiplierBitMap buildMultiplierBits(const CandidateMap& candidates);
+    /// The bit sets of a domain's peripherals: what a combination has to cover.
+    [[nodiscard]] static std::vector<MultiplierBits>
+    getDomainNeeds(const MultiplierBitMap& multiplierBits, unsigned domainIndex);
+    /// The multipliers, in their order, that alone cover the domain. Locks its tolerance.
+    [[nodiscard]] std::vector<unsigned>
+    filterMultipliersForDomain(std::span<const unsigned> multipliers,
+                               const MultiplierBitMap& multiplierBits, unsigned domainIndex);
+    /// Lowers the domain's error limit to the present tolerance. Called whenever combinations were
+    /// found for a domain: it keeps that step's tolerance while other domains go on loosening.
+    void lockTolerance(unsigned domainIndex);
+
+    // Solutions (HBSClockingAlgo_solutions.cpp).
+
+    /// Writes a solution to the PLLs and peripherals, and marks it found.
+    void applySolution(const PeripheralResult& peripheralResult, const PllResult& pllResult);
+    /// What a stored solution is found by.
+    [[nodiscard]] std::vector<std::pair<std::string, float>>
+    buildSolutionKey(const std::vector<HBSPeripheral*>& enabled) const;
+    /// Takes the solution from the process's store when it is there, and says so.
+    [[nodiscard]] bool applyCachedSolution(const std::vector<HBSPeripheral*>& enabled);
+    /// Puts a solution into the process's store, unless that is full.
+    void storeSolution(const std::vector<HBSPeripheral*>& enabled,
+                       const PeripheralResult& peripheralResult, const PllResult& pllResult) const;
+
+    std::uint32_t m_pllCount = 0; ///< set by the solver
+    std::string m_name;
+    bool m_resultFound = false;
+    bool m_allowCrossDomain = false;
+    float m_refClkFreq = 33.333F;
+    float m_maxCrossDomainFreq = 1000.0F;
+    float m_toleranceFactor = 0.001F;
+    float m_totalRelativeError = 1000.0F;
+    std::vector<std::unique_ptr<HBSPowerDomain>> m_powerDomains;
+    std::vector<std::unique_ptr<HBSPeripheral>> m_peripherals;
+
+private:
+    void configurePll(const std::string& name, const std::vector<unsigned>& config);
+};
+
+} // namespace hbs_clocking

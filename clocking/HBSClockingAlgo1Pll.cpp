@@ -1,0 +1,92 @@
+#include "clocking/HBSClockingAlgo1Pll.h"
+
+#include <iostream>
+
+#include "clocking/ClockingArithmetic.h"
+
+namespace hbs_clocking {
+
+HBSClockingAlgo1Pll::HBSClockingAlgo1Pll(const std::string& name) : HBSClockingAlgo(name) {
+    m_pllCount = 1;
+}
+
+HBSClockingAlgo1Pll::~HBSClockingAlgo1Pll() = default;
+
+bool HBSClockingAlgo1Pll::validateConfig() const {
+    const char* fault = nullptr;
+    if (m_powerDomains.empty())
+        fault = "No power domain added\n";
+    else if (m_powerDomains.size() > 1)
+        fault = "More than One power domain added\n";
+    else if (m_powerDomains.front()->getPllCount() == 0)
+        fault = "No PLL added to power domain\n";
+    else if (m_powerDomains.front()->getPllCount() > 1)
+        fault = "More than One PLL added to power domain\n";
+    else if (m_refClkFreq == 0.0F)
+        fault = "No PLL added to power domain\n"; // callers know this text for a missing reference
+    if (fault != nullptr)
+        std::cout << fault;
+    return fault == nullptr;
+}
+
+std::string HBSClockingAlgo1Pll::getPllNameByIndex(unsigned index) const {
+    if (index != 0)
+        std::cout << "Index out of range\n";
+    return getPllNameAt(0, 0);
+}
+
+bool HBSClockingAlgo1Pll::runSolution() {
+    const std::vector<HBSPeripheral*> enabled = getEnabledPeripherals();
+    if (enabled.empty()) {
+        std::cout << "No peripheral enabled\n";
+        return false;
+    }
+    if (!validateConfig())
+        return false;
+    resetResults();
+    for (const float tolerance : kToleranceLadder) {
+        m_toleranceFactor = tolerance;
+        MultiplierBitMap multiplierBits;
+        std::vector<unsigned> multipliers;
+        if (!collectCandidates(enabled, multiplierBits, multipliers))
+            continue;
+        const std::vector<unsigned> covering =
+            filterMultipliersForDomain(multipliers, multiplierBits, 0);
+        PeripheralResult peripheralResult;
+        PllResult pllResult;
+        if (!solveMultiplierList(enabled, covering, peripheralResult, pllResult))
+            continue;
+        applySolution(peripheralResult, pllResult);
+        break;
+    }
+    return m_resultFound;
+}
+
+bool HBSClockingAlgo1Pll::solveMultiplierList(const std::vector<HBSPeripheral*>& enabled,
+                                              std::span<const unsigned> multipliers,
+                                              PeripheralResult& peripheralResult,
+                                              PllResult& pllResult) {
+    float best = kWorstTotalError;
+    std::vector<DividerChoice> choices(enabled.size());
+    for (const unsigned mul : multipliers) {
+        const float freqMhz = pllFreqMhz(mul, 0);
+        float total = 0.0F;
+        bool served = true;
+        for (std::size_t i = 0; i < enabled.size() && served; ++i) {
+            const float error =
+                findBestDivider({&freqMhz, 1}, enabled[i]->getRequestedFreq(), choices[i]);
+            served = !isNoDivider(error);
+            total += error;
+        }
+        if (!served || !definitelyLess(total, best, kMargin))
+            continue;
+        best = total;
+        m_totalRelativeError = total;
+        for (std::size_t i = 0; i < enabled.size(); ++i)
+            peripheralResult[enabled[i]] = choices[i];
+        pllResult = {{getPllNameByIndex(0), {mul, computeClkoutDiv(mul, 0)}}};
+    }
+    return !peripheralResult.empty();
+}
+
+} // namespace hbs_clocking

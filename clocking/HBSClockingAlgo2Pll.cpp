@@ -1,0 +1,145 @@
+#include "clocking/HBSClockingAlgo2Pll.h"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+
+#include "clocking/ClockingArithmetic.h"
+
+namespace hbs_clocking {
+
+namespace {
+
+/// What a clock offers to each enabled peripheral, in their order.
+using Offers = std::vector<DividerOffer>;
+
+[[nodiscard]] Offers collectOffers(const std::vector<HBSPeripheral*>& enabled,
+                                   const std::array<float, 2>& freqMhzByDomain) {
+    Offers offers;
+    offers.reserve(enabled.size());
+    for (const HBSPeripheral* p : enabled) {
+        const float freqMhz = freqMhzByDomain[p->getPowerDomainIndex() == 0 ? 0 : 1];
+        offers.push_back(offerCeilingDivider(freqMhz, p->getRequestedFreq()));
+    }
+    return offers;
+}
+
+[[nodiscard]] std::vector<std::pair<unsigned, unsigned>>
+buildPairs(const std::vector<unsigned>& firsts, const std::vector<unsigned>& seconds) {
+    std::vector<std::pair<unsigned, unsigned>> pairs;
+    pairs.reserve(firsts.size() * seconds.size());
+    for (const unsigned a : firsts)
+        for (const unsigned b : seconds)
+            pairs.emplace_back(a, b);
+    return pairs;
+}
+
+} // namespace
+
+HBSClockingAlgo2Pll::HBSClockingAlgo2Pll(const std::string& name) : HBSClockingAlgo(name) {
+    m_pllCount = 2;
+}
+
+HBSClockingAlgo2Pll::~HBSClockingAlgo2Pll() = default;
+
+bool HBSClockingAlgo2Pll::validateConfig() const {
+    const auto anyDomain = [this](auto&& test) {
+        return std::any_of(m_powerDomains.begin(), m_powerDomains.end(),
+                           [&test](const auto& domain) { return test(domain->getPllCount()); });
+    };
+    const char* fault = nullptr;
+    if (m_powerDomains.empty())
+        fault = "No power domain added\n";
+    else if (m_powerDomains.size() != 2)
+        fault = "Clocking object expects two plls with this config\n";
+    else if (anyDomain([](std::size_t plls) { return plls == 0; }))
+        fault = "No PLL added to power domain\n";
+    else if (anyDomain([](std::size_t plls) { return plls > 1; }))
+        fault = "More than One PLL added to power domain\n";
+    else if (m_refClkFreq == 0.0F)
+        fault = "Input freq. is not set\n";
+    if (fault != nullptr)
+        std::cout << fault;
+    return fault == nullptr;
+}
+
+std::string HBSClockingAlgo2Pll::getPllNameByIndex(unsigned index) const {
+    if (index < 2)
+        return getPllNameAt(index, 0);
+    std::cout << "Index out of range\n";
+    return {};
+}
+
+bool HBSClockingAlgo2Pll::runSolution() {
+    const std::vector<HBSPeripheral*> enabled = getEnabledPeripherals();
+    if (enabled.empty()) {
+        std::cout << "No peripheral enabled\n";
+        return false;
+    }
+    if (!validateConfig())
+        return false;
+    resetResults();
+    for (const float tolerance : kToleranceLadder) {
+        m_toleranceFactor = tolerance;
+        MultiplierBitMap multiplierBits;
+        std::vector<unsigned> multipliers;
+        if (!collectCandidates(enabled, multiplierBits, multipliers))
+            continue;
+        // Both run before either is tested: each list locks its own domain's tolerance.
+        const auto firsts = filterMultipliersForDomain(multipliers, multiplierBits, 0);
+        const auto seconds = filterMultipliersForDomain(multipliers, multiplierBits, 1);
+        PeripheralResult peripheralResult;
+        PllResult pllResult;
+        if (!solveMultiplierPairs(enabled, buildPairs(firsts, seconds), peripheralResult,
+                                  pllResult))
+            continue;
+        applySolution(peripheralResult, pllResult);
+        break;
+    }
+    return m_resultFound;
+}
+
+bool HBSClockingAlgo2Pll::solveMultiplierPairs(
+    const std::vector<HBSPeripheral*>& enabled,
+    const std::vector<std::pair<unsigned, unsigned>>& pairs, PeripheralResult& peripheralResult,
+    PllResult& pllResult) {
+    std::array<Offers, kMaxMultiplier + 1> offers0;
+    std::array<Offers, kMaxMultiplier + 1> offers1;
+    for (const auto& [m0, m1] : pairs) {
+        if (offers0[m0].empty()) {
+            const float f0 = pllFreqMhz(m0, 0);
+            offers0[m0] = collectOffers(enabled, {f0, m_allowCrossDomain ? f0 : 0.0F});
+        }
+        if (offers1[m1].empty()) {
+            const float f1 = pllFreqMhz(m1, 1);
+            offers1[m1] = collectOffers(enabled, {f1, f1});
+        }
+    }
+
+    float best = kWorstTotalError;
+    std::vector<DividerChoice> choices(enabled.size());
+    for (const auto& [m0, m1] : pairs) {
+        float total = 0.0F;
+        bool open = true; // errors only add up: a sum that can't win any more is given up
+        for (std::size_t i = 0; i < enabled.size() && open; ++i) {
+            BestOffer offer(m_toleranceFactor);
+            offer.consider(0, offers0[m0][i]);
+            if (enabled[i]->getPowerDomainIndex() == 1)
+                offer.consider(1, offers1[m1][i]);
+            choices[i] = offer.choice();
+            total += offer.error();
+            open = offer.isFound() && definitelyLess(total, best, kMargin);
+        }
+        if (!open)
+            continue;
+        best = total;
+        m_totalRelativeError = total;
+        for (std::size_t i = 0; i < enabled.size(); ++i)
+            peripheralResult[enabled[i]] = choices[i];
+        pllResult = {{getPllNameByIndex(0), {m0, computeClkoutDiv(m0, 0)}}};
+        pllResult[getPllNameByIndex(1)] = {m1, computeClkoutDiv(m1, 1)};
+    }
+    return !peripheralResult.empty();
+}
+
+} // namespace hbs_clocking
