@@ -1,0 +1,16 @@
+// Letter case of ASCII texts, the same in every locale.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "tq_export.h"
+
+/// Only the letters a to z are changed or matched without regard to case; other bytes stand for
+/// themselves.
+class TQ_EXPORT HSTStringUtils {
+public:
+    [[nodiscard]] static std::string to_upper(std::string text);
+    /// True for an empty prefix.
+    [[nodiscard]] static bool istarts_with(std::string_view text, std::string_view prefix);
+};

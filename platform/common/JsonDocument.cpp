@@ -1,0 +1,116 @@
+#include "JsonDocument.h"
+
+#include <charconv>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <new>
+#include <string_view>
+#include <system_error>
+
+namespace {
+
+using Document = rapidjson::GenericDocument<rapidjson::UTF8<>, JsonPool, JsonAllocator>;
+
+/// What a number becomes that a double can't hold.
+double outOfRangeValue(std::string_view text) {
+    const std::size_t exponent = text.find_first_of("eE");
+    const bool tiny = exponent != std::string_view::npos && text[exponent + 1] == '-';
+    const double magnitude = tiny ? 0.0 : std::numeric_limits<double>::infinity();
+    return text.front() == '-' ? -magnitude : magnitude;
+}
+
+double toDouble(std::string_view text) {
+    double value = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    return result.ec == std::errc::result_out_of_range ? outOfRangeValue(text) : value;
+}
+
+template <class Integer>
+bool fits(std::string_view text, Integer& value) {
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    return error == std::errc{} && stop == end;
+}
+
+/// Passes what the reader finds on to the document, counts the levels and reads the numbers.
+class Guard {
+public:
+    explicit Guard(Document& document) : m_document(document) {}
+
+    bool Null() { return m_document.Null(); }
+    bool Bool(bool value) { return m_document.Bool(value); }
+    // Numbers come as text (kParseNumbersAsStringsFlag), so these are never called.
+    bool Int(int) { return false; }
+    bool Uint(unsigned) { return false; }
+    bool Int64(std::int64_t) { return false; }
+    bool Uint64(std::uint64_t) { return false; }
+    bool Double(double) { return false; }
+    bool RawNumber(const char* text, rapidjson::SizeType length, bool) {
+        const std::string_view number(text, length);
+        std::int64_t negative = 0;
+        std::uint64_t positive = 0;
+        if (fits(number, positive))
+            return m_document.Uint64(positive);
+        if (fits(number, negative))
+            return m_document.Int64(negative);
+        return m_document.Double(toDouble(number));
+    }
+    bool String(const char* text, rapidjson::SizeType length, bool copy) {
+        return m_document.String(text, length, copy);
+    }
+    bool Key(const char* text, rapidjson::SizeType length, bool copy) {
+        return m_document.Key(text, length, copy);
+    }
+    bool StartObject() { return enter() && m_document.StartObject(); }
+    bool EndObject(rapidjson::SizeType count) { return leave() && m_document.EndObject(count); }
+    bool StartArray() { return enter() && m_document.StartArray(); }
+    bool EndArray(rapidjson::SizeType count) { return leave() && m_document.EndArray(count); }
+
+private:
+    bool enter() { return ++m_levels <= JsonDocument::kMostLevels; }
+    bool leave() {
+        --m_levels;
+        return true;
+    }
+
+    Document& m_document;
+    std::size_t m_levels = 0;
+};
+
+} // namespace
+
+void* JsonAllocator::Malloc(std::size_t size) {
+    return Realloc(nullptr, 0, size);
+}
+
+void* JsonAllocator::Realloc(void* memory, std::size_t, std::size_t newSize) {
+    if (newSize == 0) {
+        Free(memory);
+        return nullptr;
+    }
+    void* grown = std::realloc(memory, newSize);
+    if (grown == nullptr)
+        throw std::bad_alloc();
+    return grown;
+}
+
+void JsonAllocator::Free(void* memory) {
+    std::free(memory);
+}
+
+JsonDocument::JsonDocument(rapidjson::Type type) : GenericDocument(type) {}
+
+JsonDocument& JsonDocument::ParseStream(std::istream& stream) {
+    constexpr unsigned kFlags = rapidjson::kParseDefaultFlags | rapidjson::kParseIterativeFlag |
+                                rapidjson::kParseNumbersAsStringsFlag;
+    rapidjson::IStreamWrapper wrapper(stream);
+    auto read = [&](Document& document) {
+        rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator> reader;
+        Guard guard(document);
+        m_result = reader.Parse<kFlags>(wrapper, guard);
+        return !m_result.IsError();
+    };
+    Populate(read);
+    return *this;
+}

@@ -1,0 +1,100 @@
+// JSON documents of the common library: hostile texts, properties and error reports.
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <sstream>
+#include <string>
+
+#include "HCRapidJsonReadWriteUtils.h"
+#include "HEXError.h"
+#include "JsonDocument.h"
+#include "support/support.h"
+
+namespace {
+
+using Utils = HCRapidJsonReadWriteUtils;
+
+std::string errorOf(const std::string& text) {
+    std::istringstream stream(text);
+    JsonDocument document;
+    document.ParseStream(stream);
+    return document.HasParseError() ? Utils::GetErrorMsgFromDocument(document) : "";
+}
+
+TEST(JsonDocument, ReadsNumbersAsAPlainDocumentDoes) {
+    std::istringstream stream("[0, -0, 2147483647, -2147483648, 4294967295, 9223372036854775807,"
+                              "-9223372036854775808, 18446744073709551615, 18446744073709551616,"
+                              "-9223372036854775809, 1.0, -2e3, 0.5E-1]");
+    JsonDocument document;
+    document.ParseStream(stream);
+    rapidjson::Document plain;
+    plain.Parse(stream.str().c_str());
+    ASSERT_EQ(plain.Size(), document.Size());
+    for (rapidjson::SizeType i = 0; i < plain.Size(); ++i) {
+        const auto& expected = plain[i];
+        const auto& value = document[i];
+        EXPECT_EQ(expected.IsInt(), value.IsInt()) << i;
+        EXPECT_EQ(expected.IsUint(), value.IsUint()) << i;
+        EXPECT_EQ(expected.IsInt64(), value.IsInt64()) << i;
+        EXPECT_EQ(expected.IsUint64(), value.IsUint64()) << i;
+        EXPECT_DOUBLE_EQ(expected.GetDouble(), value.GetDouble()) << i;
+    }
+}
+
+TEST(JsonDocument, SurvivesHostileTexts) {
+    EXPECT_EQ("", errorOf("[0." + std::string(400, '0') + "1e-2147483600]"));
+    EXPECT_EQ("", errorOf(std::string(1000, '[') + std::string(1000, ']')));
+    EXPECT_EQ("The values are nested too deeply. (at byte 1000)",
+              errorOf(std::string(5000000, '[')));
+    EXPECT_EQ("Missing a comma or '}' after an object member. (at byte 6)", errorOf("{\"a\":1"));
+    EXPECT_EQ("The document is empty. (at byte 0)", errorOf(""));
+    EXPECT_EQ("Number too big to be stored in double. (at byte 0)", errorOf("1e999"));
+}
+
+TEST(JsonDocument, KeepsItsValueOnAParseError) {
+    std::istringstream stream("{\"a\": [1, 2");
+    JsonDocument document(rapidjson::kObjectType);
+    document.ParseStream(stream);
+    EXPECT_TRUE(document.HasParseError());
+    ASSERT_TRUE(document.IsObject());
+    EXPECT_TRUE(document.ObjectEmpty());
+}
+
+TEST(JsonAllocator, RaisesWhereMemoryIsExhausted) {
+    EXPECT_THROW(JsonAllocator().Malloc(std::numeric_limits<std::size_t>::max() / 2),
+                 std::bad_alloc);
+}
+
+TEST(JsonProperties, AreAddedInOrder) {
+    rapidjson::Document document;
+    auto& allocator = document.GetAllocator();
+    rapidjson::Value child(rapidjson::kObjectType);
+    Utils::AddStringProperty(child, "s", std::string("a\0b", 3), allocator);
+    Utils::AddBooleanProperty(document, "flag", true, allocator);
+    Utils::AddStringArrayProperty(document, "list", {"x", ""}, allocator);
+    Utils::AddGenericValueProperty(document, "child", child, allocator);
+    EXPECT_TRUE(child.IsNull());
+    rapidjson::StringBuffer buffer;
+    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+    document.Accept(writer);
+    EXPECT_STREQ(R"({"flag":true,"list":["x",""],"child":{"s":"a\u0000b"}})", buffer.GetString());
+}
+
+TEST(JsonProperties, GiveTheFirstTextOfAName) {
+    rapidjson::Document document;
+    document.Parse(R"({"ab": "long", "a": "first", "a": "second", "n": 1})");
+    EXPECT_EQ("first", Utils::GetStringProperty(document, "a"));
+    EXPECT_EQ("", Utils::GetStringProperty(document, "n"));
+    EXPECT_EQ("", Utils::GetStringProperty(document, "none"));
+    EXPECT_EQ("", Utils::GetStringProperty(rapidjson::Value(1), "a"));
+}
+
+TEST(JsonReports, NameTheFile) {
+    support::expectThrows<HEXError>("the JSON file '/x.json' can't be read",
+                                    [] { Utils::errorReadingJsonFile("/x.json"); });
+    support::expectThrows<HEXError>("the JSON file '/x.json' is malformed: why",
+                                    [] { Utils::errorParsingJsonFile("/x.json", "why"); });
+}
+
+} // namespace
