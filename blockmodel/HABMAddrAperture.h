@@ -1,0 +1,32 @@
+// A range of addresses: where it starts and how large it is.
+#pragma once
+
+#include <string>
+
+#include "blockmodel/HABMAddrValue.h"
+#include "tq_export.h"
+
+/// A value type. An aperture of size 0 is empty. Start or size may be invalid, if its text was bad;
+/// the aperture then has no last address.
+class TQ_EXPORT HABMAddrAperture {
+public:
+    HABMAddrAperture(const HABMAddrValue& start, const HABMAddrValue& size);
+    /// Reads "START:SIZE", each as an HABMAddrValue. An empty text makes an empty aperture at 0;
+    /// a text without a ":" one of which both are invalid.
+    explicit HABMAddrAperture(const std::string& text);
+
+    [[nodiscard]] const HABMAddrValue& getStart() const { return m_start; }
+    [[nodiscard]] const HABMAddrValue& getSize() const { return m_size; }
+
+    /// Last address of the aperture; its start, if it is empty; invalid, if start or size is or if
+    /// the address is beyond what a value holds.
+    [[nodiscard]] HABMAddrValue getHighAddress() const;
+
+    /// Order by start, then by size.
+    bool operator<(const HABMAddrAperture& other) const;
+    bool operator==(const HABMAddrAperture& other) const = default;
+
+private:
+    HABMAddrValue m_start;
+    HABMAddrValue m_size;
+};

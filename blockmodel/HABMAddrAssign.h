@@ -1,0 +1,69 @@
+// An address assign: says that an address block appears as a segment of an address space.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "blockmodel/HABMAddrValue.h"
+#include "tq_export.h"
+
+class HABMAddrBlock;
+class HABMAddrSegment;
+class HABMAddrSpace;
+class HABMBlock;
+
+/// Made by `HABMBlock::createAddrAssign`, owned by its block. It keeps the paths of its two ends
+/// and looks them up when asked, so that an end that is removed reads as null.
+class TQ_EXPORT HABMAddrAssign {
+public:
+    /// The numbers are part of the contract: 2 is internal.
+    enum AssignType : int { Normal = 0, Excluded = 1, Internal = 2 };
+
+    HABMAddrAssign(const HABMAddrAssign&) = delete;
+    HABMAddrAssign& operator=(const HABMAddrAssign&) = delete;
+
+    [[nodiscard]] const std::string& getName() const { return m_name; }
+    [[nodiscard]] HABMBlock* getParent() { return m_parent; }
+    [[nodiscard]] const HABMBlock* getParent() const { return m_parent; }
+
+    /// Texts: "normal", "excluded", "internal"; any other is read as the first.
+    [[nodiscard]] static AssignType encodeAssignType(std::string text);
+    [[nodiscard]] static std::string decodeAssignType(AssignType type);
+    [[nodiscard]] AssignType getAssignType() const { return m_assignType; }
+    void setAssignType(const AssignType& type) { m_assignType = type; }
+
+    /// Where the address block starts in the address space, and its size there, in bytes.
+    [[nodiscard]] HABMAddrValue getOffset() const { return m_offset; }
+    void setOffset(const HABMAddrValue& offset) { m_offset = offset; }
+    [[nodiscard]] HABMAddrValue getRange() const { return m_range; }
+    void setRange(const HABMAddrValue& range) { m_range = range; }
+
+    /// The two ends; null if never set or gone.
+    [[nodiscard]] HABMAddrBlock* getSourceAddrBlock() const;
+    [[nodiscard]] HABMAddrSegment* getTargetAddrSegment() const;
+    /// Null, or an object of another tree, leaves the end without an object.
+    void setSourceAddrBlock(const HABMAddrBlock* block);
+    void setTargetAddrSegment(const HABMAddrSegment* segment);
+
+    /// The paths of the ends from the top block, whether something stands there or not.
+    [[nodiscard]] const std::string& getSourcePath() const { return m_sourcePath; }
+    [[nodiscard]] const std::string& getTargetPath() const { return m_targetPath; }
+    void setSourcePath(const std::string& path) { m_sourcePath = path; }
+    void setTargetPath(const std::string& path) { m_targetPath = path; }
+
+    /// The assigns whose target is a segment of this address space, in their order.
+    [[nodiscard]] static std::vector<HABMAddrAssign*>
+    filterByAddrSpace(const std::vector<HABMAddrAssign*>& assigns, const HABMAddrSpace* space);
+
+private:
+    friend class HABMBlock;
+    HABMAddrAssign(HABMBlock* parent, const std::string& name);
+
+    HABMBlock* const m_parent;
+    const std::string m_name;
+    AssignType m_assignType = Normal;
+    HABMAddrValue m_offset;
+    HABMAddrValue m_range;
+    std::string m_sourcePath;
+    std::string m_targetPath;
+};

@@ -1,0 +1,58 @@
+// An address block of a memory map: a range of addresses that holds registers or memory.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "blockmodel/HABMAddrAperture.h"
+#include "blockmodel/HABMAddrValue.h"
+#include "blockmodel/HABMNamedStore.h"
+#include "blockmodel/HABMRegister.h"
+#include "tq_export.h"
+
+class HABMMemoryMap;
+
+/// Made by `HABMMemoryMap::createAddrBlock`, owned by its map. A fresh one holds registers and has
+/// an empty aperture at 0.
+class TQ_EXPORT HABMAddrBlock {
+public:
+    enum class MemoryType { Register, Memory, Reserved };
+
+    HABMAddrBlock(const HABMAddrBlock&) = delete;
+    HABMAddrBlock& operator=(const HABMAddrBlock&) = delete;
+
+    [[nodiscard]] const std::string& getName() const { return m_name; }
+    /// "/instance/map/block".
+    [[nodiscard]] std::string getPath() const;
+    [[nodiscard]] HABMMemoryMap* getParent() { return m_parent; }
+    [[nodiscard]] const HABMMemoryMap* getParent() const { return m_parent; }
+
+    /// Start in the memory map, and size in bytes.
+    [[nodiscard]] const HABMAddrAperture& getAperture() const { return m_aperture; }
+    void setAperture(const HABMAddrAperture& aperture) { m_aperture = aperture; }
+    [[nodiscard]] HABMAddrValue getOffset() const { return m_aperture.getStart(); }
+    [[nodiscard]] HABMAddrValue getRange() const { return m_aperture.getSize(); }
+
+    /// Texts: "register", "memory", "reserved"; any other is read as the first.
+    [[nodiscard]] static MemoryType encodeMemoryType(std::string text);
+    [[nodiscard]] static std::string decodeMemoryType(MemoryType type);
+    [[nodiscard]] MemoryType getMemoryType() const { return m_memoryType; }
+    void setMemoryType(const MemoryType& type) { m_memoryType = type; }
+
+    /// A new register. Null if the name is empty, holds a "/" or is taken in this address block.
+    HABMRegister* createRegister(const std::string& name);
+    /// The register of that name, or null.
+    [[nodiscard]] HABMRegister* getRegister(const std::string& name) const;
+    /// The registers in creation order.
+    [[nodiscard]] std::vector<HABMRegister*> getRegisters() const { return m_registers.all(); }
+
+private:
+    friend class HABMMemoryMap;
+    HABMAddrBlock(HABMMemoryMap* parent, const std::string& name);
+
+    HABMMemoryMap* const m_parent;
+    const std::string m_name;
+    HABMAddrAperture m_aperture;
+    MemoryType m_memoryType = MemoryType::Register;
+    HABMNamedStore<HABMRegister> m_registers;
+};

@@ -1,0 +1,47 @@
+// A segment of an address space: a range of addresses that an initiator sees.
+#pragma once
+
+#include <string>
+
+#include "blockmodel/HABMAddrAperture.h"
+#include "blockmodel/HABMAddrValue.h"
+#include "tq_export.h"
+
+class HABMAddrSpace;
+
+/// Made by `HABMAddrSpace::createAddrSegment`, owned by its address space. A fresh one serves both
+/// data and instructions and has an empty aperture at 0.
+class TQ_EXPORT HABMAddrSegment {
+public:
+    enum class MemoryType { Data, Instruction, Both };
+
+    HABMAddrSegment(const HABMAddrSegment&) = delete;
+    HABMAddrSegment& operator=(const HABMAddrSegment&) = delete;
+
+    [[nodiscard]] const std::string& getName() const { return m_name; }
+    /// "/instance/space/segment".
+    [[nodiscard]] std::string getPath() const;
+    [[nodiscard]] HABMAddrSpace* getParent() { return m_parent; }
+    [[nodiscard]] const HABMAddrSpace* getParent() const { return m_parent; }
+
+    /// Start in the address space, and size in bytes.
+    [[nodiscard]] const HABMAddrAperture& getAperture() const { return m_aperture; }
+    void setAperture(const HABMAddrAperture& aperture) { m_aperture = aperture; }
+    [[nodiscard]] HABMAddrValue getOffset() const { return m_aperture.getStart(); }
+    [[nodiscard]] HABMAddrValue getRange() const { return m_aperture.getSize(); }
+
+    /// Texts: "data", "instruction", "both"; any other is read as the last.
+    [[nodiscard]] static MemoryType encodeMemoryType(std::string text);
+    [[nodiscard]] static std::string decodeMemoryType(MemoryType type);
+    [[nodiscard]] MemoryType getMemoryType() const { return m_memoryType; }
+    void setMemoryType(const MemoryType& type) { m_memoryType = type; }
+
+private:
+    friend class HABMAddrSpace;
+    HABMAddrSegment(HABMAddrSpace* parent, const std::string& name);
+
+    HABMAddrSpace* const m_parent;
+    const std::string m_name;
+    HABMAddrAperture m_aperture;
+    MemoryType m_memoryType = MemoryType::Both;
+};

@@ -1,0 +1,163 @@
+#include "blockmodel/HABMAddrValue.h"
+
+#include <boost/multiprecision/cpp_int.hpp>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cstddef>
+#include <limits>
+#include <stdexcept>
+#include <string_view>
+#include <system_error>
+
+namespace {
+
+constexpr std::string_view kUnits = "KMGTPE";
+constexpr unsigned kBitsPerUnit = 10;
+
+bool hasHexPrefix(std::string_view text) {
+    return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+}
+
+/// Takes a unit off the end of a decimal text and gives the bits that it stands for.
+unsigned takeUnit(std::string_view& text) {
+    if (text.empty())
+        return 0;
+    const char letter = text.back() >= 'a' && text.back() <= 'z'
+                            ? static_cast<char>(text.back() - 'a' + 'A')
+                            : text.back();
+    const std::size_t unit = kUnits.find(letter);
+    if (unit == std::string_view::npos)
+        return 0;
+    text.remove_suffix(1);
+    return kBitsPerUnit * (static_cast<unsigned>(unit) + 1);
+}
+
+bool isAllDigits(std::string_view text, bool hexadecimal) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [&](char c) {
+        return (c >= '0' && c <= '9') ||
+               (hexadecimal && ((c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F')));
+    });
+}
+
+std::string hexDigits(std::uint64_t number, std::size_t leastDigits) {
+    std::array<char, 16> digits;
+    const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16);
+    const auto count = static_cast<std::size_t>(result.ptr - digits.data());
+    std::string text(count < leastDigits ? leastDigits - count : 0, '0');
+    return text.append(digits.data(), count);
+}
+
+} // namespace
+
+/// The way between the two halves and the wide integer that calculates. Its arithmetic raises when
+/// a result doesn't fit, which `calculated` turns into an invalid value.
+struct HABMAddrValue::Wide {
+    using Integer = boost::multiprecision::checked_uint128_t;
+
+    static Integer of(const HABMAddrValue& value) {
+        return (Integer(value.m_high) << 64) | Integer(value.m_low);
+    }
+
+    static HABMAddrValue value(const Integer& number) {
+        constexpr std::uint64_t kLowHalf = std::numeric_limits<std::uint64_t>::max();
+        HABMAddrValue value(static_cast<std::uint64_t>(Integer(number & Integer(kLowHalf))));
+        value.m_high = static_cast<std::uint64_t>(Integer(number >> 64));
+        return value;
+    }
+
+    template <class Calculation>
+    static HABMAddrValue calculated(Calculation&& calculation) {
+        try {
+            return value(calculation());
+        } catch (const std::runtime_error&) { // too large, or below zero
+            return {};
+        }
+    }
+
+    /// A number that 64 bits don't hold. More digits than the widest number has mean zeros in
+    /// front or too much; the zeros go first, so that the length bounds the work.
+    static HABMAddrValue parsed(std::string_view digits, bool hexadecimal, unsigned shift) {
+        digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
+        if (digits.size() > (hexadecimal ? 32U : 39U))
+            return {};
+        return calculated([&] {
+            const std::string text = (hexadecimal ? "0x" : "") + std::string(digits);
+            return Integer(Integer(digits.empty() ? "0" : text) * (Integer(1) << shift));
+        });
+    }
+};
+
+HABMAddrValue::HABMAddrValue(const std::string& text) {
+    std::string_view digits = text;
+    const bool hexadecimal = hasHexPrefix(digits);
+    if (hexadecimal)
+        digits.remove_prefix(2);
+    const unsigned shift = hexadecimal ? 0 : takeUnit(digits);
+
+    // Nearly every number is of 64 bits.
+    const char* const end = digits.data() + digits.size();
+    const auto result = std::from_chars(digits.data(), end, m_low, hexadecimal ? 16 : 10);
+    m_valid = result.ec == std::errc() && result.ptr == end;
+    if (m_valid && shift == 0)
+        return;
+
+    *this = isAllDigits(digits, hexadecimal) ? Wide::parsed(digits, hexadecimal, shift)
+                                             : HABMAddrValue();
+}
+
+HABMAddrValue HABMAddrValue::plus(const HABMAddrValue& other) const {
+    if (!m_valid || !other.m_valid)
+        return {};
+    return Wide::calculated([&] { return Wide::Integer(Wide::of(*this) + Wide::of(other)); });
+}
+
+HABMAddrValue HABMAddrValue::minus(const HABMAddrValue& other) const {
+    if (!m_valid || !other.m_valid)
+        return {};
+    return Wide::calculated([&] { return Wide::Integer(Wide::of(*this) - Wide::of(other)); });
+}
+
+HABMAddrValue HABMAddrValue::roundUpPow2() const {
+    if (!m_valid)
+        return {};
+    const HABMAddrValue below = Wide::value(Wide::Integer(1) << log2());
+    return below < *this ? below.plus(below) : below;
+}
+
+unsigned int HABMAddrValue::log2() const {
+    const std::uint64_t half = m_high != 0 ? m_high : m_low;
+    if (half == 0)
+        return 0;
+    return static_cast<unsigned>(std::bit_width(half)) - 1 + (m_high != 0 ? 64 : 0);
+}
+
+std::string HABMAddrValue::getHexStringValue(const unsigned int& width) const {
+    constexpr unsigned kMostBits = 128;
+    const std::size_t leastDigits = (std::min(width, kMostBits) + 3) / 4;
+    if (m_high == 0)
+        return "0x" + hexDigits(m_low, leastDigits);
+    return "0x" + hexDigits(m_high, leastDigits > 16 ? leastDigits - 16 : 0) + hexDigits(m_low, 16);
+}
+
+std::string HABMAddrValue::getPrettyHexStringValue(const unsigned int& width) const {
+    std::string text = getHexStringValue(width);
+    std::transform(text.begin() + 2, text.end(), text.begin() + 2, [](char c) {
+        return c >= 'a' && c <= 'f' ? static_cast<char>(c - 'a' + 'A') : c;
+    });
+    return text;
+}
+
+std::string HABMAddrValue::getAbrvStringValue() const {
+    if (m_low == 0 && m_high == 0)
+        return getHexStringValue(0);
+    const int zeros = m_low != 0 ? std::countr_zero(m_low) : 64 + std::countr_zero(m_high);
+    const std::size_t unit =
+        std::min<std::size_t>(static_cast<unsigned>(zeros) / kBitsPerUnit, kUnits.size());
+    if (unit == 0)
+        return getHexStringValue(0);
+    const Wide::Integer count = Wide::of(*this) >> (kBitsPerUnit * unit);
+    return count.str() + kUnits[unit - 1];
+}

@@ -1,0 +1,65 @@
+// An address or a data value of a device: a number of up to 128 bits, or the knowledge that there
+// is none.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "tq_export.h"
+
+/// A value type. A 64-bit device needs 64 bits and the power of two above them; there is room for
+/// twice that. A value is either valid, and then holds a number, or invalid; a fresh value is
+/// invalid. Nothing here throws for its input: what can't be read or doesn't fit is invalid.
+///
+///     HABMAddrValue size("64K");
+///     size.getHexStringValue(0);  // "0x10000"
+///     size.getAbrvStringValue();  // "64K"
+///     size.log2();                // 16
+class TQ_EXPORT HABMAddrValue {
+public:
+    HABMAddrValue() = default;
+
+    /// Reads a text: "0x" or "0X" and hexadecimal digits of either case, or decimal digits, which
+    /// one of the letters K, M, G, T, P and E (of either case) may follow for a multiple of 2^10,
+    /// 2^20, … 2^60. Anything else is invalid: an empty text, a sign, a blank, a digit group mark,
+    /// a number beyond 128 bits.
+    HABMAddrValue(const std::string& text);
+    explicit HABMAddrValue(std::uint64_t number) : m_low(number), m_valid(true) {}
+
+    [[nodiscard]] bool isValid() const { return m_valid; }
+
+    /// Numeric order; an invalid value stands below every valid one and equals any invalid one.
+    bool operator<(const HABMAddrValue& other) const {
+        if (m_valid != other.m_valid)
+            return other.m_valid;
+        return m_high != other.m_high ? m_high < other.m_high : m_low < other.m_low;
+    }
+    bool operator==(const HABMAddrValue& other) const = default;
+
+    /// The sum and the difference; invalid if an operand is, or if the result is beyond 128 bits
+    /// or below zero.
+    [[nodiscard]] HABMAddrValue plus(const HABMAddrValue& other) const;
+    [[nodiscard]] HABMAddrValue minus(const HABMAddrValue& other) const;
+
+    /// Smallest power of two that isn't below the value, 1 for 0; invalid for an invalid value and
+    /// for one above 2^127.
+    [[nodiscard]] HABMAddrValue roundUpPow2() const;
+    /// Binary logarithm, rounded down; 0 for 0 and for an invalid value.
+    [[nodiscard]] unsigned int log2() const;
+
+    /// "0x" and lower case digits, filled with zeros to `width` bits; 0 fills nothing. Tcl's expr
+    /// reads it. An invalid value gives the text of zero, here and in the next.
+    [[nodiscard]] std::string getHexStringValue(const unsigned int& width) const;
+    /// The same with upper case digits, which people tell apart more easily.
+    [[nodiscard]] std::string getPrettyHexStringValue(const unsigned int& width) const;
+    /// Short form of a size: "4K", "16M", "2G" and so on to E, with the largest unit that the
+    /// value is a multiple of, else the text of getHexStringValue. The constructor reads both.
+    [[nodiscard]] std::string getAbrvStringValue() const;
+
+private:
+    struct Wide;
+
+    std::uint64_t m_high = 0; ///< both halves are 0 if invalid, so that comparing needn't ask
+    std::uint64_t m_low = 0;
+    bool m_valid = false;
+};

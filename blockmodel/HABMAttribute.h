@@ -1,0 +1,23 @@
+// A free attribute of a block: a name and a value.
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "tq_export.h"
+
+/// Made by `HABMBlock::setAttribute`, owned by its block.
+class TQ_EXPORT HABMAttribute {
+public:
+    explicit HABMAttribute(std::string name) : m_name(std::move(name)) {}
+    HABMAttribute(const HABMAttribute&) = delete;
+    HABMAttribute& operator=(const HABMAttribute&) = delete;
+
+    [[nodiscard]] const std::string& getName() const { return m_name; }
+    [[nodiscard]] const std::string& getValue() const { return m_value; }
+    void setValue(const std::string& value) { m_value = value; }
+
+private:
+    const std::string m_name;
+    std::string m_value;
+};

@@ -1,0 +1,27 @@
+// A parameter of a block, as its name and value.
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "tq_export.h"
+
+/// Owned by its block; see HABMParameter.
+class TQ_EXPORT HABMGeneric {
+public:
+    HABMGeneric(const HABMGeneric&) = delete;
+    HABMGeneric& operator=(const HABMGeneric&) = delete;
+
+    [[nodiscard]] const std::string& getName() const { return m_name; }
+    [[nodiscard]] const std::string& getValue() const { return m_value; }
+
+protected:
+    explicit HABMGeneric(std::string name) : m_name(std::move(name)) {}
+    ~HABMGeneric() = default;
+
+    void assign(const std::string& value) { m_value = value; }
+
+private:
+    const std::string m_name;
+    std::string m_value;
+};

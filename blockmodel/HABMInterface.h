@@ -1,0 +1,97 @@
+// An interface of a block: a bundle of ports through which it reaches others or is reached.
+#pragma once
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "blockmodel/HABMAddrAperture.h"
+#include "blockmodel/HABMNamedStore.h"
+#include "blockmodel/HABMPortMap.h"
+#include "tq_export.h"
+
+class HABMBlock;
+class HABMInterfaceConnection;
+
+/// Made by `HABMBlock::createInterface`, owned by its block. A fresh one has an unknown mode. An
+/// initiator refers to an address space of its block, a target to a memory map; a reference is a
+/// name, and what it names needn't be there.
+class TQ_EXPORT HABMInterface {
+public:
+    enum class InterfaceMode {
+        Unknown,
+        Master,
+        Slave,
+        MirroredMaster,
+        MirroredSlave,
+        System,
+        Monitor
+    };
+
+    HABMInterface(const HABMInterface&) = delete;
+    HABMInterface& operator=(const HABMInterface&) = delete;
+
+    [[nodiscard]] const std::string& getInterfaceName() const { return m_name; }
+    [[nodiscard]] HABMBlock* getParent() { return m_parent; }
+    [[nodiscard]] const HABMBlock* getParent() const { return m_parent; }
+
+    /// VLNV of the interface's definition.
+    [[nodiscard]] const std::string& getInterfaceVlnv() const { return m_vlnv; }
+    void setInterfaceVlnv(const std::string& vlnv) { m_vlnv = vlnv; }
+
+    /// Texts: "master" (or "initiator"), "slave" (or "target"), "mirrored_master",
+    /// "mirrored_slave", "system", "monitor"; any other is an unknown mode, which shows as
+    /// "unknown".
+    [[nodiscard]] static InterfaceMode encodeInterfaceMode(std::string text);
+    [[nodiscard]] static std::string decodeInterfaceMode(InterfaceMode mode);
+    [[nodiscard]] InterfaceMode getInterfaceMode() const { return m_mode; }
+    void setInterfaceMode(const InterfaceMode& mode) { m_mode = mode; }
+    /// True for an initiator, that is in the mode "master" alone.
+    [[nodiscard]] bool isSourceInterface() const { return m_mode == InterfaceMode::Master; }
+
+    /// Expression that says whether a design has this interface; empty if it always has.
+    [[nodiscard]] const std::string& getEnablement() const { return m_enablement; }
+    void setEnablement(const std::string& expression) { m_enablement = expression; }
+
+    /// Name of a memory map of the same block.
+    [[nodiscard]] const std::string& getMemoryMapRef() const { return m_memoryMapRef; }
+    void setMemoryMapRef(const std::string& name) { m_memoryMapRef = name; }
+    /// Name of an address space of the same block.
+    [[nodiscard]] const std::string& getAddrSpaceRef() const { return m_addrSpaceRef; }
+    void setAddrSpaceRef(const std::string& name) { m_addrSpaceRef = name; }
+
+    [[nodiscard]] const std::set<HABMAddrAperture>& getApertures() const { return m_apertures; }
+    /// Replaces the apertures; with the flag, adds to them.
+    void setApertures(const std::set<HABMAddrAperture>& apertures, const bool& flag);
+
+    /// A new line of the port map; null if the logical port is empty or has one already.
+    HABMPortMap* createPortMap(const std::string& logicalPort, const std::string& physicalPort);
+    /// The lines of the port map in creation order.
+    [[nodiscard]] std::vector<HABMPortMap*> getPortMaps() const { return m_portMaps.all(); }
+
+    /// True if an interface connection anywhere in the design names this interface as source or
+    /// target.
+    [[nodiscard]] bool hasConnections() const;
+    /// The interfaces that lead to this one: the sources of the connections whose target it is, and
+    /// so on from each of them. As an interface on the edge of a block is the target of a
+    /// connection on one side and the source of one on the other, this walks up and down the
+    /// hierarchy. Nearest first, at the same distance by the age of the connections; each once,
+    /// never this one itself. What a path names and isn't there is passed over.
+    [[nodiscard]] std::vector<HABMInterface*> getSourceInterfaces();
+    /// The interfaces that this one leads to, in the same manner.
+    [[nodiscard]] std::vector<HABMInterface*> getTargetInterfaces();
+
+private:
+    friend class HABMBlock;
+    HABMInterface(HABMBlock* parent, const std::string& name) : m_parent(parent), m_name(name) {}
+
+    HABMBlock* const m_parent;
+    const std::string m_name;
+    std::string m_vlnv;
+    InterfaceMode m_mode = InterfaceMode::Unknown;
+    std::string m_enablement;
+    std::string m_memoryMapRef;
+    std::string m_addrSpaceRef;
+    std::set<HABMAddrAperture> m_apertures;
+    HABMNamedStore<HABMPortMap> m_portMaps;
+};

@@ -1,0 +1,45 @@
+// A memory map of a block: what a target interface offers, as address blocks.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "blockmodel/HABMAddrBlock.h"
+#include "blockmodel/HABMAddrValue.h"
+#include "blockmodel/HABMNamedStore.h"
+#include "tq_export.h"
+
+class HABMBlock;
+
+/// Made by `HABMBlock::createMemoryMap`, owned by its block. A fresh map has the range 0.
+class TQ_EXPORT HABMMemoryMap {
+public:
+    HABMMemoryMap(const HABMMemoryMap&) = delete;
+    HABMMemoryMap& operator=(const HABMMemoryMap&) = delete;
+
+    [[nodiscard]] const std::string& getName() const { return m_name; }
+    /// "/instance/map".
+    [[nodiscard]] std::string getPath() const;
+    [[nodiscard]] HABMBlock* getParent() { return m_parent; }
+    [[nodiscard]] const HABMBlock* getParent() const { return m_parent; }
+
+    /// Extent in bytes.
+    [[nodiscard]] const HABMAddrValue& getRange() const { return m_range; }
+    void setRange(const HABMAddrValue& range) { m_range = range; }
+
+    /// A new address block. Null if the name is empty, holds a "/" or is taken in this map.
+    HABMAddrBlock* createAddrBlock(const std::string& name);
+    /// The address block of that name, or null.
+    [[nodiscard]] HABMAddrBlock* getAddrBlock(const std::string& name) const;
+    /// The address blocks in creation order.
+    [[nodiscard]] std::vector<HABMAddrBlock*> getAddrBlocks() const { return m_blocks.all(); }
+
+private:
+    friend class HABMBlock;
+    HABMMemoryMap(HABMBlock* parent, const std::string& name);
+
+    HABMBlock* const m_parent;
+    const std::string m_name;
+    HABMAddrValue m_range;
+    HABMNamedStore<HABMAddrBlock> m_blocks;
+};

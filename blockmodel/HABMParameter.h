@@ -1,0 +1,16 @@
+// A parameter of a block, as it is set.
+#pragma once
+
+#include <string>
+
+#include "blockmodel/HABMGeneric.h"
+#include "tq_export.h"
+
+/// Made by `HABMBlock::setParameter`. A parameter and the generic that `HABMBlock::getGenerics`
+/// shows are one object.
+class TQ_EXPORT HABMParameter : public HABMGeneric {
+public:
+    explicit HABMParameter(const std::string& name) : HABMGeneric(name) {}
+
+    void setValue(const std::string& value) { assign(value); }
+};

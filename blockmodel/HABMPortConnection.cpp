@@ -1,0 +1,59 @@
+#include "blockmodel/HABMPortConnection.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "blockmodel/HABMBlock.h"
+#include "blockmodel/HABMConnectionIndex.h"
+#include "blockmodel/HABMEnumText.h"
+#include "blockmodel/HABMPathText.h"
+
+namespace {
+
+constexpr HABMEnumTexts<HABMPortConnection::ConnectionType, 2> kTypeTexts{{
+    {"soft", HABMPortConnection::ConnectionType::Soft},
+    {"hard", HABMPortConnection::ConnectionType::Hard},
+}};
+
+} // namespace
+
+HABMPortConnection::ConnectionType HABMPortConnection::encodeConnectionType(std::string text) {
+    return encodeEnum(kTypeTexts, text, ConnectionType::Soft);
+}
+
+std::string HABMPortConnection::decodeConnectionType(ConnectionType type) {
+    return decodeEnum(kTypeTexts, type);
+}
+
+bool HABMPortConnection::leadsToPort(const std::string& path) const {
+    return habm::portAt(m_parent->getTopBlock(), habm::fromTop(*m_parent, path)) != nullptr;
+}
+
+bool HABMPortConnection::setSourcePath(const std::string& path) {
+    const HABMConnectionIndex::Change change(*this);
+    m_sourcePath = path;
+    return leadsToPort(path);
+}
+
+bool HABMPortConnection::setTargetPaths(const std::set<std::string>& paths) {
+    const HABMConnectionIndex::Change change(*this);
+    m_targetPaths = paths;
+    return std::all_of(paths.begin(), paths.end(),
+                       [this](const std::string& path) { return leadsToPort(path); });
+}
+
+bool HABMPortConnection::isValid(const bool& flag) const {
+    const auto standing =
+        std::count_if(m_targetPaths.begin(), m_targetPaths.end(),
+                      [this](const std::string& path) { return leadsToPort(path); });
+    const auto needed = flag ? 1 : std::max<std::ptrdiff_t>(std::ssize(m_targetPaths), 1);
+    return standing >= needed && leadsToPort(m_sourcePath);
+}
+
+void HABMPortConnection::moveEnds(const std::string& before, const std::string& after) {
+    m_sourcePath = habm::moved(m_sourcePath, before, after);
+    std::set<std::string> targets;
+    for (const std::string& path : m_targetPaths)
+        targets.insert(habm::moved(path, before, after));
+    m_targetPaths = std::move(targets);
+}
