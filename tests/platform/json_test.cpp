@@ -11,6 +11,14 @@
 #include "JsonDocument.h"
 #include "support/support.h"
 
+// AddressSanitizer would end the process where a null pointer is asked for on purpose.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+extern "C" const char* __asan_default_options();
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+const char* __asan_default_options() {
+    return "allocator_may_return_null=1";
+}
+
 namespace {
 
 using Utils = HCRapidJsonReadWriteUtils;

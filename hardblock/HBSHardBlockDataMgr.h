@@ -1,0 +1,64 @@
+// All hard blocks of the tool's installation, read from JSON metadata files.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "hardblock/HardBlockData.h"
+#include "tq_export.h"
+
+/// The one holder of hard block data. Its first use reads every file, hidden files and backup
+/// copies too, in the folder "sce/hardblocks" of the tool's data area; a bad file doesn't stop the
+/// others.
+///
+///     auto* manager = HBSHardBlockDataMgr::getHardBlockDataMgr();
+///     if (hardblock::HardBlockData* ps = manager->getHardBlockByName("sorrel_ps"))
+///         ps->getInterfaceByName("M_AXI")->getPortMapByName("A[6]");
+///
+/// A file holds any number of hard blocks:
+///
+///     {"NAME": {"interfaces": {"NAME": {"access_point": {"module": "TEXT",
+///                                                        "parameters": {"NAME": 1},
+///                                                        "port_maps": {"MAPPED[3:0]":
+///                                                        "A[7:4]"}}}},
+///               "pins": {"NAME": {"type": "wire|vector", "direction": "in|out|inout",
+///                                 "default_val": "TEXT", "size_left": 7, "size_right": 0}}}}
+///
+/// Every key may be left out, unknown keys are ignored. A value of an unsuitable type is skipped
+/// with the message "@90-8@%s%s" (the type and the key), wherever it stands, and the reading goes
+/// on: its key counts as left out, and a root that isn't an object holds nothing. Values nested
+/// deeper than 1000 levels are malformed.
+///
+/// Hard blocks only grow in number and live, as the manager does, to the end of the process. Not
+/// guarded by locks: the first call must come from one thread alone, and so must changes.
+class TQ_EXPORT HBSHardBlockDataMgr {
+public:
+    /// The instance; the first call makes it and reads the data area.
+    static HBSHardBlockDataMgr* getHardBlockDataMgr();
+
+    HBSHardBlockDataMgr(const HBSHardBlockDataMgr&) = delete;
+    HBSHardBlockDataMgr& operator=(const HBSHardBlockDataMgr&) = delete;
+
+    /// Appends the hard blocks of one metadata file; a file read twice gives them twice. False for
+    /// a missing file (one line on the standard output), one that can't be read ("@90-4@%s" with
+    /// the full path) and malformed JSON ("@90-2@%s" with the reason, then "@90-4@%s"); nothing is
+    /// added then.
+    bool createHardBlocks(const std::string& file);
+
+    /// The first hard block of that name; a null pointer and one line on the standard output if
+    /// there is none.
+    [[nodiscard]] hardblock::HardBlockData* getHardBlockByName(const std::string& name);
+
+    /// All hard blocks, in order of reading.
+    [[nodiscard]] std::vector<hardblock::HardBlockData*> getHardBlocksData();
+
+private:
+    HBSHardBlockDataMgr();
+    ~HBSHardBlockDataMgr();
+
+    void scanMetadataDirectory();
+
+    std::string m_metadataFile; ///< given to the last createHardBlocks that found its file
+    std::vector<std::unique_ptr<hardblock::HardBlockData>> m_hardBlocks;
+};

@@ -1,0 +1,59 @@
+// An interface of a hard block: the module of its access point, its parameters, its port maps.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+#include "hardblock/PortMap.h"
+#include "tq_export.h"
+
+namespace hardblock {
+
+/// Owns its port maps; pointers to them stay valid as long as it lives. Iterators go in no defined
+/// order.
+///
+///     Interface axi("S_AXI");
+///     axi.addPortMap("A[7:4]", "X[3:0]");
+///     axi.getPortMapByName("A[6]"); // "X[2]"
+class TQ_EXPORT Interface {
+public:
+    using PortMaps = std::unordered_map<std::string, std::unique_ptr<PortMap>>;
+    using Parameters = std::unordered_map<std::string, std::string>;
+
+    explicit Interface(const std::string& name);
+    ~Interface();
+    Interface(const Interface&) = delete;
+    Interface& operator=(const Interface&) = delete;
+
+    [[nodiscard]] std::string getName() const;
+    /// The module of the access point; empty when none is given.
+    [[nodiscard]] std::string getApModuleName() const;
+    /// A hard block still finds the interface by the name under which it was created.
+    void setName(const std::string& name);
+    void setApModuleName(const std::string& name);
+
+    /// Where the parameter is there already, its first value stays.
+    void addParameter(const std::string& name, const std::string& value);
+    /// The empty text for an unknown parameter.
+    [[nodiscard]] std::string getParameterByName(const std::string& name) const;
+    [[nodiscard]] Parameters::iterator getParameterStartIterator();
+    [[nodiscard]] Parameters::iterator getParameterEndIterator();
+
+    /// Adds one mapping to the port map of the port's bare name. Both texts are "name[L:R]",
+    /// "name[N]" or "name".
+    void addPortMap(const std::string& port, const std::string& mapped);
+    /// What stands behind one bit of a port: A[7:4] asks for bit 4 alone, and A for the port whole.
+    /// The empty text for an unknown port and for a bit that no mapping holds.
+    [[nodiscard]] std::string getPortMapByName(const std::string& port) const;
+    [[nodiscard]] PortMaps::iterator getPortMapStartIterator();
+    [[nodiscard]] PortMaps::iterator getPortMapEndIterator();
+
+private:
+    std::string m_name;
+    std::string m_apModuleName;
+    PortMaps m_portMaps; ///< by the port's bare name
+    Parameters m_parameters;
+};
+
+} // namespace hardblock

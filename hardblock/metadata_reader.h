@@ -1,0 +1,27 @@
+// Reads hard block metadata, a JSON text, into the data model.
+#pragma once
+
+#include <istream>
+#include <memory>
+#include <vector>
+
+#include "HUTFile.h"
+#include "hardblock/HardBlockData.h"
+
+namespace hardblock {
+
+using HardBlocks = std::vector<std::unique_ptr<HardBlockData>>;
+
+/// Appends the hard blocks of a file, stored plain or protected. False where the file can't be read
+/// whole; "@90-4@%s" with its full path is then the last message sent. What an exception interrupts
+/// keeps what was read until then.
+bool readMetadataFile(const HUTFile& file, HardBlocks& hardBlocks);
+
+/// Appends the hard blocks of a JSON text. Malformed JSON sends "@90-2@%s" and adds nothing, and so
+/// does, without a message, a stream that fails on its way to the end.
+///
+/// A value of an unsuitable type, wherever it stands, is skipped as if it weren't there, with the
+/// message "@90-8@%s%s" of its type and key (the root's key is empty), and the reading goes on.
+bool parseMetadataStream(std::istream& stream, HardBlocks& hardBlocks);
+
+} // namespace hardblock
