@@ -1,0 +1,75 @@
+// What a native object does about its script objects when it dies. Only a type whose destructor
+// calls `invalidate` has this; the library's other cached types leave their bindings in place.
+#pragma once
+
+#include <vector>
+
+#include "scripting/native_cache.h"
+#include "scripting/py_native_cache.h"
+
+namespace scripting {
+
+/// Ends every binding of `native`: takes each of its script objects out of `scriptToNative` and
+/// hands it to `release`, in table order, and empties its range in `nativeToScript` at the end. A
+/// script object that `scriptToNative` doesn't know goes to `corrupt`, which must not return; the
+/// range then stays.
+template <class NativeToScript, class ScriptToNative, class Release, class Corrupt>
+void endBindings(NativeToScript& nativeToScript, ScriptToNative& scriptToNative,
+                 const typename NativeToScript::key_type& native, Release release,
+                 Corrupt corrupt) {
+    // A copy, as the script side may run code of its own that binds and unbinds other objects.
+    std::vector<typename NativeToScript::mapped_type> scripts;
+    const auto [first, last] = nativeToScript.equal_range(native);
+    for (auto entry = first; entry != last; ++entry)
+        scripts.push_back(entry->second);
+
+    for (const auto script : scripts) {
+        if (scriptToNative.erase(script) == 0)
+            corrupt();
+        release(script);
+    }
+    nativeToScript.erase(native);
+}
+
+} // namespace scripting
+
+namespace hdi::tcltasks {
+
+/// Marks the Tcl objects of `native` as invalid and releases them.
+template <class T>
+void invalidate(const T* native) {
+    using Cache = native_cache<T*>;
+    if (!Cache::observers())
+        return;
+    // Fetching asks whether Tcl is exiting; kept, so that from the second time on only the test
+    // above does.
+    static auto& nativeToTcl = Cache::get_n2t_cache();
+    static auto& tclToNative = Cache::get_t2n_cache();
+    scripting::endBindings(
+        nativeToTcl, tclToNative, native,
+        [](Tcl_Obj* script) {
+            Cache::mark_invalid(script);
+            Cache::decr_refcount(script);
+        },
+        [] { Cache::error("native_cache<> corrupt"); });
+}
+
+} // namespace hdi::tcltasks
+
+namespace hdi::pyinfra {
+
+/// Marks the Python objects of `native` as invalid; their references stay with the Python layer.
+template <class T>
+void invalidate(const T* native) {
+    using Cache = py_native_cache<T*>;
+    if (!Cache::observers())
+        return;
+    static auto& nativeToPython = Cache::get_n2py_cache();
+    static auto& pythonToNative = Cache::get_py2n_cache();
+    scripting::endBindings(
+        nativeToPython, pythonToNative, native,
+        [](_object* script) { Cache::mark_invalid(script); },
+        [] { Cache::error("py_native_cache<> corrupt"); });
+}
+
+} // namespace hdi::pyinfra
