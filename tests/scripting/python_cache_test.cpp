@@ -25,6 +25,11 @@ struct hdi::tcltasks::native_cache_access {
     static auto& nativeToTcl() { return native_cache<T>::get_n2t_cache(); }
 };
 
+/// What Python itself still holds when the process ends isn't this test's leak.
+extern "C" const char* __lsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier)
+    return "leak:libpython";
+}
+
 namespace {
 
 using hdi::pyinfra::py_native_cache_base;

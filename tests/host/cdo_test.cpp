@@ -1,0 +1,65 @@
+// hbs cdo: what a script's lines report, and how the program ends.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/support.h"
+
+namespace {
+
+support::RunResult runScript(const std::string& content, const std::string& options = "") {
+    const support::TempDir folder;
+    folder.write("s.cdo", content);
+    return support::run("cd " + folder.path().string() + " && " HBS_PROGRAM " cdo s.cdo " +
+                        options);
+}
+
+TEST(CdoCommand, ReportsEachFailureWithItsLineAndGoesOn) {
+    const auto result =
+        runScript("create a\n\n open a m # opens\nclose a \"n o\"\r\nvalue \" -1\"\n"
+                  "create a\naddress 99999999999999999999x\naddress 1\n");
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ("line  command                        result\n"
+              "----  -----------------------------  "
+              "------------------------------------------------------------\n"
+              "   1  create a                       ok\n"
+              "   3  open a m                       ok\n"
+              "   4  close a \"n o\"                  "
+              "failed: Marker 'n o' not matched with last opened marker 'm'\n"
+              "   5  value \" -1\"                    4294967295 (0xffffffff)\n"
+              "   6  create a                       "
+              "failed: sequence 'a' exists already: delete it first\n"
+              "   7  address 99999999999999999999x  "
+              "failed: user input '99999999999999999999x' is invalid\n"
+              "   8  address 1                      1 (0x1)\n"
+              "7 commands, 3 failed\n",
+              result.output);
+}
+
+TEST(CdoCommand, GivesJsonToPrograms) {
+    const auto result = runScript("address 0x10\ndelete a\n", "--json");
+    EXPECT_EQ(1, result.status);
+    for (const char* part : {"\"line\": 2", "\"number\": 16", "\"ok\": false",
+                             "\"failure\": \"sequence 'a' does not exist\""})
+        EXPECT_NE(std::string::npos, result.output.find(part)) << part << result.output;
+}
+
+TEST(CdoCommand, RefusesAScriptItCannotRead) {
+    const std::pair<const char*, const char*> complaints[] = {
+        {"create a\nopn a m\n", "hbs: s.cdo:2: unknown command \"opn\", expected one of: create, "
+                                "open, close, check, address, value, delete\n"},
+        {"open a\n", "hbs: s.cdo:1: expected: open SEQUENCE MARKER\n"},
+        {"value \"1\n", "hbs: s.cdo:1: a quoted text has no end\n"},
+    };
+    for (const auto& [content, complaint] : complaints) {
+        const auto result = runScript(content);
+        EXPECT_EQ(2, result.status);
+        EXPECT_EQ("", result.output);
+        EXPECT_EQ(complaint, result.error);
+    }
+    EXPECT_EQ(2, support::run(HBS_PROGRAM " cdo /").status);
+    EXPECT_EQ(0, runScript("").status);
+}
+
+} // namespace
