@@ -17,14 +17,14 @@
 ///     size.log2();                // 16
 class TQ_EXPORT HABMAddrValue {
 public:
-    HABMAddrValue() = default;
+    constexpr HABMAddrValue() = default;
 
     /// Reads a text: "0x" or "0X" and hexadecimal digits of either case, or decimal digits, which
     /// one of the letters K, M, G, T, P and E (of either case) may follow for a multiple of 2^10,
     /// 2^20, … 2^60. Anything else is invalid: an empty text, a sign, a blank, a digit group mark,
     /// a number beyond 128 bits.
     HABMAddrValue(const std::string& text);
-    explicit HABMAddrValue(std::uint64_t number) : m_low(number), m_valid(true) {}
+    constexpr explicit HABMAddrValue(std::uint64_t number) : m_low(number), m_valid(true) {}
 
     [[nodiscard]] bool isValid() const { return m_valid; }
 

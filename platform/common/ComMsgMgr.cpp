@@ -13,7 +13,7 @@ struct CatalogueEntry {
     std::string_view sentence;
 };
 
-constexpr std::array<CatalogueEntry, 8> kCatalogue{{
+constexpr std::array<CatalogueEntry, 9> kCatalogue{{
     {"90-2", "The JSON text is malformed: %s"},
     {"90-4", "The hard block metadata file '%s' couldn't be read whole"},
     {"90-8", "A JSON value of type %s is unsuitable for the key '%s'"},
@@ -23,6 +23,7 @@ constexpr std::array<CatalogueEntry, 8> kCatalogue{{
     {"91-44", "The definition '%s' couldn't be merged into the sub-block '%s'"},
     {"91-45", "'%s' isn't of the form vendor:library:name:version"},
     {"91-48", "Unknown key '%s'; the known keys are: %s"},
+    {"92-1", "The block model file '%s' can't be used: %s"},
 }};
 
 std::string_view sentenceOf(std::string_view id) {

@@ -1,0 +1,34 @@
+// The ".bmj" format: a block and all below it as JSON.
+#pragma once
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+class HABMBlock;
+
+/// One JSON object: "format", "version" and "block", the top block.
+///
+/// An object holds its keys in a fixed order and leaves out those whose value is what a fresh
+/// object has, so that equal blocks give equal bytes. Texts are byte strings. An address value is
+/// its hexadecimal text, or the empty text if it is invalid; an aperture is the pair of its start
+/// and size, a parameter, an attribute or a line of a port map the pair of its name and value.
+namespace habm::bmj {
+
+constexpr const char* kFormat = "tq block model";
+/// Files of a later version are refused.
+constexpr unsigned kVersion = 1;
+
+/// Why a text can't be read.
+class Fault : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+[[nodiscard]] std::string toText(const HABMBlock& top);
+
+/// Raises `Fault` for a text that isn't a whole block of this version, and `std::bad_alloc`. The
+/// text is used up.
+[[nodiscard]] std::unique_ptr<HABMBlock> fromText(std::string& text);
+
+} // namespace habm::bmj

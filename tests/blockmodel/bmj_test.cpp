@@ -1,0 +1,193 @@
+// Blocks in files, and copies: what comes back equals what went in, and nothing harms the process.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "HUTFile.h"
+#include "blockmodel/block_generator.h"
+#include "support/support.h"
+
+namespace {
+
+class GeneratedBlocks : public testing::TestWithParam<unsigned> {};
+INSTANTIATE_TEST_SUITE_P(Seeds, GeneratedBlocks, testing::Range(0U, 30U));
+
+std::unique_ptr<HABMBlock> readBack(const std::string& bytes) {
+    const support::TempDir folder;
+    return HABMBlock::readTopBlock(HUTFile(folder.write("block.bmj", bytes)));
+}
+
+TEST_P(GeneratedBlocks, ComeBackEqualFromFileAndClone) {
+    const support::CapturedMessages messages;
+    const auto block = generated::block(GetParam());
+    const std::string bytes = generated::bytes(*block);
+    const auto read = readBack(bytes);
+    ASSERT_NE(nullptr, read);
+    EXPECT_EQ(bytes, generated::bytes(*read));
+    const auto clone = HABMBlock::cloneTopBlock(*block);
+    EXPECT_EQ(bytes, generated::bytes(*clone));
+    clone->createSubBlock("another", "m", false)->createPort("p", false);
+    clone->getSubBlock("inner")->setParameter("x", "1", true);
+    EXPECT_EQ(bytes, generated::bytes(*block));
+    for (const HABMBlock* tree : {block.get(), read.get(), clone.get()})
+        EXPECT_THAT(HABMBlockCheck::run(*tree).faults, testing::IsEmpty());
+    EXPECT_THAT(messages.lines(), testing::IsEmpty());
+}
+
+TEST_P(GeneratedBlocks, MergedBlockIsTheChildBelowTheStubsPath) {
+    const auto top = generated::block(GetParam());
+    const auto child = generated::block(GetParam() + 1000);
+    HABMBlock* const stub = top->getSubBlock("inner");
+    (void)stub->getInstancePath();
+    ASSERT_TRUE(HABMBlock::mergeTopBlock(*top, "/inner", *child, true));
+    EXPECT_EQ(stub, top->getSubBlock("inner"));
+    EXPECT_EQ("inner", stub->getInstanceName());
+    EXPECT_FALSE(stub->isBlockStub());
+    EXPECT_THAT(HABMBlockCheck::run(*top).faults, testing::IsEmpty());
+    child->setBlockStub(false);
+    // Taken out again it is the child, as its paths begin at it then.
+    EXPECT_EQ(generated::bytes(*child), generated::bytes(*stub));
+    EXPECT_EQ(generated::bytes(*child), generated::bytes(*top->removeSubBlock("inner")));
+}
+
+/// Every prefix of a file, and every file with a byte changed, is read whole or refused with one
+/// message.
+TEST(BmjFile, DamagedFilesGiveNothingAndOneMessage) {
+    const std::string bytes = generated::bytes(*generated::block(7, 1));
+    const auto isHandled = [](const std::string& text) {
+        const support::CapturedMessages messages;
+        const auto block = readBack(text);
+        return messages.all().size() == (block == nullptr ? 1U : 0U);
+    };
+    const std::size_t step = bytes.size() / 60 + 1;
+    for (std::size_t i = 0; i + 2 < bytes.size(); i += step) {
+        const support::CapturedMessages messages;
+        EXPECT_EQ(nullptr, readBack(bytes.substr(0, i))) << i;
+        EXPECT_EQ(1U, messages.all().size()) << i;
+        for (const char change : {'"', '{', '\0', '9'}) {
+            std::string changed = bytes;
+            changed[i] = change;
+            EXPECT_TRUE(isHandled(changed)) << i << change;
+        }
+    }
+}
+
+struct HostileCase {
+    const char* block;
+    const char* reason;
+};
+
+TEST(BmjFile, SaysWhyItIsRefused) {
+    const auto reasonFor = [](const std::string& text) -> std::string {
+        const support::CapturedMessages messages;
+        EXPECT_EQ(nullptr, readBack(text));
+        if (messages.all().size() != 1)
+            return "not one message";
+        EXPECT_EQ("@92-1@%s%s", messages.all()[0].format);
+        return messages.all()[0].arguments[1];
+    };
+    const std::string head = R"({"format":"tq block model","version":)";
+    EXPECT_EQ("it isn't a block model file", reasonFor(R"({"block":{}})"));
+    EXPECT_EQ("it is of version 2, and only version 1 can be read",
+              reasonFor(head + R"(2,"block":{},"new":{}})"));
+    EXPECT_EQ("it holds no block", reasonFor(head + "1}"));
+    EXPECT_EQ("it holds a NUL byte", reasonFor(head + std::string("1}\0", 3)));
+    EXPECT_EQ("an object was expected",
+              reasonFor(std::string(500000, '[') + std::string(500000, ']')));
+    const std::vector<HostileCase> cases{
+        {R"("ports":[{"name":"p"},{"name":"p"}])",
+         "the name 'p' is empty, holds a '/' or stands there twice"},
+        {R"("ports":[{"name":"a/b"}])",
+         "the name 'a/b' is empty, holds a '/' or stands there twice"},
+        {R"("ports":[{"name":"p","left":-1}])", "'-1' is no number for 'left'"},
+        {R"("ports":[{"name":"p","left":1e-2147483600}])",
+         "'1e-2147483600' is no number for 'left'"},
+        {R"("ports":[{"name":"p","type":"rope"}])", "'rope' is unknown as 'type'"},
+        {R"("ports":{})", "an array was expected as 'ports'"},
+        {R"("ports":[null])", "an object was expected"},
+        {R"("module":7,"ports":[],"module":"m")",
+         "the key 'module' is unknown, repeated or out of place"},
+        {R"("module":[])", "a text was expected"},
+        {R"("base":"12z")", "'12z' is no address"},
+        {R"("stub":"yes")", "true or false was expected as 'stub'"},
+        {R"("parameters":[["a"]])", "a pair was expected"},
+        {R"("parameters":[["a","1"],["a","2"]])",
+         "the name 'a' is empty, holds a '/' or stands there twice"},
+        {R"("colour":"red")", "the key 'colour' is unknown, repeated or out of place"},
+        {R"("interface_connections":[{"name":""}])",
+         "the name '' is empty, holds a '/' or stands there twice"},
+    };
+    for (const HostileCase& c : cases)
+        EXPECT_EQ(c.reason, reasonFor(head + R"(1,"block":{)" + c.block + "}}")) << c.block;
+}
+
+TEST(BmjFile, DeepestTreeMakesTheTripAndDeeperOnesAreRefused) {
+    auto top = HABMBlock::createTopBlock("top");
+    HABMBlock* deepest = top.get();
+    for (int level = 2; level <= HABMBlock::kMostLevels; ++level)
+        deepest = deepest->createSubBlock("b", "m", false);
+    EXPECT_EQ(nullptr, deepest->createSubBlock("b", "m", false));
+    std::string bytes = generated::bytes(*top);
+    EXPECT_EQ(bytes, generated::bytes(*readBack(bytes)));
+    EXPECT_EQ(bytes, generated::bytes(*HABMBlock::cloneTopBlock(*top)));
+    const auto other = HABMBlock::createTopBlock("other");
+    other->createSubBlock("b", "m", false);
+    EXPECT_FALSE(HABMBlock::mergeTopBlock(*other, "/b", *top, true));
+
+    const support::CapturedMessages messages;
+    const std::string leaf = R"({"instance":"b","module":"m"})";
+    bytes.replace(bytes.find(leaf), leaf.size(),
+                  R"({"instance":"b","module":"m","blocks":[{"instance":"b"}]})");
+    EXPECT_EQ(nullptr, readBack(bytes));
+    ASSERT_EQ(1U, messages.all().size());
+    EXPECT_THAT(messages.all()[0].arguments[1], testing::HasSubstr("stands too deep"));
+}
+
+TEST(BmjFile, MissingFileIsNoFaultAndOtherThingsAre) {
+    const support::CapturedMessages messages;
+    const support::TempDir folder;
+    EXPECT_EQ(nullptr, HABMBlock::readTopBlock(HUTFile(folder.file("none.bmj"))));
+    EXPECT_THAT(messages.lines(), testing::IsEmpty());
+    EXPECT_EQ(nullptr, HABMBlock::readTopBlock(HUTFile(folder.path().string())));
+    const std::string fifo = folder.file("fifo");
+    ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
+    EXPECT_EQ(nullptr, HABMBlock::readTopBlock(HUTFile(fifo)));
+    EXPECT_EQ(2U, messages.all().size());
+    EXPECT_EQ("it isn't a file", messages.all()[1].arguments[1]);
+}
+
+TEST(BmjFile, FailedWriteLeavesTheOldFileWhole) {
+    const support::TempDir folder;
+    const std::string path = folder.write("block.bmj", "old");
+    const auto block = generated::block(3);
+    EXPECT_FALSE(HABMBlock::writeTopBlock(HUTFile(path), *block, false));
+    EXPECT_FALSE(HABMBlock::writeTopBlock(HUTFile(folder.path().string()), *block, true));
+    EXPECT_FALSE(HABMBlock::writeTopBlock(HUTFile(folder.file("none/block.bmj")), *block, true));
+    EXPECT_FALSE(HABMBlock::writeTopBlock(HUTFile("/dev/full"), *block, true));
+    {
+        // A full disk, as far as one process can have it for itself.
+        const auto before = signal(SIGXFSZ, SIG_IGN);
+        rlimit limit = {};
+        getrlimit(RLIMIT_FSIZE, &limit);
+        const rlimit small = {100, limit.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+        EXPECT_FALSE(HABMBlock::writeTopBlock(HUTFile(path), *block, true));
+        setrlimit(RLIMIT_FSIZE, &limit);
+        signal(SIGXFSZ, before);
+    }
+    EXPECT_EQ("old", support::readFile(path));
+    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(folder.path()), {}));
+
+    std::filesystem::create_symlink("block.bmj", folder.file("link.bmj"));
+    EXPECT_TRUE(HABMBlock::writeTopBlock(HUTFile(folder.file("link.bmj")), *block, true));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.file("link.bmj")));
+    EXPECT_EQ(generated::bytes(*block), support::readFile(path));
+}
+
+} // namespace
