@@ -10,6 +10,7 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     app.set_version_flag("--version", TQ_HBS_VERSION);
     int status = host::kSuccess;
+    host::declareClocks(app, status);
     host::declareCdo(app, status);
 
     try {

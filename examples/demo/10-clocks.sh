@@ -1,0 +1,14 @@
+#!/bin/sh
+# Clock trees: one that fits at the first tolerance, one that loosens, one that can't be solved.
+set -eu
+trees=examples/clocks
+
+echo "\$ hbs clocks $trees/serial_buses.json"
+hbs clocks "$trees/serial_buses.json"
+echo
+echo "\$ hbs clocks $trees/vehicle_gateway.json"
+hbs clocks "$trees/vehicle_gateway.json"
+echo
+echo "\$ hbs clocks $trees/video_recorder.json"
+hbs clocks "$trees/video_recorder.json" || echo "(exit status $?)"
+echo

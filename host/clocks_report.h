@@ -1,0 +1,58 @@
+// What `hbs clocks` reports of a run: collected once, printed for people or for programs.
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/ClockTree.h"
+
+namespace host {
+
+/// A frequency set against its request.
+struct GivenClock {
+    double mhz = 0.0;
+    std::optional<double> errorPercent; ///< signed; none for a request of 0
+};
+
+struct ClockReport {
+    struct Pll {
+        std::string name;
+        std::string domain;
+        unsigned multiplier = 0;
+        unsigned outputDivider = 0;
+        unsigned crossDivider = 0; ///< 0 means none
+        double mhz = 0.0;
+    };
+    struct Peripheral {
+        ClockTree::Peripheral request;
+        std::string pll;
+        unsigned divider = 0;
+        std::optional<GivenClock> given; ///< none for a disabled peripheral
+    };
+    /// What a peripheral of a tree without a solution could have if it were alone.
+    struct Alone {
+        ClockTree::Peripheral request;
+        std::optional<GivenClock> nearest; ///< none when no multiplier serves it
+        bool allowed = false;              ///< whether it is within the peripheral's allowed error
+    };
+
+    bool found = false;
+    float tolerance = 0.0F;
+    float totalError = 0.0F;
+    std::vector<Pll> plls;
+    std::vector<Peripheral> peripherals; ///< as declared
+    std::vector<Alone> alone;            ///< the enabled ones, as declared, without a solution
+};
+
+/// The report of a solver that was built from the tree and has run.
+[[nodiscard]] ClockReport makeClockReport(const ClockTree& tree,
+                                          const hbs_clocking::HBSClockingAlgo& solver);
+
+/// Aligned tables and the tolerance, or what each request could have alone.
+void printClockTables(const ClockReport& report, std::ostream& out);
+/// The same as one JSON object.
+void printClockJson(const ClockReport& report, std::ostream& out);
+
+} // namespace host

@@ -1,0 +1,109 @@
+// `hbs clocks`: tree files in, tables and JSON out.
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+#include "host/ClockTree.h"
+#include "host/clocks_report.h"
+#include "support/support.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+host::ClockTree read(const std::string& text) {
+    return host::readClockTree(host::JsonFile::parse("t.json", text));
+}
+
+/// A good tree of two lines with one text replaced.
+std::string with(const std::string& from, const std::string& to) {
+    std::string text = R"({"plls": 1, "reference_mhz": 33.333, "domains": [{"name": "D", "plls":
+[{"name": "P"}]}], "peripherals": [{"name": "U", "domain": "D", "mhz": 100}]})";
+    return text.replace(text.find(from), from.size(), to);
+}
+
+TEST(ClockTreeFile, ComplainsWithPlaceAndExpectation) {
+    struct Case {
+        std::string from, to, complaint;
+    };
+    const std::vector<Case> cases = {
+        {"\"plls\": 1", "\"plls\": 3", "t.json:1:10: expected 1"},
+        {"33.333", "0", "t.json:1:30: expected a number above 0"},
+        {"33.333", "1e-60", "t.json:1:30: expected a number above 0"},
+        {"33.333", "1e400", "t.json:1:30: expected a number above 0"},
+        {"33.333", "\"a\"", "t.json:1:30: expected a number, found a text"},
+        {"[{\"name\": \"P\"}]", "[{\"name\": \"\"}]", "t.json:2:11: expected a name"},
+        {"[{\"name\": \"P\"}]", "[{\"name\": \"P\"}, {\"name\": \"P\"}]",
+         "t.json:2:26: a second one named \"P\""},
+        {"\"domain\": \"D\"", "\"domain\": \"E\"", "t.json:2:62: there is no domain \"E\""},
+        {"100}", "-1}", "t.json:2:74: expected a number from 0 up"},
+        {"100}", "1, \"max_error_percent\": 101}", "t.json:2:98: expected a number from 0 to 100"},
+        {"\"mhz\": 100", "\"enabled\": true", "t.json:2:39: the key \"mhz\" is missing"},
+        {"\"mhz\": 100", "\"hz\": 1", "t.json:2:67: unknown key \"hz\", expected one of: name,"},
+    };
+    for (const Case& c : cases) {
+        std::string complaint;
+        try {
+            static_cast<void>(read(with(c.from, c.to)));
+        } catch (const host::BadInput& error) {
+            complaint = error.what();
+        }
+        EXPECT_THAT(complaint, testing::StartsWith(c.complaint)) << c.to;
+    }
+}
+
+TEST(ClockReport, GivesTheFrequencyOfACrossingPeripheralThatTheLibraryReadsAsZero) {
+    const host::ClockTree tree = read(R"({"plls": 2, "reference_mhz": 33.333,
+        "allow_cross_domain": true,
+        "domains": [{"name": "A", "plls": [{"name": "P"}]}, {"name": "B", "plls": [{"name": "Q"}]}],
+        "peripherals": [{"name": "U", "domain": "A", "mhz": 100}, {"name": "off", "domain": "B",
+            "mhz": 7, "enabled": false}, {"name": "V", "domain": "B", "mhz": 100},
+            {"name": "W", "domain": "B", "mhz": 250}]})");
+    const auto solver = host::buildClockSolver(tree);
+    ASSERT_TRUE(solver->runSolution());
+    ASSERT_EQ(0.0, solver->getPeripheral("V")->getActualFreq());
+    const host::ClockReport report = host::makeClockReport(tree, *solver);
+    EXPECT_EQ("P", report.peripherals[2].pll);
+    EXPECT_NEAR(99.999, report.peripherals[2].given->mhz, 0.0001);
+
+    std::ostringstream table;
+    host::printClockTables(report, table);
+    EXPECT_THAT(table.str(), HasSubstr("V           B          100.0000  P              13   99.9990"
+                                       "  -0.0010   -9.9\n"));
+    EXPECT_THAT(table.str(), HasSubstr("off         B            7.0000  disabled\n"));
+    EXPECT_THAT(table.str(), HasSubstr("Solved at tolerance 0.001, sum of relative errors"));
+}
+
+TEST(ClockReport, NamesTheRequestThatIsOutOfReach) {
+    const std::string program = HBS_PROGRAM;
+    const std::string trees = TQ_SOURCE_DIR "/examples/clocks/";
+    const support::RunResult failed = support::run(program + " clocks " + trees +
+                                                   "video_recorder.json");
+    EXPECT_EQ(1, failed.status);
+    EXPECT_THAT(failed.output, HasSubstr("DECODER_CA     GRAPHICS    1000.0000     900.0000  "
+                                         "-10.0000  -100000.0     1.0000  out of reach\n"));
+    const support::RunResult json =
+        support::run(program + " clocks --json " + trees + "video_recorder.json");
+    EXPECT_EQ(1, json.status);
+    const auto parsed = host::JsonFile::parse("out", json.output);
+    const auto& alone = parsed.array(parsed.require(parsed.root(), "alone"));
+    EXPECT_EQ(900.0, parsed.number(parsed.require(alone[4], "nearest_mhz")));
+    EXPECT_FALSE(parsed.boolean(parsed.require(alone[4], "within_reach")));
+}
+
+TEST(ClocksWord, ExitsTwoForWhatItCanNotUseAndSaysItOnStandardError) {
+    const support::TempDir dir;
+    const std::string program = HBS_PROGRAM;
+    const std::string twoDomains = dir.write("two.json", with("\"plls\": 1", "\"plls\": 2"));
+    const support::RunResult refused = support::run(program + " clocks " + twoDomains);
+    EXPECT_EQ(2, refused.status);
+    EXPECT_EQ("", refused.output);
+    EXPECT_EQ("hbs: " + twoDomains +
+                  ":1:49: Clocking object expects two plls with this config\n",
+              refused.error);
+    EXPECT_EQ(2, support::run(program + " clocks " + dir.file("none.json")).status);
+    EXPECT_EQ(2, support::run(program + " clocks").status);
+}
+
+} // namespace
