@@ -26,5 +26,6 @@ public:
 // exit status in `status` and raises `BadInput` where the input can't be used.
 void declareClocks(CLI::App& app, int& status);
 void declareCdo(CLI::App& app, int& status);
+void declareHardblock(CLI::App& app, int& status);
 
 } // namespace host

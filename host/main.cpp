@@ -12,6 +12,7 @@ int main(int argc, char** argv) {
     int status = host::kSuccess;
     host::declareClocks(app, status);
     host::declareCdo(app, status);
+    host::declareHardblock(app, status);
 
     try {
         app.parse(argc, argv);

@@ -1,0 +1,81 @@
+// The word hardblock of the program, run as a person runs it.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/support.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+/// One hard block, with two keys that nobody knows.
+constexpr const char* kMetadata = R"({"ps": {
+ "pins": {"CLK": {"direction": "in", "dir": 1}, "D": {"type": "vector", "size_left": 7}},
+ "interfaces": {"AXI": {"access_point": {"module": "noc", "ports": {},
+   "parameters": {"W": 64}, "port_maps": {"x[3:0]": "A[7:4]"}}}}}})";
+
+support::RunResult hardblock(const std::string& arguments) {
+    return support::run(std::string(HBS_PROGRAM) + " hardblock " + arguments);
+}
+
+TEST(HardblockCommand, ListsABlockAndPointsOutUnknownKeys) {
+    const support::TempDir folder;
+    const std::string file = folder.write("f.json", kMetadata);
+    const auto result = hardblock(file + " ps");
+    EXPECT_EQ(0, result.status);
+    EXPECT_EQ("ps: 2 pins, 1 interfaces\n\n"
+              "Pin  Direction  Type    Range  Default\n"
+              "---  ---------  ------  -----  -------\n"
+              "CLK  IN         wire\n"
+              "D    INOUT      vector  [7:]\n\n"
+              "Interface  Module  Parameters\n"
+              "---------  ------  ----------\n"
+              "AXI        noc     W=64\n\n"
+              "Interface  Port    Stands for\n"
+              "---------  ------  ----------\n"
+              "AXI        A[7:4]  x[3:0]\n",
+              result.output);
+    EXPECT_EQ(file +
+                  ":3:59: unknown key \"ports\" is ignored, known are: module, parameters, "
+                  "port_maps\n" +
+                  file +
+                  ":2:38: unknown key \"dir\" is ignored, known are: type, direction, "
+                  "default_val, size_left, size_right\n",
+              result.error);
+    EXPECT_THAT(hardblock(file + " ps --json").output, HasSubstr(R"("mapped": "x[3:0]")"));
+}
+
+struct Answer {
+    const char* arguments;
+    int status;
+    const char* output;
+    const char* error;
+};
+
+TEST(HardblockCommand, AnswersWithAStatus) {
+    const support::TempDir folder;
+    const std::string file = folder.write("f.json", kMetadata);
+    for (const Answer& c : {
+             Answer{" ps --port 'AXI:A[6]'", 0, "x[2]\n", ""},
+             Answer{" ps --port 'AXI:A[6]' --json", 0, R"("mapped": "x[2]")", ""},
+             Answer{" ps --port 'AXI:A'", 1, "", "nothing stands behind AXI:A of ps\n"},
+             Answer{" ps --port 'GP0:A'", 1, "", "ps has no interface \"GP0\"\n"},
+             Answer{" ps --port A", 2, "", "--port A: expected INTERFACE:PORT\n"},
+             Answer{" cpu", 1, "", "no hard block \"cpu\" in "},
+             Answer{"", 2, "", "NAME is required"},
+             Answer{".none ps", 2, "", "f.json.none: the file can't be read\n"},
+         }) {
+        const auto result = hardblock(file + c.arguments);
+        EXPECT_EQ(c.status, result.status) << c.arguments;
+        EXPECT_THAT(result.output, HasSubstr(c.output)) << c.arguments;
+        EXPECT_THAT(result.error, HasSubstr(c.error)) << c.arguments;
+    }
+    const auto malformed = hardblock(folder.write("bad", "{\n \"ps\": }") + " ps");
+    EXPECT_EQ(2, malformed.status);
+    EXPECT_THAT(malformed.error, HasSubstr("bad:2:8: Invalid value."));
+}
+
+} // namespace
