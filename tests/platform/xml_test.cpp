@@ -1,0 +1,145 @@
+// The XML writer: the text form, attributes in order, and a file that is whole or not there.
+
+#include <gmock/gmock.h>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
+#include <memory>
+
+#include "HEXError.h"
+#include "HXMLWInterface.h"
+#include "support/support.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string kHead = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+
+std::string written(const std::shared_ptr<HXMLWElement>& root) {
+    const support::TempDir folder;
+    HXMLWInterface::writeToFile(root, folder.file("f"));
+    return support::readFile(folder.file("f")).substr(kHead.size());
+}
+
+struct TextForm {
+    std::string text;
+    const char* attribute;
+
+    friend void PrintTo(const TextForm& form, std::ostream* out) {
+        *out << testing::PrintToString(form.text);
+    }
+};
+
+class TextForms : public testing::TestWithParam<TextForm> {};
+
+TEST_P(TextForms, DivideAtTheFirstEqualsSign) {
+    const auto root = HXMLWInterface::createRoot("R");
+    root->addProperty(GetParam().text);
+    EXPECT_EQ("<R " + std::string(GetParam().attribute) + " />\n", written(root));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Properties, TextForms,
+    testing::Values(TextForm{"@K=v", "K=\"v\""}, TextForm{"@K = v", "K=\"v\""},
+                    TextForm{"@K=", "K=\"\""}, TextForm{"@K = ", "K=\"\""},
+                    TextForm{"@K= v ", "K=\" v \""}, TextForm{"@K =  v", "K=\" v\""},
+                    TextForm{"@K=a=b = c,d", "K=\"a=b = c,d\""}, TextForm{"K=v", "K=\"v\""},
+                    TextForm{"@K", "K=\"\""}, TextForm{"", "_=\"\""}, TextForm{"@=v", "_=\"v\""},
+                    TextForm{"@1<K=v", "_1_K=\"v\""},
+                    TextForm{"@K=\t\n\r", "K=\"&#09;&#10;&#13;\""},
+                    TextForm{std::string("@K=a\0b\x1b", 7), "K=\"a\uFFFDb\uFFFD\""},
+                    TextForm{"@K=é\xC3(\xF4\x90\x80\x80\xC0\xAF\xE2\x82",
+                             "K=\"é\uFFFD(\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\""},
+                    TextForm{"@K=<\"&'", "K=\"&lt;&quot;&amp;'\""}));
+
+TEST(XmlElement, KeepsTheFirstPlaceAndTheLastValueOfAnAttribute) {
+    const auto root = HXMLWInterface::createRoot("R");
+    root->addProperty("@A=1");
+    root->addAttribute("B", "@2 = ");
+    root->addAttribute("A", "3");
+    root->addAttribute("C", nullptr);
+    EXPECT_EQ("<R A=\"3\" B=\"@2 = \" C=\"\" />\n", written(root));
+}
+
+TEST(XmlElement, TellsItsChildrenAndKeepsTheTreeAlive) {
+    auto root = HXMLWInterface::createRoot("R");
+    root->addChild("a")->addChild("b");
+    root->addChild("c");
+    EXPECT_EQ(nullptr, root->addChild(""));
+    EXPECT_TRUE(root->hasChild("c"));
+    EXPECT_FALSE(root->hasChild("b"));
+    std::vector<std::shared_ptr<HXMLWElement>> children{root};
+    root->getChildren(children);
+    ASSERT_EQ(2U, children.size());
+    EXPECT_STREQ("c", children[1]->getName());
+    root.reset();
+    EXPECT_EQ("<a>\n\t<b />\n</a>\n", written(children[0]));
+    EXPECT_EQ(nullptr, HXMLWInterface::createRoot(nullptr));
+}
+
+TEST(XmlFile, TakesThePlaceOfAnOldOneThroughLinksAndKeepsItsRights) {
+    const support::TempDir folder;
+    const std::string file = folder.write("old", "old");
+    fs::permissions(file, fs::perms(0640));
+    fs::create_symlink("old", folder.file("link"));
+    fs::create_symlink("link", folder.file("second"));
+    HXMLWInterface::writeToFile(HXMLWInterface::createRoot("R"), folder.file("second"));
+    EXPECT_EQ(kHead + "<R />\n", support::readFile(file));
+    EXPECT_TRUE(fs::is_symlink(folder.file("second")));
+    EXPECT_EQ(fs::perms(0640), fs::status(file).permissions());
+    EXPECT_EQ(3, std::distance(fs::directory_iterator(folder.path()), {}));
+}
+
+TEST(XmlFile, IsLeftAloneWhereWritingFails) {
+    const support::TempDir folder;
+    const auto root = HXMLWInterface::createRoot("R");
+    fs::create_directory(folder.file("d"));
+    ASSERT_EQ(0, mkfifo(folder.file("fifo").c_str(), 0600));
+    fs::create_symlink("loop", folder.file("loop"));
+    const std::pair<const char*, const char*> cases[] = {
+        {"d", "Is a directory"},
+        {"fifo", "Not a regular file"},
+        {"none/f", "No such file or directory"},
+        {"loop", "Too many levels of symbolic links"}};
+    for (const auto& [name, cause] : cases) {
+        const std::string path = folder.file(name);
+        support::expectThrows<HEXError>("can't write '" + path + "': " + cause,
+                                        [&] { HXMLWInterface::writeToFile(root, path); });
+    }
+    support::expectThrows<HEXError>("can't write 'f': there is no document",
+                                    [] { HXMLWInterface::writeToFile(nullptr, "f"); });
+    EXPECT_EQ(3, std::distance(fs::directory_iterator(folder.path()), {}));
+}
+
+/// A limit on the size of files fails a write as a full disk does. Ends the process with 7 where
+/// that was raised.
+[[noreturn]] void writeWithinAThousandBytes(const std::shared_ptr<HXMLWElement>& root,
+                                            const std::string& file) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{1000, 1000};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    try {
+        HXMLWInterface::writeToFile(root, file);
+    } catch (const HEXError&) {
+        std::_Exit(7);
+    }
+    std::_Exit(0);
+}
+
+TEST(XmlFile, StaysAsItWasOnAFullDisk) {
+    const support::TempDir folder;
+    const std::string file = folder.write("f", "old");
+    const auto root = HXMLWInterface::createRoot("R");
+    root->addAttribute("A", std::string(1 << 20, 'x').c_str());
+    EXPECT_EXIT(writeWithinAThousandBytes(root, file), testing::ExitedWithCode(7), "");
+    EXPECT_EQ("old", support::readFile(file));
+    EXPECT_EQ(1, std::distance(fs::directory_iterator(folder.path()), {}));
+}
+
+} // namespace
