@@ -1,0 +1,240 @@
+// Whole handoffs, from metadata to the document as another parser reads it.
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "HEXError.h"
+#include "HPAParamMgr.h"
+#include "HUTEnv.h"
+#include "handoff/HBSGenerateService.h"
+#include "handoff/handoff_support.h"
+
+namespace {
+
+using handoff_support::Element;
+using handoff_support::Job;
+using handoff_support::Texts;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// Sets a tool parameter while it lives.
+class Parameter {
+public:
+    Parameter(std::string name, const std::string& value) : m_name(std::move(name)) {
+        HPAParamMgr::getParamMgr()->setValue(m_name, value);
+    }
+    ~Parameter() { HPAParamMgr::getParamMgr()->unsetValue(m_name); }
+    Parameter(const Parameter&) = delete;
+    Parameter& operator=(const Parameter&) = delete;
+
+private:
+    std::string m_name;
+};
+
+std::string port(const std::string& name, const std::string& kind,
+                 const std::string& connections = "") {
+    return R"({"NAME": ")" + name + R"(", "DIR": "O", "SIG_IS": ")" + kind +
+           R"(", "IRQID": "7", "CONNECTIONS": [)" + connections + "]}";
+}
+
+std::string end(const std::string& instance, const std::string& portName) {
+    return R"({"INSTANCE": ")" + instance + R"(", "PORT": ")" + portName + "\"}";
+}
+
+std::string module(const std::string& name, const std::string& ports) {
+    return "\"" + name + R"(": {"SDKNAME": ")" + name + R"(", "PORTS": [)" + ports + "]}";
+}
+
+TEST(Handoff, OfTheSampleDeviceIsTheOneMadeByHand) {
+    const Parameter noStamp("project.NoTimeStamp", "true");
+    Texts design{{"SORREL_CPU_FREQMHZ", "1299.987"},
+                 {"SORREL_DDR", "{CTRL_ACT_FREQMHZ 1599.975 RANKS 2}"},
+                 {"SORREL_DDR_TIMING", "11,11,11,28"},
+                 {"SORREL_ETH", "{ENABLE 1 MODE rgmii REF_FREQMHZ 125}"},
+                 {"SORREL_UART0_REF_FREQMHZ", "100"},
+                 {"SORREL_UART1_ENABLE", "0"}};
+    Texts system{{"family", "mirrel"},
+                 {"device", "sorrel"},
+                 {"package", "fb484"},
+                 {"speedgrade", "-2"},
+                 {"ps_core_name", "sorrel_ps"}};
+    std::vector<std::pair<std::string, std::string>> extraPairs{{"a", "b"}};
+    std::string expected = support::readFile(TQ_SOURCE_DIR "/tests/handoff/golden.hwh");
+    expected.replace(expected.find("@VERSION@"), 9, HUTEnv::getProductVersion());
+
+    const std::string input = TQ_SOURCE_DIR "/examples/device/connectivity.json";
+    const support::TempDir folder;
+    HBSGenerateService::generateHWH(design, system, input, folder.file("a"));
+    HBSGenerateService::generateHWH(design, extraPairs, system, input, folder.file("b"));
+    EXPECT_TRUE(expected == support::readFile(folder.file("a")))
+        << support::run("diff " TQ_SOURCE_DIR "/tests/handoff/golden.hwh " + folder.file("a"))
+               .output;
+    EXPECT_TRUE(expected == support::readFile(folder.file("b")));
+    EXPECT_EQ("LOMSYSTEM", handoff_support::readXml(folder.file("a")).name);
+}
+
+TEST(Handoff, WithoutMetadataHoldsTheSystemAndGainsTheKeysItAskedFor) {
+    Job job;
+    job.system = {{"package", "p"}};
+    const Element root = job.run("{}");
+    EXPECT_EQ("TIMESTAMP", root.attributes.at(2).first);
+    EXPECT_THAT(root.childNames(),
+                ElementsAre("STSTEMINFO", "EXTERNALPORTS", "EXTERNALINTERFACES", "MODULES"));
+    EXPECT_THAT(root.values("STSTEMINFO", {"ARCH", "DEVICE", "NAME", "PACKAGE", "SPEEDGRADE"}),
+                ElementsAre("  _top p "));
+    EXPECT_THAT(root.children[3].children, IsEmpty());
+    const Texts gained{
+        {"device", ""}, {"family", ""}, {"package", "p"}, {"ps_core_name", ""}, {"speedgrade", ""}};
+    EXPECT_EQ(gained, job.system);
+}
+
+TEST(Handoff, GoesToItsDefaultPlaceWhenNoneIsNamed) {
+    Job job;
+    const std::string input = job.folder.write("in.json", "{}");
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(job.folder.path());
+    HBSGenerateService::generateHWH(job.design, job.system, input, "");
+    std::filesystem::current_path(before);
+    EXPECT_EQ("LOMSYSTEM", handoff_support::readXml(job.folder.file("ksb.hwh")).name);
+}
+
+TEST(Handoff, LeavesTheCallersMapsAsTheyWereWhenItFails) {
+    const Parameter split("project.allowPSSubCoreSplit", "true");
+    Job job;
+    job.system = {{"ps_core_name", "tovak"}};
+    const std::string good = job.folder.write("good.json", R"({"metadata": {}})");
+    const std::string bad = job.folder.write("bad.json", "{");
+    const std::pair<std::string, std::string> calls[] = {
+        {good, job.folder.file("none/out.hwh")},
+        {bad, job.folder.file("out.hwh")},
+        {job.folder.file("missing.json"), job.folder.file("out.hwh")}};
+    for (const auto& [input, output] : calls) {
+        EXPECT_THROW(HBSGenerateService::generateHWH(job.design, job.system, input, output),
+                     HEXError);
+        EXPECT_EQ((Texts{{"ps_core_name", "tovak"}}), job.system) << input;
+        EXPECT_FALSE(std::filesystem::exists(output));
+    }
+}
+
+TEST(Modules, FoldTheOutsideOfAPieceIntoItsInside) {
+    Job job;
+    job.design = {{"OFF", "0"}, {"ALMOST", "00"}};
+    const Element root = job.run(
+        R"("a_EXT": {"SDKNAME": "a", "MODTYPE": "outside", "ENPARAM": "ALMOST"},
+           "a_INT": {"SDKNAME": "a", "MODTYPE": "inside", "isMasterOrSlave": "master"},
+           "a_INT2": {"SDKNAME": "a", "MODTYPE": "later inside"},
+           "b_EXT": {"SDKNAME": "b", "MODTYPE": "outside", "ENPARAM": "OFF"},
+           "b_INT": {"SDKNAME": "b", "MODTYPE": "inside", "ENPARAM": "unknown"},
+           "c": {"SDKNAME": "c", "ENPARAM": "OFF"},
+           "d_EXT": {"SDKNAME": "d", "MODTYPE": "alone"})",
+        R"("m": {"SDKNAME": "0m", "CLASSIFICATION": "INTERFACE"},
+           "n": {"SDKNAME": "0n", "CLASSIFICATION": "interface"})");
+    EXPECT_THAT(root.values("MODULE", {"INSTANCE", "MODTYPE"}),
+                ElementsAre("a later inside", "b inside", "d alone", "0n "));
+    // The fold doesn't reach the memory maps: every enabled slave instance is a range.
+    EXPECT_THAT(root.values("MEMRANGE", {"INSTANCE"}), ElementsAre("a", "a", "a", "b", "d"));
+}
+
+class ExcludedSlaves
+    : public testing::TestWithParam<std::pair<const char*, std::vector<std::string>>> {};
+
+TEST_P(ExcludedSlaves, AreNamedWithTheirDieOnACoreOfSeveral) {
+    Job job;
+    job.system["ps_core_name"] = GetParam().first;
+    const Element root = job.run(
+        R"("s0": {"SDKNAME": "s", "SLR_NUMBER": "0"}, "s1": {"SDKNAME": "s", "SLR_NUMBER": "1"},
+           "t": {"SDKNAME": "t"}, "u": {"SDKNAME": "U"}, "nameless": {}, "other": {})",
+        R"("m": {"SDKNAME": "m", "excluded_slaves": ["s:1", "t", "u"]})");
+    EXPECT_EQ(GetParam().second, root.values("MEMRANGE", {"INSTANCE"}));
+    EXPECT_EQ(GetParam().second, root.values("PERIPHERAL", {"INSTANCE"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cores, ExcludedSlaves,
+    testing::Values(std::pair("tovak", std::vector<std::string>{"", "", "s", "t", "U"}),
+                    std::pair("core", std::vector<std::string>{"", "", "s", "s"})));
+
+TEST(Ports, TakeTheirFormFromTheExactKindOfSignal) {
+    Job job;
+    const Element root = job.run(module("m", port("a", "CLK") + "," + port("b", "INTR") + "," +
+                                                 port("c", "INTERRUPT") + "," + port("d", "clk") +
+                                                 "," + port("e", "") + "," +
+                                                 port("f", "INTERRUPT", end("core_top", "out"))),
+                                 "");
+    const auto ports = root.find("MODULE", "INSTANCE", "m");
+    EXPECT_THAT(ports.values("PORT", {"NAME", "SIGIS", "IRQID", "LEFT"}),
+                ElementsAre("a CLK (none) ", "b INTR (none) ", "c INTERRUPT 7 ", "d clk (none) ",
+                            "e undef (none) ", "f INTERRUPT 7 "));
+    EXPECT_THAT(ports.values("CONNECTIONS", {}), testing::SizeIs(1));
+    // At the top level an interrupt is a plain port.
+    EXPECT_THAT(root.children[1].values("PORT", {"NAME", "SIGIS", "IRQID", "SIGNAME"}),
+                ElementsAre("out INTERRUPT (none) m_f"));
+}
+
+struct Net {
+    const char* meaning;
+    const char* core;
+    std::string slaves;
+    std::vector<std::string> signals; ///< of all ports, external ones first
+
+    friend void PrintTo(const Net& net, std::ostream* out) { *out << net.meaning; }
+};
+
+class Signals : public testing::TestWithParam<Net> {};
+
+TEST_P(Signals, SpreadInTheOrderInWhichPortsAreVisited) {
+    Job job;
+    job.system["ps_core_name"] = GetParam().core;
+    EXPECT_EQ(GetParam().signals, job.run(GetParam().slaves, "").values("PORT", {"SIGNAME"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Nets, Signals,
+    testing::Values(Net{"both ends list each other",
+                        "core",
+                        module("m1", port("A", "", end("m2", "B"))) + "," +
+                            module("m2", port("B", "", end("m1", "A"))),
+                        {"m1_A", "m1_A"}},
+                    Net{"a silent far end is named by the first that lists it",
+                        "core",
+                        module("m1", port("A", "", end("m2", "B"))) + "," +
+                            module("m2", port("B", "")),
+                        {"m1_A", "m1_A"}},
+                    Net{"one net that was reached separately keeps two names",
+                        "core",
+                        module("m1", port("A", "")) + "," + module("m2", port("B", "")) + "," +
+                            module("m3", port("C", "", end("m2", "B") + "," + end("m1", "A"))),
+                        {"m1_A", "m2_B", "m1_A"}},
+                    Net{"two joins that give one text are one key",
+                        "core",
+                        module("m", port("x_y", "")) + "," + module("m_x", port("y", "")),
+                        {"m_x_y", "m_x_y"}},
+                    Net{"two modules share an external port",
+                        "core",
+                        module("m1", port("A", "CLK", end("core_top", "E"))) + "," +
+                            module("m2", port("B", "", end("core_top", "E"))),
+                        {"m1_A", "m1_A", "m1_A"}},
+                    Net{"without a core the top has a name of its own",
+                        "",
+                        module("m1", port("A", "", end("yrel_top", "E") + "," + end("_top", "F"))),
+                        {"m1_A", "m1_A"}}));
+
+TEST(Texts, SurviveTheXmlWhateverTheyHold) {
+    Job job;
+    job.design = {{"D", "1,<&>\"'"}};
+    const Element root = job.run(
+        R"("i": {"SDKNAME": "\"<&>'\u00e9\u20ac\ud83d\ude00", "MODTYPE": " = \t\n\r x ",
+           "IP_TYPE": "\u0001\u0000,\uFFFF)"
+        "\xFF\xED\xA0\x80"
+        R"(",
+           "PARAMETERS": {"P,=": "D", "Q": "= x "}})",
+        "");
+    const Element module = root.children[3].children[0];
+    EXPECT_EQ("\"<&>'é€😀", module.attribute("INSTANCE"));
+    EXPECT_EQ(" = \t\n\r x ", module.attribute("MODTYPE"));
+    EXPECT_EQ("��,�����", module.attribute("IPTYPE"));
+    EXPECT_THAT(root.values("PARAMETER", {"NAME", "VALUE"}), ElementsAre("P,= 1,<&>\"'", "Q = x "));
+}
+
+} // namespace

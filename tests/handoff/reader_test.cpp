@@ -1,0 +1,240 @@
+// The connectivity reader: what goes where, what comes twice, what isn't there, and hostile files.
+
+#include <gmock/gmock.h>
+
+#include "HEXError.h"
+#include "handoff/HBSJsonReader.h"
+#include "handoff/handoff_support.h"
+
+namespace {
+
+using handoff_support::connectivity;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Pair;
+
+struct Tables {
+    HWHInstanceTable instances;
+    HWHExcludedSlavesTable excluded;
+    HWHExternalAddressingTable external;
+    HWHPortTable ports;
+    HWHParameterTable parameters;
+    HWHApertureTable apertures;
+    HWHInterfaceEnableTable enables;
+    support::TempDir folder;
+
+    bool read(const std::string& content) {
+        return HBSJsonReader().parseconnectivityjson(folder.write("f", content), instances,
+                                                     excluded, external, true, ports, parameters,
+                                                     apertures, enables);
+    }
+    bool read(const std::string& content, HWHTextMap& system) {
+        return HBSJsonReader().parseconnectivityjson(folder.write("f", content), instances,
+                                                     excluded, external, true, ports, parameters,
+                                                     apertures, enables, system);
+    }
+    bool empty() const {
+        return instances.empty() && excluded.empty() && external.empty() && ports.empty() &&
+               parameters.empty() && apertures.empty() && enables.empty();
+    }
+};
+
+TEST(Reader, PutsEveryMemberIntoItsTable) {
+    Tables t;
+    EXPECT_TRUE(t.read(R"({"metadata": {
+        "slaves": [{"s": {"SDKNAME": "S", "excluded_slaves": ["x"], "isMasterOrSlave": "x",
+          "PARAMETERS": {"P": "1"}, "PORTS": [{"NAME": "a", "DIR": "I", "SIG_IS": "CLK",
+          "IRQID": "3", "WIDTH": "4", "CONNECTIONS": [{"INSTANCE": "m", "PORT": "b"}]}]}}],
+        "masters": [{"m": {"SDKNAME": "M", "excluded_slaves": ["s", "t"],
+          "EXCLUDED_INTERFACES": [{"i": {"EN_PARAM": "E", "APERTURE": ["0", "1"]}, "j": {}}]}}],
+        "external_addressing": [{"e": {"ENPARAM": "E", "VLNV": "v", "MODE": "o", "X": "y",
+          "ADDRESS_SPACE": [{"sp": {"k": "v"}}]}}]}})"));
+    EXPECT_EQ((HWHTextMap{{"SDKNAME", "S"}, {"excluded_slaves", ""}, {"isMasterOrSlave", "slave"}}),
+              t.instances["s"]);
+    EXPECT_EQ("master", t.instances["m"]["isMasterOrSlave"]);
+    const HWHPortRecord& port = t.ports["S"]["a"];
+    EXPECT_EQ("a I CLK 3", port.NAME + " " + port.DIR + " " + port.SIG_IS + " " + port.IRQID);
+    EXPECT_THAT(port.CONNECTIONS, ElementsAre(Pair("m", "b")));
+    EXPECT_THAT(t.parameters["S"], ElementsAre(Pair("P", "1")));
+    EXPECT_THAT(t.excluded, ElementsAre(Pair("M", ElementsAre("s", "t"))));
+    EXPECT_THAT(t.apertures["M"], ElementsAre(Pair("i", ElementsAre("0", "1"))));
+    EXPECT_THAT(t.enables, ElementsAre(Pair(Pair("m", "i"), "E")));
+    EXPECT_EQ("E v o",
+              t.external["e"].ENPARAM + " " + t.external["e"].VLNV + " " + t.external["e"].MODE);
+    EXPECT_EQ("v", t.external["e"].ADDRESS_SPACE["sp"]["k"]);
+}
+
+TEST(Reader, LetsTheLaterOfTwoStandAndGathersLists) {
+    Tables t;
+    EXPECT_TRUE(t.read(connectivity(
+        R"("s": {"SDKNAME": "old", "PORTS": [{"NAME": "gone"}], "ONLY": "x"},
+           "s": {"SDKNAME": "x", "SDKNAME": "S", "PARAMETERS": {"P": "1", "P": "2"},
+             "PORTS": [{"NAME": "a", "DIR": "I"}, {"NAME": "a", "CONNECTIONS":
+               [{"INSTANCE": "m", "PORT": "p"}, {"INSTANCE": "m", "PORT": "q"}],
+               "CONNECTIONS": [{"INSTANCE": "n", "PORT": "r"}]}],
+             "PORTS": [{"NAME": "b"}], "PARAMETERS": {"Q": "3"}})",
+        R"("m": {"SDKNAME": "S", "excluded_slaves": ["a"], "excluded_slaves": ["b"]})")));
+    EXPECT_THAT(t.instances["s"],
+                ElementsAre(Pair("SDKNAME", "S"), Pair("isMasterOrSlave", "slave")));
+    EXPECT_EQ(1U, t.ports["old"].count("gone"));
+    EXPECT_THAT(t.excluded["S"], ElementsAre("a", "b"));
+    // A master after a slave of that name replaces its ports and parameters.
+    EXPECT_THAT(t.ports["S"], IsEmpty());
+    EXPECT_THAT(t.parameters["S"], IsEmpty());
+
+    Tables slaveOnly;
+    EXPECT_TRUE(slaveOnly.read(connectivity(
+        R"("s": {"PORTS": [{"NAME": "a", "DIR": "I"}, {"NAME": "a", "CONNECTIONS":
+             [{"INSTANCE": "m", "PORT": "p"}, {"INSTANCE": "m", "PORT": "q"}],
+             "CONNECTIONS": [{"INSTANCE": "n", "PORT": "r"}]}], "PORTS": [{"NAME": "b"}]})")));
+    EXPECT_EQ("", slaveOnly.ports[""]["a"].DIR);
+    EXPECT_THAT(slaveOnly.ports[""]["a"].CONNECTIONS, ElementsAre(Pair("m", "q"), Pair("n", "r")));
+    EXPECT_EQ(1U, slaveOnly.ports[""].count("b"));
+}
+
+TEST(Reader, ReadsWrongTypesAsEmptyOrMissing) {
+    Tables t;
+    EXPECT_TRUE(t.read(R"({"metadata": {"slaves": [null, 1, {"n": 5, "s": {"SDKNAME": 12,
+        "A": null, "B": ["x"], "PARAMETERS": ["x"], "PARAMETERS": {"P": 1.5}, "PORTS": {"x": "y"},
+        "PORTS": [5, {"NAME": "a", "DIR": 1, "CONNECTIONS": "x"}, {"CONNECTIONS": [1, {}]}]}}],
+        "masters": [{"m": {"SDKNAME": "M", "excluded_slaves": [1, "s", {}],
+          "EXCLUDED_INTERFACES": [1, {"i": {"EN_PARAM": 1, "APERTURE": 2}, "j": 3}]}}],
+        "external_addressing": [{"e": {"ENPARAM": [], "ADDRESS_SPACE": [{"s": 1}, 2]}}]}})"));
+    EXPECT_THAT(t.instances["s"], ElementsAre(Pair("A", ""), Pair("B", ""), Pair("SDKNAME", ""),
+                                              Pair("isMasterOrSlave", "slave")));
+    EXPECT_EQ(0U, t.instances.count("n"));
+    EXPECT_THAT(t.parameters[""], ElementsAre(Pair("P", "")));
+    EXPECT_EQ(2U, t.ports[""].size());
+    EXPECT_THAT(t.ports[""][""].CONNECTIONS, ElementsAre(Pair("", "")));
+    EXPECT_THAT(t.excluded["M"], ElementsAre("s"));
+    EXPECT_THAT(t.apertures["M"], ElementsAre(Pair("i", IsEmpty())));
+    EXPECT_THAT(t.external["e"].ADDRESS_SPACE, IsEmpty());
+}
+
+TEST(Reader, SaysFalseForMissingSectionsAndKeepsWhatCameBefore) {
+    for (const char* content : {"{}", "[]", "7", R"({"metadata": 5, "metadata": {"slaves": []}})",
+                                R"({"metadata": {"masters": [{"m": {}}]}})",
+                                R"({"metadata": {"slaves": "x", "masters": [{"m": {}}]}})"}) {
+        Tables t;
+        EXPECT_FALSE(t.read(content)) << content;
+        EXPECT_TRUE(t.empty()) << content;
+    }
+    Tables t;
+    EXPECT_FALSE(t.read(R"({"metadata": {"slaves": [{"s": {"SDKNAME": "S"}}]}})"));
+    EXPECT_EQ(1U, t.instances.size() * t.ports.count("S") * t.parameters.count("S"));
+}
+
+struct Split {
+    HWHTextMap system;
+    const char* instance; ///< that is read, or null for a result of false
+    HWHTextMap after;
+};
+
+TEST(Reader, ChoosesTheCellWhereMetadataIsSplit) {
+    const std::string content =
+        R"({"metadata": {"slaves": [{"whole": {}}], "masters": [],
+            "a_b": {"slaves": [{"cell": {}}], "masters": []}}})";
+    const HWHTextMap split{
+        {"cell_name", "top_a_b"}, {"device", "qmzt4402"}, {"ps_core_name", "tovak"}};
+    HWHTextMap other = split;
+    other["device"] = "qmzt4403";
+    HWHTextMap wrongCell = split;
+    wrongCell["cell_name"] = "top";
+    HWHTextMap noDevice{{"ps_core_name", "tovak"}};
+    const Split cases[] = {{split, "cell", split},
+                           {other, "whole", other},
+                           {wrongCell, nullptr, wrongCell},
+                           {noDevice, "whole", {{"device", ""}, {"ps_core_name", "tovak"}}},
+                           {{}, "whole", {{"ps_core_name", ""}}}};
+    for (Split c : cases) {
+        Tables t;
+        EXPECT_EQ(c.instance != nullptr, t.read(content, c.system));
+        EXPECT_EQ(c.instance == nullptr ? "" : c.instance,
+                  t.empty() ? "" : t.instances.begin()->first);
+        EXPECT_EQ(c.after, c.system);
+    }
+}
+
+TEST(Reader, SendsItsEntryAlwaysAndItsExitOnlyAtTheEnd) {
+    const support::CapturedMessages messages;
+    Tables t;
+    HWHTextMap system;
+    (void)t.read(R"({"metadata": {"slaves": [], "masters": [], "external_addressing": []}})");
+    (void)t.read(connectivity(""), system);
+    EXPECT_THROW((void)HBSJsonReader().parseconnectivityjson("no file", t.instances, t.excluded,
+                                                             t.external, true, t.ports,
+                                                             t.parameters, t.apertures, t.enables),
+                 HEXError);
+    const std::string file = t.folder.file("f");
+    EXPECT_THAT(
+        messages.lines(),
+        ElementsAre("\t\t\t HBSJsonReader::parseconnectivityjson- tmpFile: %s Enter\n|" + file,
+                    "\t\t HBSJsonReader::parseconnectivityjson- Exit\n",
+                    "\t\t HBSJsonReader::parseconnectivityjson- isAddressing: %d fileName: %s "
+                    "Enter\n|1|" +
+                        file,
+                    "\t\t\t HBSJsonReader::parseconnectivityjson- tmpFile: %s Enter\n|no file"));
+    EXPECT_EQ(1, messages.all()[0].count);
+    EXPECT_EQ(0x1000003U, messages.all()[0].mask);
+}
+
+TEST(Reader, RaisesForWhatIsNoJsonAndTouchesNothing) {
+    const std::string deep(100000, '[');
+    const std::string deepObjects = [] {
+        std::string text;
+        for (int i = 0; i < 100000; ++i)
+            text += "{\"metadata\":";
+        return text;
+    }();
+    for (const std::string& content :
+         {std::string(), std::string("{\"metadata\": {"), std::string("{} x"), deep, deepObjects}) {
+        Tables t;
+        try {
+            (void)t.read(content);
+            ADD_FAILURE() << content.substr(0, 20);
+        } catch (const HEXError& error) {
+            EXPECT_THAT(error.what(), HasSubstr(t.folder.file("f")));
+        }
+        EXPECT_TRUE(t.empty());
+    }
+    // Extreme exponents overflow RapidJSON's own arithmetic.
+    Tables t;
+    EXPECT_TRUE(
+        t.read(connectivity("\"s\": {\"A\": 0." + std::string(400, '0') + "1e-2147483600}")));
+    EXPECT_EQ("", t.instances["s"]["A"]);
+}
+
+TEST(Reader, HasThreeFurtherOperations) {
+    const support::TempDir folder;
+    HBSJsonReader reader;
+    HWHTextMap texts;
+    const auto file = [&](const char* content) { return folder.write("f", content); };
+    EXPECT_FALSE(reader.parseMioRegisters("", texts));
+    EXPECT_FALSE(reader.parseMioRegisters(file(R"({"mio_registers": []})"), texts));
+    EXPECT_TRUE(reader.parseMioRegisters(file(R"({"mio_registers": {"r": "1", "s": 2}})"), texts));
+    EXPECT_THAT(texts, ElementsAre(Pair("r", "1"), Pair("s", "")));
+    EXPECT_THROW((void)reader.parseMioRegisters("no file", texts), HEXError);
+
+    texts.clear();
+    EXPECT_FALSE(reader.parseHicUserParameters(file(R"({"hic_user_paramters": {}})"), texts));
+    EXPECT_TRUE(reader.parseHicUserParameters(
+        file(R"({"hic_user_paramters": {"parameters": [{"a": "1"}, 5, {"a": "2"}]}})"), texts));
+    EXPECT_THAT(texts, ElementsAre(Pair("a", "2")));
+    EXPECT_TRUE(reader.parseHicUserParameters(file(R"({"hic_user_paramters": {"parameters": []}})"),
+                                              texts));
+
+    texts.clear();
+    EXPECT_TRUE(
+        reader.parseComponentParameters(file(R"({"component": {"x": 1, "parameters": {"parameter": [
+            {"name": "a", "value": {"string": "1"}}, {"value": {"string": "2"}, "name": "b"},
+            {"value": {}}]}}})"),
+                                        texts));
+    EXPECT_THAT(texts, ElementsAre(Pair("", "2"), Pair("a", "1"), Pair("b", "")));
+    for (const char* content :
+         {"{", "{}", R"({"component": 1})", R"({"component": {"parameter": "x"}})"})
+        EXPECT_FALSE(reader.parseComponentParameters(file(content), texts)) << content;
+    EXPECT_FALSE(reader.parseComponentParameters("no file", texts));
+}
+
+} // namespace
