@@ -27,5 +27,6 @@ public:
 void declareClocks(CLI::App& app, int& status);
 void declareCdo(CLI::App& app, int& status);
 void declareHardblock(CLI::App& app, int& status);
+void declareHandoff(CLI::App& app, int& status);
 
 } // namespace host

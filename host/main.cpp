@@ -13,6 +13,7 @@ int main(int argc, char** argv) {
     host::declareClocks(app, status);
     host::declareCdo(app, status);
     host::declareHardblock(app, status);
+    host::declareHandoff(app, status);
 
     try {
         app.parse(argc, argv);

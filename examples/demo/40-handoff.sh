@@ -1,0 +1,7 @@
+#!/bin/sh
+# The hardware handoff of the sample device, and what is suspicious in its metadata.
+set -eu
+
+mkdir -p build/demo
+echo "$ hbs handoff examples/device/handoff_job.json -o build/demo/sorrel.hwh"
+hbs handoff examples/device/handoff_job.json -o build/demo/sorrel.hwh

@@ -1,0 +1,74 @@
+// The word "handoff": summary, warnings, complaints.
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include "support/support.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const std::string kDevice = TQ_SOURCE_DIR "/examples/device/";
+
+support::RunResult handoff(const std::string& arguments) {
+    return support::run(HBS_PROGRAM " handoff " + arguments);
+}
+
+TEST(HandoffWord, SumsUpTheSampleDeviceAndWarns) {
+    const support::TempDir folder;
+    const std::string out = folder.file("out.hwh");
+    const auto result = handoff(kDevice + "handoff_job.json --no-time-stamp -o " + out);
+    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ(
+        "Handoff of sorrel_ps_top in " + out +
+            "\n\n"
+            "                       count\n"
+            "---------------------  -----\n"
+            "modules                    6\n"
+            "ports                     14\n"
+            "signals                    9\n"
+            "external ports             3\n"
+            "memory ranges of cpu0      4\n"
+            "memory ranges of cpu1      2\n"
+            "\n"
+            "warning               where\n"
+            "--------------------  -----------------------------------------------------------"
+            "------------------\n"
+            "missing far port      eth0.trace connects to noc0.trace, which doesn't exist\n"
+            "two names             one net is ddr0_sync at noc0.sync and eth0_sync at "
+            "eth0.sync\n"
+            "unresolved parameter  eth0: C_FIFO_DEPTH stays SORREL_ETH_FIFO_DEPTH, which the "
+            "design doesn't know\n",
+        result.output);
+    EXPECT_THAT(support::readFile(out), HasSubstr("GUVVERSION=\"1.2\">"));
+}
+
+TEST(HandoffWord, ReportsAsJson) {
+    const support::TempDir folder;
+    const auto result = handoff(kDevice + "handoff_job.json --json -o " + folder.file("out"));
+    EXPECT_THAT(result.output, HasSubstr("\"external_ports\": 3"));
+    EXPECT_THAT(result.output, HasSubstr("\"kind\": \"two names\""));
+}
+
+TEST(HandoffWord, TellsWhatIsWrongWithItsFiles) {
+    const support::TempDir folder;
+    const std::string out = " -o " + folder.file("out");
+    const std::string job = folder.write("job.json", R"({"connectivity": "c.json",
+ "split_by_cells": false})");
+    EXPECT_EQ(2, handoff(job + out).status);
+    EXPECT_THAT(handoff(job + out).error,
+                StartsWith("hbs: the JSON file '" + folder.file("c.json") + "' can't be read"));
+    folder.write("c.json", "{}");
+    EXPECT_EQ(1, handoff(job + out).status);
+    EXPECT_EQ(2, handoff(job + " -o " + folder.file("none/out")).status);
+    EXPECT_EQ(2, handoff(job).status);
+    const std::string wrong =
+        folder.write("wrong.json", "{\"connectivity\": \"c\",\n \"design\": {\"A\": 5}}");
+    EXPECT_EQ("hbs: " + wrong + ":2:18: expected a text, found a number\n",
+              handoff(wrong + out).error);
+}
+
+} // namespace
