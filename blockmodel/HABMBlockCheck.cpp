@@ -7,6 +7,17 @@
 
 namespace {
 
+/// True if a path from the top block leads into a stub.
+bool leadsIntoStub(const HABMBlock& top, std::string_view path) {
+    for (std::size_t slash = path.find('/', 1); slash != std::string_view::npos;
+         slash = path.find('/', slash + 1)) {
+        const HABMBlock* const block = habm::blockAt(&top, path.substr(0, slash));
+        if (block == nullptr || block->isBlockStub())
+            return block != nullptr;
+    }
+    return false;
+}
+
 class Check {
 public:
     explicit Check(const HABMBlock& start) : m_top(*start.getTopBlock()) {}
@@ -48,6 +59,10 @@ private:
     void expectThere(bool isThere, const std::string& what, const std::string& name) {
         if (!isThere)
             m_findings.dangling.push_back(m_path + ": there is no " + what + " '" + name + "'");
+    }
+    void expectEnd(bool isThere, const std::string& what, const HABMBlock& owner,
+                   const std::string& path) {
+        expectThere(isThere || leadsIntoStub(m_top, habm::fromTop(owner, path)), what, path);
     }
     void enter(const HABMBlock& owner, const std::string& name) {
         m_path = owner.getInstancePath() + "/" + name;
@@ -103,7 +118,7 @@ private:
         ends.insert(connection.getSourcePath());
         for (const std::string& end : ends) {
             const HABMPort* const port = habm::portAt(&m_top, habm::fromTop(owner, end));
-            expectThere(port != nullptr, "port", end);
+            expectEnd(port != nullptr, "port", owner, end);
             expect(port == nullptr || port->hasConnections(), end + " doesn't know of it");
         }
     }
@@ -113,8 +128,8 @@ private:
         expect(connection.getParent() == &owner, "it has another owner");
         const HABMInterface* const source = connection.getSourceInterface();
         const HABMInterface* const target = connection.getTargetInterface();
-        expectThere(source != nullptr, "interface", connection.getSourcePath());
-        expectThere(target != nullptr, "interface", connection.getTargetPath());
+        expectEnd(source != nullptr, "interface", owner, connection.getSourcePath());
+        expectEnd(target != nullptr, "interface", owner, connection.getTargetPath());
         expect((source == nullptr || source->hasConnections()) &&
                    (target == nullptr || target->hasConnections()),
                "one of its ends doesn't know of it");
@@ -126,8 +141,8 @@ private:
                "its owner doesn't know it");
         const HABMAddrBlock* const source = assign.getSourceAddrBlock();
         const HABMAddrSegment* const target = assign.getTargetAddrSegment();
-        expectThere(source != nullptr, "address block", assign.getSourcePath());
-        expectThere(target != nullptr, "address segment", assign.getTargetPath());
+        expectEnd(source != nullptr, "address block", owner, assign.getSourcePath());
+        expectEnd(target != nullptr, "address segment", owner, assign.getTargetPath());
         expect(source == nullptr || source->getPath() == assign.getSourcePath(),
                "its source is another than its path says");
         expect(target == nullptr || target->getPath() == assign.getTargetPath(),

@@ -13,8 +13,8 @@ struct TQ_EXPORT HABMBlockFindings {
     /// Faults of the model itself: an object that its name or path doesn't lead to, a wrong owner,
     /// a connection that its ends don't know of. None is to be expected, ever.
     std::vector<std::string> faults;
-    /// References, and ends of connections and assigns, where nothing stands. A definition may have
-    /// them, as the interfaces of a stub come later.
+    /// References, and ends of connections and assigns, where nothing stands, which the model
+    /// allows. Ends within a stub aren't among them, as what they lead to comes with its definition.
     std::vector<std::string> dangling;
 };
 

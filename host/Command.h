@@ -25,6 +25,7 @@ public:
 // Each declares its word with its options on `app`. The word's callback does the work, leaves the
 // exit status in `status` and raises `BadInput` where the input can't be used.
 void declareClocks(CLI::App& app, int& status);
+void declareDefine(CLI::App& app, int& status);
 void declareCdo(CLI::App& app, int& status);
 void declareHardblock(CLI::App& app, int& status);
 void declareHandoff(CLI::App& app, int& status);

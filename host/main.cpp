@@ -11,6 +11,7 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", TQ_HBS_VERSION);
     int status = host::kSuccess;
     host::declareClocks(app, status);
+    host::declareDefine(app, status);
     host::declareCdo(app, status);
     host::declareHardblock(app, status);
     host::declareHandoff(app, status);
