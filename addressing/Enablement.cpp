@@ -1,0 +1,169 @@
+#include "addressing/Enablement.h"
+
+#include <boost/algorithm/string/replace.hpp>
+
+#include <utility>
+#include <vector>
+
+#include "ComMsgMgr.h"
+#include "HUTFile.h"
+#include "addressing/DataArea.h"
+#include "addressing/RegisterReferences.h"
+#include "addressing/TclWords.h"
+#include "blockmodel/HABMRegister.h"
+#include "blockmodel/HABMUtils.h"
+
+namespace hbs_addressing {
+
+namespace {
+
+constexpr unsigned kTclMask = 0x1000000;
+
+void sendTclError(const std::string& text) {
+    ComMsgMgr::sendScopedMsg::eval(1, __FILE__, __LINE__, "hbs", "HBS.TCL", kTclMask,
+                                   "Caught unexpected Tcl error: %s\n", text);
+}
+
+void sendUnusableName(const std::string& name) {
+    sendTclError("the name \"" + name + "\" can't stand in a script as one word");
+}
+
+/// The scripts of one block. The optional holds the result of the last one that was to run.
+class BlockScripts {
+public:
+    BlockScripts(Tcl_Interp* interp, std::string blockNamespace)
+        : m_interp(interp), m_namespace(std::move(blockNamespace)) {}
+
+    [[nodiscard]] const std::optional<std::string>& result() const { return m_result; }
+
+    bool createNamespace() {
+        return canHold(m_namespace, standsAsWord(m_namespace)) &&
+               run("namespace eval " + m_namespace + " {}");
+    }
+
+    /// Sets the dict of all registers, then one variable per register.
+    bool setRegisters(const std::vector<HABMRegister*>& registers, const std::string& place) {
+        std::string dict = "variable " + place + "::registers [dict create ";
+        std::string variables;
+        for (HABMRegister* reg : registers) {
+            const std::string& name = reg->getName();
+            if (!canHold(name, standsAsBracketedWord(name)))
+                return false;
+            const std::string value = reg->getValue().getPrettyHexStringValue(0);
+            dict += name + " " + value + " ";
+            variables += "variable " + place + "::" + name + " " + value + "\n";
+        }
+        return run(dict + "]") && run(variables);
+    }
+
+    bool source(const std::string& path) {
+        const std::string script = "source " + path;
+        return canHold(path, standsAsWord(path)) &&
+               run(m_namespace.empty() ? script
+                                       : "namespace eval " + m_namespace + " { " + script + " }");
+    }
+
+private:
+    bool run(const std::string& script) { return evalTcl(m_interp, script, m_result.emplace()); }
+
+    /// Fails in place of a script that can't hold a name.
+    bool canHold(const std::string& name, bool stands) {
+        if (!stands) {
+            sendUnusableName(name);
+            m_result.emplace();
+        }
+        return stands;
+    }
+
+    Tcl_Interp* m_interp;
+    std::string m_namespace;
+    std::optional<std::string> m_result;
+};
+
+/// The expression with its register references replaced by values, as far as there are any.
+std::string withRegisterValues(HABMBlock& subBlock, const std::string& expression) {
+    if (expression.find("register_value") == std::string::npos)
+        return expression;
+    RegisterReferences references(expression);
+    while (references.next()) {
+        HABMRegister* const reg = subBlock.findRegister(references.name(), true);
+        if (reg == nullptr)
+            continue;
+        HABMAddrValue value = reg->getValue();
+        if (!value.isValid())
+            break;
+        references.replace(value.getHexStringValue(0));
+    }
+    return references.text();
+}
+
+} // namespace
+
+bool evalTcl(Tcl_Interp* interp, const std::string& script, std::string& result) {
+    result.clear();
+    if (script.empty())
+        return true;
+    if (Tcl_Eval(interp, script.c_str()) != TCL_OK) {
+        // A script may have unset the trace.
+        const char* trace = Tcl_GetVar2(interp, "errorInfo", nullptr, TCL_GLOBAL_ONLY);
+        sendTclError(trace != nullptr ? trace : Tcl_GetStringResult(interp));
+        return false;
+    }
+    result = Tcl_GetStringResult(interp);
+    return true;
+}
+
+std::optional<std::string> loadBlockNamespace(Tcl_Interp* interp, HABMBlock* block,
+                                              const std::string& parentNamespace) {
+    static const std::string directory = findHardblockDirectory();
+    std::string vendor, library, name, version;
+    if (!HABMUtils::splitVLNV(block->getModuleVlnv(), vendor, library, name, version))
+        return std::nullopt;
+    const std::string script = hardblockFile(directory, name, ".tcl");
+
+    const std::string& instance = block->getInstanceName();
+    const std::string blockNamespace = instance.empty() ? "" : parentNamespace + "::" + instance;
+    BlockScripts scripts(interp, blockNamespace);
+    if (!instance.empty() && !scripts.createNamespace())
+        return scripts.result();
+
+    const std::string path = block->getInstancePath();
+    const auto registers = block->findRegisters(path + "*", false);
+    const std::string registerNamespace = boost::replace_all_copy(path, "/", "::");
+    if (!registers.empty() && !scripts.setRegisters(registers, registerNamespace))
+        return scripts.result();
+
+    for (HABMBlock* child : block->getSubBlocks())
+        loadBlockNamespace(interp, child, blockNamespace);
+    // A failure of the block's own script is no failure of the load.
+    if (HUTFile(script).exists())
+        scripts.source(script);
+    return scripts.result();
+}
+
+void evalHelper(Tcl_Interp* interp, const std::string& path) {
+    std::string result;
+    if (standsAsBracketedWord(path))
+        evalTcl(interp, "[source " + path + "]", result);
+    else
+        sendUnusableName(path);
+}
+
+bool evalEnablement(Tcl_Interp* interp, HABMBlock* top, const std::string& subBlockName,
+                    const std::string& expression) {
+    if (expression.empty())
+        return true;
+    HABMBlock* const subBlock = top->getSubBlock(subBlockName);
+    if (subBlock == nullptr || expression.starts_with("get_"))
+        return true;
+
+    const std::string text = withRegisterValues(*subBlock, expression);
+    if (const std::string fault = faultOfExpression(text); !fault.empty()) {
+        sendTclError(fault);
+        return true;
+    }
+    std::string result;
+    return !evalTcl(interp, "expr {" + text + "}", result) || result == "1";
+}
+
+} // namespace hbs_addressing

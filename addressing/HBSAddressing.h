@@ -1,0 +1,84 @@
+// HBSAddressing: from compiled hard block definitions to one design's configured subsystem, and the
+// report of its addressing.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "blockmodel/HABMBlock.h"
+#include "rapidjson_headers.h"
+#include "tq_export.h"
+
+class HUTFile;
+
+/// The entry to hard block subsystems. All operations are static; the order for one design is
+///
+///     const HABMBlock* definition =
+///         HBSAddressing::createSubsystemDefinition("kestrom:hardblock:sorrel_ps:1.0", "design");
+///     auto instance = HBSAddressing::createSubsystemInstance(*definition, config);
+///     rapidjson::Document report;
+///     HBSAddressing::generateSurfaceLevelAddressing(*instance, report);
+///
+/// - A definition is the static description of a subsystem: the ".bmj" file of a hard block NAME,
+///   read from NAME/NAME".bmj" below the data area's "mirrel/hardblocks", with every sub-block stub
+///   replaced by the definition that it stands for.
+/// - A config is a block of the caller's: parameters on the block itself, and under its sub-block
+///   "inst" one sub-block per configured instance, with that instance's parameters and register
+///   values.
+/// - An instance is a clone of a definition with the config applied and without what the config
+///   disables. Interfaces and sub-blocks carry enablement expressions for this: texts in the syntax
+///   of the Tcl command `expr`, decided in an interpreter that holds the register values.
+///
+/// With the tool parameter "vorn.writeAddressingJson" on, the definition, config, instance and
+/// report are also written to the working directory, as MODULE"_hbs_definition.bmj",
+/// MODULE"_hbs_config.bmj", MODULE"_hbs_instance.bmj" (both with the config's module name) and
+/// MODULE"_addressing.json", and the user's "helper.tcl" there is run after all expressions were
+/// decided. Its parameter is read at each use; no failure of these files is reported, but for a Tcl
+/// error in helper.tcl.
+///
+/// No operation throws on bad data: what can't be used is left out. Expressions and scripts of hard
+/// blocks are the data's own code and run with all that Tcl can do, but names and values never
+/// become commands: a name that can't stand in a script as one word is reported as a Tcl error. Not
+/// guarded: one thread at a time.
+class TQ_EXPORT HBSAddressing {
+public:
+    HBSAddressing() = delete;
+
+    /// The definition of the hard block `vlnv`, or null if either text is empty or the definition
+    /// can't be read. It is cached under both texts for the life of the process, is never changed,
+    /// and belongs to nobody; a failed build leaves no entry, so that a later call tries again.
+    /// `context` only selects a cache.
+    ///
+    /// A VLNV that isn't "vendor:library:name:version" sends "@91-45@%s". A stub whose definition
+    /// can't be read stays a stub, with no message, and so does one that names a definition which
+    /// is just being expanded around it: a ring of definitions ends there. A stub that can't be
+    /// merged sends
+    /// "@91-44@%s%s".
+    [[nodiscard]] static const HABMBlock* createSubsystemDefinition(const std::string& vlnv,
+                                                                    const std::string& context);
+
+    /// A new instance, which the caller owns, with the config applied. Parameters and register
+    /// values that the definition has no place for are dropped. Expressions are decided on the
+    /// first two levels of sub-blocks; deeper blocks keep all they have. Then invalid connections
+    /// go, and top-level interfaces that have none.
+    ///
+    /// An expression that can't be computed sends "Caught unexpected Tcl error: %s\n" in the scope
+    /// "HBS.TCL" and counts as true. Without a Tcl interpreter the instance is a plain clone. Empty
+    /// only if the definition can't be cloned.
+    [[nodiscard]] static std::unique_ptr<HABMBlock>
+    createSubsystemInstance(const HABMBlock& definition, const HABMBlock& config);
+
+    /// A clone of `block`, which the caller owns. `file` isn't looked at.
+    [[nodiscard]] static std::unique_ptr<HABMBlock>
+    decorateSubsystemInstance(const HABMBlock& block, const HUTFile& file);
+
+    /// Does nothing and returns false: the handoff document has a service of its own.
+    static bool generateHardwareHandoff(const HABMBlock& block, const HUTFile& file);
+
+    /// Reports the addressing of `block` as seen from its surface: its interfaces with the address
+    /// spaces and memory maps that they reach, and the maps and spaces of all blocks below it.
+    /// `document` is overwritten with an object, whose form docs/addressing.schema.json describes.
+    /// Members stand in the order of insertion.
+    static void generateSurfaceLevelAddressing(const HABMBlock& block,
+                                               rapidjson::Document& document);
+};

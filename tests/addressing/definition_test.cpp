@@ -1,0 +1,130 @@
+// Definitions: the cache, and stubs with what they stand for.
+
+#include "addressing/HBSAddressing.h"
+
+#include "blocks.h"
+
+namespace {
+
+const HABMBlock* definition(const std::string& name, const std::string& context = "c") {
+    return HBSAddressing::createSubsystemDefinition(blocks::vlnv(name), context);
+}
+
+TEST(Definitions, AreReadOncePerContextAndKept) {
+    blocks::data.publish(*blocks::top("cached"));
+    const HABMBlock* const first = definition("cached", "one");
+    ASSERT_NE(nullptr, first);
+    EXPECT_NE(first, definition("cached", "two"));
+    blocks::data.remove("cached");
+    EXPECT_EQ(first, definition("cached", "one"));
+    EXPECT_EQ(nullptr, definition("cached", "three"));
+    EXPECT_EQ(nullptr, definition("cached", ""));
+    EXPECT_EQ(nullptr, HBSAddressing::createSubsystemDefinition("", "one"));
+}
+
+TEST(Definitions, AreTriedAgainAfterAFailure) {
+    const support::CapturedMessages messages;
+    EXPECT_EQ(nullptr, definition("late"));
+    EXPECT_TRUE(messages.all().empty());
+    blocks::data.publish(*blocks::top("late"));
+    EXPECT_NE(nullptr, definition("late"));
+}
+
+TEST(Definitions, OfABadVlnvSendAMessageAtEachCall) {
+    const support::CapturedMessages messages;
+    EXPECT_EQ(nullptr, HBSAddressing::createSubsystemDefinition("a:b:c", "one"));
+    EXPECT_EQ(nullptr, HBSAddressing::createSubsystemDefinition("a:b:c", "one"));
+    const std::string line = "@91-45@%s|a:b:c";
+    EXPECT_EQ((std::vector<std::string>{line, line}), messages.lines());
+    EXPECT_EQ(1, messages.all()[0].count);
+    EXPECT_EQ("hbs", messages.all()[0].category);
+    EXPECT_EQ(0x20000000U, messages.all()[0].mask);
+}
+
+TEST(Definitions, PutTheContentOfAStubInItsPlace) {
+    const auto leaf = blocks::top("leaf");
+    leaf->setParameter("DEPTH", "2", true);
+    const auto middle = blocks::top("middle");
+    blocks::stub(*middle, "l0", "leaf");
+    middle->setEnablement("0");
+    middle->setBaseAddress(HABMAddrValue("0x10"));
+    const auto outer = blocks::top("outer");
+    HABMBlock& stub = blocks::stub(*outer, "m0", "middle");
+    stub.setEnablement("1 == 1");
+    stub.setBaseAddress(HABMAddrValue("0x4000"));
+    blocks::stub(*outer, "gone0", "absent");
+    for (const auto* block : {leaf.get(), middle.get(), outer.get()})
+        blocks::data.publish(*block);
+
+    const support::CapturedMessages messages;
+    const HABMBlock* const whole = definition("outer");
+    ASSERT_NE(nullptr, whole);
+    const HABMBlock& merged = *whole->getSubBlock("m0");
+    EXPECT_FALSE(merged.isBlockStub());
+    EXPECT_EQ("1 == 1", merged.getEnablement());
+    EXPECT_EQ("0x4000", merged.getBaseAddress().getHexStringValue(0));
+    EXPECT_EQ("2", merged.getSubBlock("l0")->getGenerics().at(0)->getValue());
+    EXPECT_TRUE(whole->getSubBlock("gone0")->isBlockStub());
+    EXPECT_TRUE(messages.all().empty());
+}
+
+TEST(Definitions, ThatStandForThemselvesKeepTheStub) {
+    const auto self = blocks::top("self");
+    // Another version is the same file.
+    blocks::stub(*self, "again", "self").setModuleVlnv("x:y:self:2.0");
+    const auto ping = blocks::top("ping");
+    blocks::stub(*ping, "pong0", "pong");
+    const auto pong = blocks::top("pong");
+    blocks::stub(*pong, "ping0", "ping");
+    blocks::stub(*pong, "self0", "self");
+    for (const auto* block : {self.get(), ping.get(), pong.get()})
+        blocks::data.publish(*block);
+
+    const support::CapturedMessages messages;
+    const HABMBlock* const ring = definition("ping");
+    ASSERT_NE(nullptr, ring);
+    const HABMBlock& inner = *ring->getSubBlock("pong0");
+    EXPECT_FALSE(inner.isBlockStub());
+    EXPECT_TRUE(inner.getSubBlock("ping0")->isBlockStub());
+    EXPECT_FALSE(inner.getSubBlock("self0")->isBlockStub());
+    EXPECT_TRUE(inner.getSubBlock("self0")->getSubBlock("again")->isBlockStub());
+    EXPECT_TRUE(messages.all().empty());
+}
+
+TEST(Definitions, ReportAStubThatCantBeMergedAndGoOn) {
+    const auto deep = blocks::top("deep");
+    HABMBlock* block = deep.get();
+    for (int level = 1; level < HABMBlock::kMostLevels; ++level)
+        block = &blocks::sub(*block, "i");
+    const auto holder = blocks::top("holder");
+    blocks::stub(*holder, "deep0", "deep").setEnablement("1");
+    blocks::stub(*holder, "bad0", "").setModuleVlnv("a:b");
+    blocks::stub(*holder, "small0", "small");
+    for (const auto* part : {deep.get(), holder.get()})
+        blocks::data.publish(*part);
+    blocks::data.publish(*blocks::top("small"));
+
+    const support::CapturedMessages messages;
+    const HABMBlock* const whole = definition("holder");
+    ASSERT_NE(nullptr, whole);
+    EXPECT_EQ((std::vector<std::string>{"@91-44@%s%s|" + blocks::vlnv("deep") + "|/deep0",
+                                        "@91-45@%s|a:b"}),
+              messages.lines());
+    EXPECT_EQ(2, messages.all()[0].count);
+    EXPECT_EQ(0x20000000U, messages.all()[0].mask);
+    EXPECT_TRUE(whole->getSubBlock("deep0")->isBlockStub());
+    EXPECT_FALSE(whole->getSubBlock("small0")->isBlockStub());
+}
+
+TEST(Definitions, AreClonedForDecorationAndHaveNoHandoffOfTheirOwn) {
+    const auto block = blocks::top("plain");
+    blocks::sub(*block, "u0");
+    const auto clone = HBSAddressing::decorateSubsystemInstance(*block, HUTFile("/nowhere"));
+    ASSERT_NE(nullptr, clone);
+    EXPECT_NE(nullptr, clone->getSubBlock("u0"));
+    clone->removeSubBlock("u0");
+    EXPECT_NE(nullptr, block->getSubBlock("u0"));
+    EXPECT_FALSE(HBSAddressing::generateHardwareHandoff(*block, HUTFile("/nowhere")));
+}
+
+} // namespace

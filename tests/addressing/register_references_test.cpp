@@ -1,0 +1,116 @@
+// References to registers in expressions: what is matched, and what one pass over a changing buffer
+// sees.
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "addressing/RegisterReferences.h"
+
+namespace {
+
+using hbs_addressing::RegisterReferences;
+using Values = std::map<std::string, std::string>;
+
+/// Replaces every reference whose name has a value.
+std::string replaced(const std::string& expression, const Values& values) {
+    RegisterReferences references(expression);
+    while (references.next())
+        if (const auto value = values.find(references.name()); value != values.end())
+            references.replace(value->second);
+    return references.text();
+}
+
+struct Pass {
+    const char* about;
+    std::string expression;
+    std::string text;
+
+    friend void PrintTo(const Pass& pass, std::ostream* out) { *out << pass.about; }
+};
+
+const std::string kLong(40, 'L');
+const std::string kLongReference = "register_value(" + kLong + ")";
+
+class ReferencePasses : public testing::TestWithParam<Pass> {};
+
+TEST_P(ReferencePasses, ReplaceWhatTheySee) {
+    const Values values{
+        {"A", "0x1"}, {"B", "0x2"}, {"W", "0xffffffffffffffff"}, {kLong, "0x3"}, {"", "0x4"}};
+    EXPECT_EQ(GetParam().text, replaced(GetParam().expression, values));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Expressions, ReferencePasses,
+    testing::Values(
+        Pass{"blanks in front are skipped", "register_value( \t\nA)", "0x1"},
+        Pass{"blanks behind belong to the name", "register_value(A )", "register_value(A )"},
+        Pass{"an empty name is a name", "register_value( )", "0x4"},
+        Pass{"an unclosed reference is none", "register_value(A", "register_value(A"},
+        Pass{"unknown names are passed over", "register_value(Z)+register_value(A)",
+             "register_value(Z)+0x1"},
+        Pass{"a reference that moved under the scan isn't seen",
+             "register_value(A)==1 && register_value(B)==2", "0x1==1 && register_value(B)==2"},
+        Pass{"one far enough behind is seen",
+             "register_value(A)==1 && 1111111111 && register_value(B)==2",
+             "0x1==1 && 1111111111 && 0x2==2"},
+        Pass{"the old copy behind the new end stands for the moved one",
+             kLongReference + "==3 && register_value(B)==2", "0x3==3 && 0x2==2"},
+        Pass{"old copies stay for all that moved",
+             kLongReference + "+register_value(B)+register_value(B)", "0x3+0x2+0x2"},
+        Pass{"a value longer than its reference keeps what follows",
+             "register_value(W) == 1 && register_value(A) == 1 ",
+             "0xffffffffffffffff == 1 && 0x1 == 1 "},
+        Pass{"the search ends at the length of the start", "register_value(W)+register_value(A)",
+             "0xffffffffffffffff+register_value(A)"}));
+
+/// The same pass made with the regular expression itself.
+std::string replacedByRegex(std::string buffer, const Values& values) {
+    const std::regex reference(R"(register_value\(\s*([^\)]*)\s*\))");
+    const auto end = static_cast<std::ptrdiff_t>(buffer.size());
+    std::size_t length = buffer.size();
+    std::ptrdiff_t position = 0;
+    std::smatch match;
+    while (std::regex_search(buffer.cbegin() + position, buffer.cbegin() + end, match, reference)) {
+        position = match[0].second - buffer.cbegin();
+        const std::string whole = match.str();
+        const auto value = values.find(match.str(1));
+        const std::size_t place = buffer.substr(0, length).find(whole);
+        if (value == values.end() || place == std::string::npos)
+            continue;
+        const std::string text =
+            buffer.substr(0, length).replace(place, whole.size(), value->second);
+        length = text.size();
+        buffer.resize(std::max(buffer.size(), length + 1));
+        std::copy_n(text.c_str(), length + 1, buffer.begin());
+    }
+    return buffer.substr(0, length);
+}
+
+TEST(RegisterReferences, MatchWhatTheRegularExpressionMatches) {
+    const std::vector<std::string> pieces{
+        "register_value(", "register_value", ")", "(", " ", "\n", "A", "B", "+", "register_"};
+    const Values values{{"A", "0x1"}, {"B", "0x123456789012345678"}, {"", "7"}, {"AB", "0x5"}};
+    std::mt19937 random(7);
+    for (int round = 0; round < 5000; ++round) {
+        std::string text;
+        for (auto count = random() % 24; count > 0; --count)
+            text += pieces[random() % pieces.size()];
+        ASSERT_EQ(replacedByRegex(text, values), replaced(text, values)) << text;
+    }
+}
+
+TEST(RegisterReferences, SurviveVeryLongNames) {
+    const std::string name(1000000, 'n');
+    EXPECT_EQ("0x1+1", replaced("register_value(" + name + ")+1", {{name, "0x1"}}));
+    std::string many;
+    for (int i = 0; i < 100000; ++i)
+        many += "register_value(";
+    EXPECT_EQ(many, replaced(many, {{"A", "1"}}));
+}
+
+} // namespace
