@@ -29,5 +29,6 @@ void declareDefine(CLI::App& app, int& status);
 void declareCdo(CLI::App& app, int& status);
 void declareHardblock(CLI::App& app, int& status);
 void declareHandoff(CLI::App& app, int& status);
+void declareAddressing(CLI::App& app, int& status);
 
 } // namespace host

@@ -15,6 +15,7 @@ int main(int argc, char** argv) {
     host::declareCdo(app, status);
     host::declareHardblock(app, status);
     host::declareHandoff(app, status);
+    host::declareAddressing(app, status);
 
     try {
         app.parse(argc, argv);
