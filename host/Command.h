@@ -30,5 +30,6 @@ void declareCdo(CLI::App& app, int& status);
 void declareHardblock(CLI::App& app, int& status);
 void declareHandoff(CLI::App& app, int& status);
 void declareAddressing(CLI::App& app, int& status);
+void declareRegisters(CLI::App& app, int& status);
 
 } // namespace host

@@ -16,6 +16,7 @@ int main(int argc, char** argv) {
     host::declareHardblock(app, status);
     host::declareHandoff(app, status);
     host::declareAddressing(app, status);
+    host::declareRegisters(app, status);
 
     try {
         app.parse(argc, argv);

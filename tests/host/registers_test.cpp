@@ -1,0 +1,67 @@
+// hbs registers: what it lists, and what it says about files that weren't read whole.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/support.h"
+
+namespace {
+
+support::RunResult runOn(const std::string& content, const std::string& options = "") {
+    const support::TempDir folder;
+    folder.write("r.xml", content);
+    return support::run("cd " + folder.path().string() + " && " HBS_PROGRAM " registers r.xml " +
+                        options);
+}
+
+std::string block(const std::string& registers) {
+    return "<spirit:component><spirit:memoryMaps><spirit:memoryMap><spirit:addressBlock>\n" +
+           registers + "</spirit:addressBlock></spirit:memoryMap></spirit:memoryMaps>" +
+           "</spirit:component>\n";
+}
+
+const char* const kTwo = "<spirit:register><spirit:name> in </spirit:name>"
+                         "<spirit:addressOffset>4</spirit:addressOffset></spirit:register>\n"
+                         "<spirit:register><spirit:name>out</spirit:name>\n"
+                         "<spirit:alias/>"
+                         "<spirit:addressOffset>8</spirit:addressOffset></spirit:register>\n";
+
+TEST(RegistersCommand, ListsRegistersAndWhereTheReaderStopped) {
+    const auto result = runOn(block(kTwo) + "<!-- -->");
+    EXPECT_EQ(0, result.status);
+    EXPECT_EQ("name  offset  description\n"
+              "----  ------  -----------\n"
+              "in    0X4\n"
+              "out\n",
+              result.output);
+    EXPECT_EQ("r.xml:4: warning: the reader stopped at <spirit:alias>, which it doesn't know in "
+              "<spirit:register>\n",
+              result.error);
+}
+
+TEST(RegistersCommand, MatchesNamesAndGivesJson) {
+    const auto result = runOn(block(kTwo), "--json --match 'i?'");
+    EXPECT_NE(std::string::npos, result.output.find("\"offset\": \"0X4\""));
+    EXPECT_EQ(std::string::npos, result.output.find("\"out\""));
+    EXPECT_NE(std::string::npos, result.output.find("\"line\": 4"));
+    EXPECT_EQ(1, runOn(block(kTwo), "--match none").status);
+}
+
+TEST(RegistersCommand, SaysWhyThereIsNothing) {
+    const auto foreign = runOn("<?xml version='1.0'?>\n<ipxact:component/>");
+    EXPECT_EQ(1, foreign.status);
+    EXPECT_EQ("r.xml:2: warning: the reader stopped at <ipxact:component>, which it doesn't know "
+              "in the document\n"
+              "r.xml: warning: no register found\n",
+              foreign.error);
+    const auto broken = runOn("<a>");
+    EXPECT_EQ(2, broken.status);
+    EXPECT_EQ(0U, broken.error.find("Error parsing file: ")) << broken.error;
+    const auto dim = runOn(block("<spirit:register><spirit:name>a</spirit:name>"
+                                 "<spirit:dim>x</spirit:dim></spirit:register>"));
+    EXPECT_EQ(2, dim.status);
+    EXPECT_EQ("hbs: r.xml: a spirit:dim is no number: invalid stoi argument\n", dim.error);
+}
+
+} // namespace

@@ -1,0 +1,113 @@
+// Files that are broken, protected or mean harm.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <fstream>
+
+#include "register_texts.h"
+
+namespace {
+
+using namespace register_texts;
+
+/// Parses a path and expects a null pointer with one line of complaint.
+void expectRefused(const std::string& path) {
+    support::CapturedError error;
+    EXPECT_EQ(nullptr, hbs::HBSRegFileParser::parseFile(path)) << path;
+    const std::string text = error.text();
+    EXPECT_EQ(0U, text.find("Error parsing file: ")) << path << ": " << text;
+    EXPECT_EQ(1, std::count(text.begin(), text.end(), '\n')) << text;
+}
+
+TEST(HostileFile, BrokenOnesAreRefusedWithOneLine) {
+    const support::TempDir folder;
+    const std::string whole = inRegisters(reg("a", ""));
+    const std::string broken[] = {"",
+                                  " ",
+                                  "no xml",
+                                  whole.substr(0, whole.size() / 2),
+                                  whole + "<again/>",
+                                  "<a b='1' b='2'/>",
+                                  "<a>&unknown;</a>",
+                                  "<a>\xFF</a>",
+                                  std::string("<a>\0</a>", 8)};
+    for (const auto& content : broken)
+        expectRefused(folder.write("broken.xml", content));
+}
+
+TEST(HostileFile, WhatIsNoFileIsRefusedWithoutWaiting) {
+    const support::TempDir folder;
+    ASSERT_EQ(0, mkfifo(folder.file("fifo").c_str(), 0600));
+    for (const auto& path :
+         {folder.file("fifo"), folder.file("missing"), folder.file("a\xC3\xA4"),
+          folder.path().string(), std::string("/dev/zero"), std::string("file:///etc/passwd")})
+        expectRefused(path);
+    support::CapturedError error;
+    EXPECT_EQ(nullptr, hbs::HBSRegFileParser::parseFile(""));
+    EXPECT_EQ("", error.text());
+}
+
+TEST(HostileFile, ExternalEntitiesAreNotFetched) {
+    const support::TempDir folder;
+    const std::string secret = folder.write("secret.xml", "<!ENTITY % p ''>");
+    const auto withDoctype = [&](const std::string& doctype, const std::string& description) {
+        return folder.write("r.xml",
+                            "<!DOCTYPE a " + doctype + ">" +
+                                inRegisters(reg("a", element("description", description))));
+    };
+    expectRefused(withDoctype("[<!ENTITY x SYSTEM '" + secret + "'>]", "&x;"));
+    expectRefused(withDoctype("[<!ENTITY % x SYSTEM '" + secret + "'> %x;]", ""));
+    for (const char* doctype : {"SYSTEM 'missing.dtd'", "[<!ENTITY x SYSTEM '/etc/passwd'>]"})
+        EXPECT_NE(nullptr, hbs::HBSRegFileParser::parseFile(withDoctype(doctype, ""))) << doctype;
+}
+
+TEST(HostileFile, EntitiesExpandWithinBounds) {
+    const support::TempDir folder;
+    std::string entities = "<!ENTITY e0 'lol'>";
+    for (int i = 1; i < 10; ++i) {
+        const std::string inner = "&e" + std::to_string(i - 1) + ";";
+        entities += "<!ENTITY e" + std::to_string(i) + " '";
+        for (int times = 0; times < 10; ++times)
+            entities += inner;
+        entities += "'>";
+    }
+    const auto file = [&](const std::string& reference) {
+        return folder.write("bomb.xml",
+                            "<!DOCTYPE a [" + entities + "]>" +
+                                inRegisters(reg("a&e0;", element("description", reference))));
+    };
+    expectRefused(file("&e9;"));
+    const auto map = hbs::HBSRegFileParser::parseFile(file("&e0;"));
+    ASSERT_NE(nullptr, map);
+    ASSERT_NE(nullptr, map->getRegister("alol"));
+    EXPECT_EQ("lol", map->getRegister("alol")->getDesc());
+}
+
+TEST(HostileFile, DeepNestingNeedsNoStack) {
+    std::string deep;
+    for (int i = 0; i < 200000; ++i)
+        deep += "<b>";
+    deep += "core";
+    for (int i = 0; i < 200000; ++i)
+        deep += "</b>";
+    const auto map = parse(inRegisters(reg("a", element("description", deep))));
+    ASSERT_NE(nullptr, map);
+    EXPECT_EQ("core", map->getRegister("a")->getDesc());
+}
+
+TEST(HostileFile, ProtectedOnesAreReadWholeOrNotAtAll) {
+    const support::TempDir folder;
+    const std::string path = folder.write("r.xml", inRegisters(reg("a", "")));
+    ASSERT_EQ(0, support::run("gzip " + path).status);
+    const auto map = hbs::HBSRegFileParser::parseFile(path + ".gz");
+    ASSERT_NE(nullptr, map);
+    EXPECT_NE(nullptr, map->getRegister("a"));
+
+    const std::string packed = support::readFile(path + ".gz");
+    expectRefused(folder.write("cut.gz", packed.substr(0, packed.size() - 4)));
+    expectRefused(folder.write("head.gz", packed.substr(0, 5)));
+}
+
+} // namespace
