@@ -55,8 +55,9 @@ bool exceedsCrossLimit(float maxCrossMhz, ClockSlot& slot, float margin) {
 
 std::vector<CrossDivCombo> buildCrossDivCombos() {
     constexpr unsigned largest = 4;
+    constexpr std::size_t count = 64;
     std::vector<CrossDivCombo> combos;
-    combos.reserve(largest * largest * largest);
+    combos.reserve(count);
     for (unsigned c0 = largest; c0 >= 1; --c0)
         for (unsigned c1 = largest; c1 >= 1; --c1)
             for (unsigned c2 = largest; c2 >= 1; --c2)

@@ -20,9 +20,6 @@ public:
     Stages() : HBSClockingAlgo1Pll("stages") {}
     using HBSClockingAlgo::collectNocMultipliers;
     using HBSClockingAlgo::collectPeripheralMultipliers;
-    using HBSClockingAlgo::computeClkoutDiv;
-    using HBSClockingAlgo::computeNocClkoutDiv;
-    using HBSClockingAlgo::filterMultipliersForDomain;
     using HBSClockingAlgo::findBestDivider;
     using HBSClockingAlgo::findBestDividerInSlots;
 
@@ -45,19 +42,6 @@ TEST(Dividers, WhatHasNoIntegerSaturates) {
     EXPECT_EQ(1U, nearestDivider(99.0F, 100.0F, true));
     EXPECT_EQ(3U, nearestDivider(250.0F, 100.0F, true));
     EXPECT_EQ(4U, nearestDivider(400e6F, 100e6F, false));
-}
-
-TEST(Dividers, OutputDividerIsTheSmallestPowerOfTwoThatFits) {
-    Stages stages;
-    stages.createPllConfig("PLL", "D");
-    stages.setRefClkFreq(100.0F);
-    const std::vector<std::pair<float, unsigned>> cases = {
-        {4000.0F, 1}, {3999.98F, 1}, {3999.9F, 2}, {2000.0F, 2},
-        {1999.0F, 4}, {1000.0F, 4},  {999.0F, 8},  {1.0F, 8}};
-    for (const auto& [limit, divider] : cases) {
-        stages.getPll("PLL")->setMaxPllFreq(limit);
-        EXPECT_EQ(divider, stages.computeClkoutDiv(40, 0)) << limit;
-    }
 }
 
 TEST(Candidates, RequestsNearZeroAndSaturatedOnesAreServedByEveryMultiplierInRange) {

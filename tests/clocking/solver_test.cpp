@@ -88,17 +88,6 @@ TEST(TwoPll, CrossingPeripheralReadsNoActualFrequency) {
     EXPECT_EQ("PLL1", solver->getPeripheral("P1")->getPllName());
 }
 
-TEST(TwoPll, DomainThatFitsKeepsItsToleranceWhileTheOtherLoosens) {
-    // Each request of domain 1 fits at the first step, but no multiplier fits all three.
-    const trees::Tree tree{
-        33.333F, false, {2000.0F, 2000.0F}, {{0, 100.0F}, {1, 250.0F}, {1, 300.0F}, {1, 350.0F}}};
-    const auto solver = trees::build(tree);
-    ASSERT_TRUE(solver->runSolution());
-    EXPECT_LT(0.001F, solver->getToleranceFector());
-    EXPECT_EQ(solver->getToleranceFector(), solver->getPowerDomain("D1")->getErrorLimit());
-    EXPECT_EQ(0.001F, solver->getPowerDomain("D0")->getErrorLimit());
-}
-
 TEST(Run, RefusedRunLeavesTheEarlierResultAndFailedRunClearsIt) {
     const auto solver = trees::build({33.333F, false, {2000.0F}, {{0, 100.0F}}});
     ASSERT_TRUE(solver->runSolution());
