@@ -1,6 +1,7 @@
 #include "regfile/ElementCursor.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "regfile/LocalText.h"
 
@@ -9,7 +10,6 @@ namespace hbs::regfile {
 namespace {
 
 using xercesc::DOMNode;
-using WideText = std::basic_string<XMLCh>;
 
 bool equals(const XMLCh* tag, std::string_view name) {
     for (const char letter : name)
@@ -38,44 +38,57 @@ bool isCharacterData(const DOMNode* node) {
            node->getNodeType() == DOMNode::CDATA_SECTION_NODE;
 }
 
-/// Xerces gathers text by recursion, which ends in a stack overflow on deeply nested elements.
-WideText gatherText(const DOMNode* top) {
-    WideText text;
+/// Takes a text letter by letter, trims it and folds white space.
+class FoldedText {
+public:
+    void add(char letter) {
+        if (isSpace(letter)) {
+            m_pending = !m_text.empty();
+            return;
+        }
+        if (m_pending)
+            m_text += ' ';
+        m_pending = false;
+        m_text += letter;
+    }
+    std::string take() { return std::move(m_text); }
+
+private:
+    static bool isSpace(char letter) { return letter == ' ' || (letter >= '\t' && letter <= '\r'); }
+
+    std::string m_text;
+    bool m_pending = false;
+};
+
+/// Calls `use` with each piece of an element's text. Xerces gathers text by recursion, which ends
+/// in a stack overflow on deeply nested elements.
+template <class Use>
+void eachPiece(const DOMNode* top, Use use) {
     for (const DOMNode* node = nextWithin(top, top); node != nullptr; node = nextWithin(node, top))
         if (isCharacterData(node))
-            text += node->getNodeValue();
-    return text;
+            use(node->getNodeValue());
 }
 
-/// ASCII is the same in every code page; only other texts pay for the conversion.
-std::string toLocalCodePage(const WideText& text) {
-    if (std::all_of(text.begin(), text.end(), [](XMLCh unit) { return unit < 0x80; })) {
-        std::string narrow(text.size(), '\0');
-        std::transform(text.begin(), text.end(), narrow.begin(),
-                       [](XMLCh unit) { return static_cast<char>(unit); });
-        return narrow;
-    }
-    return LocalText(xercesc::XMLString::transcode(text.c_str())).get();
-}
-
-bool isSpace(char letter) {
-    return std::string_view(" \t\n\v\f\r").find(letter) != std::string_view::npos;
-}
-
-void foldSpace(std::string& text) {
-    std::size_t length = 0;
-    bool pending = false;
-    for (const char letter : text) {
-        if (isSpace(letter)) {
-            pending = length > 0;
-            continue;
+/// ASCII is the same in every code page, so it needs no conversion. False for any other text.
+bool foldAscii(const DOMNode* top, FoldedText& folded) {
+    XMLCh seen = 0;
+    eachPiece(top, [&](const XMLCh* piece) {
+        for (; *piece != 0; ++piece) {
+            seen |= *piece;
+            folded.add(static_cast<char>(*piece));
         }
-        if (pending)
-            text[length++] = ' ';
-        pending = false;
-        text[length++] = letter;
-    }
-    text.resize(length);
+    });
+    return seen < 0x80;
+}
+
+std::string foldConverted(const DOMNode* top) {
+    std::basic_string<XMLCh> whole;
+    eachPiece(top, [&](const XMLCh* piece) { whole += piece; });
+    const LocalText narrow(xercesc::XMLString::transcode(whole.c_str()));
+    FoldedText folded;
+    for (const char* letter = narrow.get(); *letter != '\0'; ++letter)
+        folded.add(*letter);
+    return folded.take();
 }
 
 } // namespace
@@ -99,9 +112,8 @@ int ElementCursor::nextField(std::span<const std::string_view> names) {
 }
 
 std::string ElementCursor::text() const {
-    std::string text = toLocalCodePage(gatherText(m_node));
-    foldSpace(text);
-    return text;
+    FoldedText folded;
+    return foldAscii(m_node, folded) ? folded.take() : foldConverted(m_node);
 }
 
 } // namespace hbs::regfile
