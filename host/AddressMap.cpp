@@ -17,17 +17,15 @@ void appendTo(std::string& list, const std::string& item) {
 }
 
 /// The block at an instance path, or null.
-HABMBlock* blockAt(const HABMBlock& top, const std::string& path) {
+const HABMBlock* blockAt(const HABMBlock& top, const std::string& path) {
     std::size_t start = 1;
     const HABMBlock* block = &top;
-    HABMBlock* found = nullptr;
     while (block != nullptr && start < path.size()) {
         const std::size_t end = std::min(path.find('/', start), path.size());
-        found = block->getSubBlock(path.substr(start, end - start));
-        block = found;
+        block = block->getSubBlock(path.substr(start, end - start));
         start = end + 1;
     }
-    return found;
+    return block;
 }
 
 std::string pathOf(const HABMInterface& interface) {
@@ -55,8 +53,7 @@ public:
     AddressMap map() {
         AddressMap map;
         for (const HABMMemoryMap* memoryMap : m_full.findMemoryMaps("", true))
-            if (memoryMap->getParent() != &m_full)
-                addBlocks(map, *memoryMap);
+            addBlocks(map, *memoryMap);
         std::sort(map.blocks.begin(), map.blocks.end(), [](const auto& a, const auto& b) {
             return std::tie(a.base, a.size, a.path) < std::tie(b.base, b.size, b.path);
         });
@@ -68,7 +65,7 @@ public:
 private:
     void addBlocks(AddressMap& map, const HABMMemoryMap& memoryMap) {
         const HABMBlock& owner = *memoryMap.getParent();
-        HABMBlock* const kept = blockAt(m_instance, owner.getInstancePath());
+        const HABMBlock* const kept = blockAt(m_instance, owner.getInstancePath());
         MappedBlock row;
         row.isOff = kept == nullptr;
         if (kept != nullptr)
@@ -98,8 +95,6 @@ private:
     void addSpaces(AddressMap& map) const {
         const auto assigns = m_instance.findAddrAssigns("", true);
         for (const HABMAddrSpace* space : m_instance.findAddrSpaces("", true)) {
-            if (space->getParent() == &m_instance)
-                continue;
             SpaceMap entry{space->getPath().substr(1), space->getRange(), {}, {}};
             for (const HABMAddrSegment* segment : space->getAddrSegments())
                 entry.windows.push_back(

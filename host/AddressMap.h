@@ -46,7 +46,7 @@ struct SwitchedOff {
 };
 
 struct AddressMap {
-    std::vector<MappedBlock> blocks; ///< of all blocks below the top, sorted by base, size and path
+    std::vector<MappedBlock> blocks; ///< sorted by base, size and path
     std::vector<SpaceMap> spaces;
     std::vector<SwitchedOff> off; ///< without what went with a block that is listed
 };

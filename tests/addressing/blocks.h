@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -77,7 +78,10 @@ inline void setRegister(HABMBlock& parent, const std::string& name, const std::s
 /// it up once.
 class DataArea {
 public:
-    DataArea() { setenv("TQ_DATA_PATH", m_folder.path().c_str(), 1); }
+    DataArea() {
+        std::filesystem::create_directory(m_folder.path() / "mirrel");
+        setenv("TQ_DATA_PATH", m_folder.path().c_str(), 1);
+    }
 
     /// Puts a block there under its module name.
     void publish(const HABMBlock& block) const {

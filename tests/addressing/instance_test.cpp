@@ -61,13 +61,6 @@ TEST(Instances, TakeParametersOfTwoLevelsAndRegistersOfEveryDepth) {
     EXPECT_EQ(Names{"u0"}, subBlocks(*instance));
 }
 
-TEST(Instances, KeepTheParametersOfAConfigWithoutInstances) {
-    const auto config = HABMBlock::createTopBlock("design");
-    config->setParameter("SPEED", "2", true);
-    EXPECT_EQ("2", parameter(*HBSAddressing::createSubsystemInstance(*blocks::top("bare"), *config),
-                             "SPEED"));
-}
-
 /// Everything below u0 is decided by u0's register ON, also what bears a name of u1's register.
 std::unique_ptr<HABMBlock> switchable() {
     auto block = blocks::top("switchable");
@@ -136,16 +129,6 @@ TEST(Instances, PrunePortConnectionsButNotPorts) {
     EXPECT_TRUE(instance->getPortConnections().empty());
 }
 
-TEST(Instances, KeepWhatCantBeDecided) {
-    const auto definition = blocks::top("broken");
-    blocks::sub(*definition, "u0", "no such thing");
-    const support::CapturedMessages messages;
-    const auto instance =
-        HBSAddressing::createSubsystemInstance(*definition, *HABMBlock::createTopBlock("design"));
-    EXPECT_EQ(Names{"u0"}, subBlocks(*instance));
-    EXPECT_EQ(1U, messages.all().size());
-}
-
 Names files(const support::TempDir& folder) {
     Names found;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
@@ -177,19 +160,6 @@ TEST(DebugFiles, AreNamedAfterTheConfigAndTheDefinition) {
     ASSERT_NE(nullptr, written);
     EXPECT_EQ(subBlocks(*instance), subBlocks(*written));
     EXPECT_EQ(0U, messages.all().size());
-}
-
-TEST(DebugFiles, AreLeftOutWhereTheyCantBeWritten) {
-    const blocks::Debugging debugging;
-    const auto config = HABMBlock::createTopBlock("no/such/folder");
-    const support::CapturedMessages messages;
-    EXPECT_NE(nullptr, HBSAddressing::createSubsystemInstance(*switchable(), *config));
-    EXPECT_EQ(Names{}, files(debugging.folder));
-    ASSERT_EQ(1U, messages.all().size()) << "helper.tcl is missing";
-    EXPECT_EQ("HBS.TCL", messages.all().front().scope);
-    HPAParamMgr::getParamMgr()->setValue("vorn.writeAddressingJson", "maybe");
-    EXPECT_NE(nullptr, HBSAddressing::createSubsystemInstance(*switchable(), *config));
-    EXPECT_EQ(1U, messages.all().size()) << "a switch that can't be read is off";
 }
 
 } // namespace

@@ -126,6 +126,10 @@ TEST(Report, ShowsSegmentsThroughInterfacesAndAssignedBlocks) {
         blocks::addressBlock(blocks::sub(*block, "ram"), "m", "b", "0x0", "0x1000");
     assign(*block, "one", &ram, s.getAddrSegment("low"));
     assign(*block, "nowhere", nullptr, s.getAddrSegment("low"));
+    HABMAddrAssign& internal = assign(*block, "two", &ram, s.getAddrSegment("high"));
+    internal.setAssignType(HABMAddrAssign::Internal);
+    cpu.setAttribute("VISIBILE", "FALSE ", true);
+    EXPECT_EQ(std::string::npos, report(*block).find("visible"));
     cpu.setAttribute("VISIBILE", "fAlse", true);
     const std::string whole = report(*block);
     const auto local = [](const std::string& port, const std::string& name, const char* base) {
@@ -133,42 +137,15 @@ TEST(Report, ShowsSegmentsThroughInterfacesAndAssignedBlocks) {
                R"(","display_name":")" + name + R"(","base_address":")" + base +
                R"(","range":"2G","width":"31","usage":"data"})";
     };
+    const std::string segment = R"("SEG_ram_m_b":{"address_block":"./ram_m/b","offset":"0xFF00",)"
+                                R"("range":"6K","memory_type":"data")";
     EXPECT_EQ(R"("address_spaces":{"cpu_s":{"name":"cpu_s","display_name":"cpu/s","range":"4G",)"
               R"("width":"32","visible":false,"local_memory_map":{"address_blocks":{)" +
                   local("Z", "low", "0x0") + "," + local("A", "low", "0x0") + "," +
                   local("Z", "high", "0x80000000") + "," + local("A", "high", "0x80000000") +
-                  R"(}},"segments":{"SEG_ram_m_b":{"address_block":"./ram_m/b","offset":"0xFF00",)"
-                  R"("range":"6K","memory_type":"data"}}}}}}}})",
+                  R"(}},"segments":{)" + segment + "}," + segment +
+                  R"(,"is_internal":"true"}}}}}}}})",
               whole.substr(whole.find("\"address_spaces\"")));
-}
-
-TEST(Report, MarksInternalAssignsAndHiddenSpacesAlone) {
-    const auto block = blocks::top("marks");
-    HABMBlock& cpu = blocks::sub(*block, "cpu");
-    HABMAddrSpace& s = space(cpu);
-    const HABMAddrBlock& ram =
-        blocks::addressBlock(blocks::sub(*block, "ram"), "m", "b", "0x0", "0x1000");
-    HABMAddrAssign& one = assign(*block, "one", &ram, s.getAddrSegment("high"));
-    for (const char* type : {"normal", "excluded", "internal"}) {
-        one.setAssignType(HABMAddrAssign::encodeAssignType(type));
-        EXPECT_EQ(std::string(type) == "internal",
-                  report(*block).find(R"("memory_type":"data","is_internal":"true"})") !=
-                      std::string::npos);
-    }
-    for (const char* visible : {"TRUE", "0", "FALSE ", ""}) {
-        cpu.setAttribute("VISIBILE", visible, true);
-        EXPECT_EQ(std::string::npos, report(*block).find("visible")) << visible;
-    }
-}
-
-TEST(Report, IsWrittenWithFourBlanksPerLevelWhenDebugging) {
-    const auto block = blocks::top("written");
-    blocks::interface(*block, "I", "slave");
-    const blocks::Debugging debugging;
-    report(*block);
-    EXPECT_EQ(
-        "{\n    \"components\": {\n        \"written\": {\n            \"interface_ports\": {\n",
-        support::readFile(debugging.folder.file("written_addressing.json")).substr(0, 76));
 }
 
 } // namespace
