@@ -30,9 +30,7 @@ std::string rangeText(const std::string& name, int right, int left) {
 
 } // namespace
 
-// The integers stay unset: whoever makes an empty one fills it in.
-// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
-MappedPort::MappedPort() {}
+MappedPort::MappedPort() = default;
 MappedPort::MappedPort(const MappedPort& other) = default;
 MappedPort::MappedPort(MappedPort&& other) noexcept
     : m_name(std::exchange(other.m_name, {})), m_rightBit(other.m_rightBit),

@@ -46,7 +46,7 @@ JsonFile readWithPlaces(const std::string& path) {
     try {
         content.assign(std::istreambuf_iterator<char>(stream), {});
     } catch (const std::exception&) {
-        throw BadInput(path + ": the protected file is cut short or damaged");
+        throw BadInput(path + ": the file can't be read whole");
     }
     return JsonFile::parse(path, std::move(content));
 }
@@ -167,8 +167,8 @@ void printInterfaces(HardBlockData& block) {
 
 void print(HardBlockData& block) {
     const auto pins = block.getPinsEndIterator() - block.getPinsStartIterator();
-    std::cout << block.getName() << ": " << pins << " pins, " << interfacesOf(block).size()
-              << " interfaces\n\n";
+    std::cout << block.getName() << ": pins " << pins << ", interfaces "
+              << interfacesOf(block).size() << "\n\n";
     printPins(block);
     printInterfaces(block);
 }

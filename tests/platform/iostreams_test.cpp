@@ -4,13 +4,12 @@
 
 #include <sys/stat.h>
 
-#include <boost/iostreams/filter/gzip.hpp>
 #include <boost/iostreams/filtering_stream.hpp>
 #include <boost/iostreams/stream.hpp>
 
 #include <iterator>
-#include <sstream>
 #include <string>
+#include <vector>
 
 #include "basic_file.h"
 #include "support/support.h"
@@ -21,15 +20,7 @@ namespace {
 
 namespace io = boost::iostreams;
 
-std::string gzip(const std::string& content) {
-    std::ostringstream bytes;
-    io::filtering_ostream stream;
-    stream.push(io::gzip_compressor());
-    stream.push(bytes);
-    stream << content;
-    stream.reset();
-    return bytes.str();
-}
+using support::gzip;
 
 /// The content, or "bad" where the stream doesn't vouch for it.
 std::string readThroughAutodetect(const std::string& path) {
@@ -66,19 +57,17 @@ TEST(Autodetect, NeverPassesDamageAsGood) {
     const support::TempDir folder;
     for (const std::string& content : {std::string("short"), longContent()}) {
         const std::string whole = gzip(content);
-        for (std::size_t length = 2; length < whole.size(); length += 1 + length / 20)
-            EXPECT_EQ("bad", readThroughAutodetect(folder.write("f", whole.substr(0, length))))
-                << length;
-        for (std::size_t cut = 1; cut <= 9; ++cut)
-            EXPECT_EQ("bad",
-                      readThroughAutodetect(folder.write("f", whole.substr(0, whole.size() - cut))))
-                << cut;
+        std::vector<std::string> damaged = {whole + "behind"};
+        for (std::size_t length = 2; length < whole.size();
+             length += length + 30 < whole.size() ? 1 + length / 20 : 1)
+            damaged.push_back(whole.substr(0, length));
+        // The checksum stands 8 to 5 bytes from the end.
         for (const std::size_t fromEnd : {5U, 8U, 9U, 12U}) {
-            std::string damaged = whole;
-            damaged[damaged.size() - fromEnd] ^= '\x55';
-            EXPECT_EQ("bad", readThroughAutodetect(folder.write("f", damaged))) << fromEnd;
+            damaged.push_back(whole);
+            damaged.back()[whole.size() - fromEnd] ^= '\x55';
         }
-        EXPECT_EQ("bad", readThroughAutodetect(folder.write("f", whole + "behind")));
+        for (const std::string& bytes : damaged)
+            EXPECT_EQ("bad", readThroughAutodetect(folder.write("f", bytes))) << bytes.size();
     }
 }
 
@@ -96,10 +85,7 @@ TEST(BasicFile, GivesTheStoredBytes) {
     io::stream<isl::iostreams::basic_file> stream(
         isl::iostreams::basic_file(folder.write("f", bytes)));
     EXPECT_EQ(bytes, std::string(std::istreambuf_iterator<char>(stream), {}));
-    isl::iostreams::basic_file none(folder.file("none"));
-    EXPECT_FALSE(none.is_open());
-    char byte = 0;
-    EXPECT_THROW(none.read(&byte, 1), std::ios_base::failure);
+    EXPECT_FALSE(isl::iostreams::basic_file(folder.file("none")).is_open());
 }
 
 } // namespace

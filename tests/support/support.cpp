@@ -4,12 +4,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <boost/iostreams/filter/gzip.hpp>
+#include <boost/iostreams/filtering_stream.hpp>
+
 #include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -101,6 +105,16 @@ std::string TempDir::write(std::string_view name, std::string_view content) cons
     if (!stream)
         throw std::runtime_error("can't write " + path.string());
     return path.string();
+}
+
+std::string gzip(const std::string& content) {
+    std::ostringstream bytes;
+    boost::iostreams::filtering_ostream stream;
+    stream.push(boost::iostreams::gzip_compressor());
+    stream.push(bytes);
+    stream << content;
+    stream.reset();
+    return bytes.str();
 }
 
 std::string readFile(const std::filesystem::path& path) {

@@ -76,6 +76,9 @@ private:
     std::filesystem::path m_path;
 };
 
+/// The content in the protected form of the stream library.
+std::string gzip(const std::string& content);
+
 /// The bytes of a file; a file that can't be read fails the test.
 std::string readFile(const std::filesystem::path& path);
 
