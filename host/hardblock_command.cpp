@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "ComMsgMgr.h"
@@ -51,19 +52,6 @@ JsonFile readWithPlaces(const std::string& path) {
     return JsonFile::parse(path, std::move(content));
 }
 
-void pointOutUnknownKeys(const JsonFile& file, const JsonNode& object,
-                         std::initializer_list<std::string_view> known) {
-    for (const auto& member : object.members) {
-        if (std::find(known.begin(), known.end(), member.name) != known.end())
-            continue;
-        std::string list;
-        for (const auto& key : known)
-            list.append(list.empty() ? "" : ", ").append(key);
-        std::cerr << file.place(member.offset) << ": unknown key \"" << member.name
-                  << "\" is ignored, known are: " << list << '\n';
-    }
-}
-
 /// The members of the member of that name; none where it is missing or isn't an object.
 const std::vector<JsonNode::Member>& membersOf(const JsonNode& object, std::string_view name) {
     static const std::vector<JsonNode::Member> none;
@@ -71,20 +59,50 @@ const std::vector<JsonNode::Member>& membersOf(const JsonNode& object, std::stri
     return node == nullptr ? none : node->members;
 }
 
-/// Unknown keys do the library no harm, but most of them are slips of a person.
-void pointOutUnknownKeys(const JsonFile& file) {
-    for (const auto& block : file.root().members) {
-        pointOutUnknownKeys(file, block.value, {"interfaces", "pins"});
-        for (const auto& interface : membersOf(block.value, "interfaces")) {
-            pointOutUnknownKeys(file, interface.value, {"access_point"});
-            if (const JsonNode* accessPoint = interface.value.find("access_point"))
-                pointOutUnknownKeys(file, *accessPoint, {"module", "parameters", "port_maps"});
+/// Points out unknown keys: they do the library no harm, but most of them are slips of a person.
+/// Past the first twenty it only counts, as each place is searched for from the start of the file.
+class UnknownKeys {
+public:
+    explicit UnknownKeys(const JsonFile& file) : m_file(file) {}
+
+    void pointOut() {
+        for (const auto& block : m_file.object(m_file.root())) {
+            check(block.value, {"interfaces", "pins"});
+            for (const auto& interface : membersOf(block.value, "interfaces"))
+                checkInterface(interface.value);
+            for (const auto& pin : membersOf(block.value, "pins"))
+                check(pin.value, {"type", "direction", "default_val", "size_left", "size_right"});
         }
-        for (const auto& pin : membersOf(block.value, "pins"))
-            pointOutUnknownKeys(file, pin.value,
-                                {"type", "direction", "default_val", "size_left", "size_right"});
+        if (m_count > kMostShown)
+            std::cerr << m_file.path() << ": " << m_count - kMostShown << " more unknown keys\n";
     }
-}
+
+private:
+    static constexpr int kMostShown = 20;
+
+    void checkInterface(const JsonNode& interface) {
+        check(interface, {"access_point"});
+        if (const JsonNode* accessPoint = interface.find("access_point"))
+            check(*accessPoint, {"module", "parameters", "port_maps"});
+    }
+    void check(const JsonNode& object, std::initializer_list<std::string_view> known) {
+        for (const auto& member : object.members)
+            if (std::find(known.begin(), known.end(), member.name) == known.end() &&
+                ++m_count <= kMostShown)
+                complain(member, known);
+    }
+    void complain(const JsonNode::Member& member, std::initializer_list<std::string_view> known) {
+        std::cerr << m_file.place(member.offset) << ": unknown key \"" << member.name
+                  << "\" is ignored, known are: ";
+        const char* separator = "";
+        for (const auto& key : known)
+            std::cerr << std::exchange(separator, ", ") << key;
+        std::cerr << '\n';
+    }
+
+    const JsonFile& m_file;
+    int m_count = 0;
+};
 
 /// The hard blocks of the file alone: the data area, which the manager reads at its first use, may
 /// hold others of the same names.
@@ -277,7 +295,8 @@ int showPort(const Options& options, HardBlockData& block) {
 }
 
 int run(const Options& options) {
-    pointOutUnknownKeys(readWithPlaces(options.file));
+    const JsonFile file = readWithPlaces(options.file);
+    UnknownKeys(file).pointOut();
     const auto blocks = load(options.file);
     const auto found = std::find_if(blocks.begin(), blocks.end(), [&](const HardBlockData* block) {
         return block->getName() == options.name;
