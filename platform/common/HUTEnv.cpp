@@ -12,10 +12,12 @@
 std::string HUTEnv::getOBLDataDir(const std::string& relative) {
     const char* list = std::getenv("TQ_DATA_PATH");
     std::istringstream directories(list != nullptr ? list : "");
-    for (std::string directory; std::getline(directories, directory, ':');)
-        if (!directory.empty() &&
-            HUTFile(directory + HUTFile::getDirSeparator() + relative).exists())
+    for (std::string directory; std::getline(directories, directory, ':');) {
+        std::string path = directory;
+        path.append(HUTFile::getDirSeparator()).append(relative);
+        if (!directory.empty() && HUTFile(path).exists())
             return directory;
+    }
     return {};
 }
 
