@@ -169,7 +169,10 @@ void printInterfaces(HardBlockData& block) {
     for (const auto& [name, interface] : interfacesOf(block)) {
         std::string parameters;
         for (const auto& [parameter, value] : parametersOf(*interface))
-            parameters.append(parameters.empty() ? "" : ", ").append(parameter + "=" + value);
+            parameters.append(parameters.empty() ? "" : ", ")
+                .append(parameter)
+                .append("=")
+                .append(value);
         interfaces.addRow({name, interface->getApModuleName(), parameters});
         for (const auto& entry : portMapsOf(*interface))
             for (const auto& [mapped, port] : entry.second->getMappedRawPorts())
