@@ -14,7 +14,8 @@ struct TQ_EXPORT HABMBlockFindings {
     /// a connection that its ends don't know of. None is to be expected, ever.
     std::vector<std::string> faults;
     /// References, and ends of connections and assigns, where nothing stands, which the model
-    /// allows. Ends within a stub aren't among them, as what they lead to comes with its definition.
+    /// allows. Ends within a stub aren't among them, as what they lead to comes with its
+    /// definition.
     std::vector<std::string> dangling;
 };
 

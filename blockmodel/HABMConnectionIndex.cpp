@@ -93,18 +93,6 @@ void HABMConnectionIndex::countPort(const std::string& path, std::ptrdiff_t chan
         m_portUses.erase(found);
 }
 
-template <class Connection>
-HABMConnectionIndex::Change<Connection>::Change(Connection& connection)
-    : m_connection(connection), m_index(connection.getParent()->standingConnectionIndex()) {
-    if (m_index != nullptr)
-        m_index->remove(connection);
+HABMConnectionIndex* HABMConnectionIndex::standing(const HABMBlock& block) {
+    return block.standingConnectionIndex();
 }
-
-template <class Connection>
-HABMConnectionIndex::Change<Connection>::~Change() {
-    if (m_index != nullptr)
-        m_index->add(m_connection);
-}
-
-template class HABMConnectionIndex::Change<HABMInterfaceConnection>;
-template class HABMConnectionIndex::Change<HABMPortConnection>;

@@ -34,19 +34,8 @@ public:
     [[nodiscard]] std::vector<HABMInterfaceConnection*> withSource(const std::string& path) const;
     [[nodiscard]] std::vector<HABMInterfaceConnection*> withTarget(const std::string& path) const;
 
-    /// Keeps a connection out of the index of its design, if there is one, while its ends change.
-    template <class Connection>
-    class Change {
-    public:
-        explicit Change(Connection& connection);
-        ~Change();
-        Change(const Change&) = delete;
-        Change& operator=(const Change&) = delete;
-
-    private:
-        Connection& m_connection;
-        HABMConnectionIndex* m_index;
-    };
+    /// The index of the design of a block, or null if it doesn't stand.
+    [[nodiscard]] static HABMConnectionIndex* standing(const HABMBlock& block);
 
 private:
     using ByAge = std::map<std::uint64_t, HABMInterfaceConnection*>;
@@ -59,4 +48,26 @@ private:
     ByPath m_bySource;
     ByPath m_byTarget;
     std::unordered_map<std::string, std::ptrdiff_t> m_portUses;
+};
+
+/// Keeps a connection out of the index of its design, if there is one, while its ends change.
+template <class Connection>
+class HABMConnectionChange {
+public:
+    explicit HABMConnectionChange(Connection& connection)
+        : m_connection(connection),
+          m_index(HABMConnectionIndex::standing(*connection.getParent())) {
+        if (m_index != nullptr)
+            m_index->remove(connection);
+    }
+    ~HABMConnectionChange() {
+        if (m_index != nullptr)
+            m_index->add(m_connection);
+    }
+    HABMConnectionChange(const HABMConnectionChange&) = delete;
+    HABMConnectionChange& operator=(const HABMConnectionChange&) = delete;
+
+private:
+    Connection& m_connection;
+    HABMConnectionIndex* m_index;
 };

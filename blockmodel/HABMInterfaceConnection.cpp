@@ -37,13 +37,13 @@ HABMInterface* HABMInterfaceConnection::interfaceAt(const std::string& path) con
 }
 
 bool HABMInterfaceConnection::setSourcePath(const std::string& path) {
-    const HABMConnectionIndex::Change change(*this);
+    const HABMConnectionChange change(*this);
     m_sourcePath = path;
     return interfaceAt(path) != nullptr;
 }
 
 bool HABMInterfaceConnection::setTargetPath(const std::string& path) {
-    const HABMConnectionIndex::Change change(*this);
+    const HABMConnectionChange change(*this);
     m_targetPath = path;
     return interfaceAt(path) != nullptr;
 }

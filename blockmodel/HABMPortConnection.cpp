@@ -30,13 +30,13 @@ bool HABMPortConnection::leadsToPort(const std::string& path) const {
 }
 
 bool HABMPortConnection::setSourcePath(const std::string& path) {
-    const HABMConnectionIndex::Change change(*this);
+    const HABMConnectionChange change(*this);
     m_sourcePath = path;
     return leadsToPort(path);
 }
 
 bool HABMPortConnection::setTargetPaths(const std::set<std::string>& paths) {
-    const HABMConnectionIndex::Change change(*this);
+    const HABMConnectionChange change(*this);
     m_targetPaths = paths;
     return std::all_of(paths.begin(), paths.end(),
                        [this](const std::string& path) { return leadsToPort(path); });
