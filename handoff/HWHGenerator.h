@@ -41,7 +41,7 @@ private:
 
     // Modules and memory ranges.
     void writeModules(HXMLWElement& modules);
-    void writeModule(HXMLWElement& modules, const std::string& moduleName, HWHTextMap scalars,
+    void writeModule(HXMLWElement& modules, const std::string& moduleName, HWHTextMap& scalars,
                      const std::vector<MemoryRange>& ranges);
     std::map<std::string, std::string> findInternalInstances();
     std::vector<MemoryRange> collectRanges();
@@ -72,7 +72,7 @@ private:
 
     // Parameters.
     void writeParameters(HXMLWElement& module, const std::string& moduleName);
-    void addParameter(HXMLWElement& parameters, const std::string& name, const std::string& value);
+    void addParameter(HXMLWElement& parameters, const std::string& name, std::string value);
 
     /// Adds an attribute through the text form, without blanks and with.
     void add(HXMLWElement& element, const std::string& key, const std::string& value);

@@ -45,7 +45,7 @@ void HWHGenerator::writeModules(HXMLWElement& modules) {
 
 /// `scalars` are those of the instance that gives the facts.
 void HWHGenerator::writeModule(HXMLWElement& modules, const std::string& moduleName,
-                               HWHTextMap scalars, const std::vector<MemoryRange>& ranges) {
+                               HWHTextMap& scalars, const std::vector<MemoryRange>& ranges) {
     HXMLWElement* module = modules.addChild(hwh::element::kModule);
     add(*module, key::kInstance, moduleName);
     add(*module, key::kFullname, moduleName);

@@ -1,5 +1,7 @@
 // The parameters of a module, with the values that the design gives them.
 
+#include <algorithm>
+
 #include "handoff/HWHGenerator.h"
 #include "handoff/HWHVocabulary.h"
 
@@ -13,12 +15,15 @@ void HWHGenerator::writeParameters(HXMLWElement& module, const std::string& modu
 }
 
 void HWHGenerator::addParameter(HXMLWElement& parameters, const std::string& name,
-                                const std::string& value) {
+                                std::string value) {
     HXMLWElement* parameter = parameters.addChild(hwh::element::kParameter);
     add(*parameter, hwh::key::kName, name);
     // Callers of the text form keep values with commas out of it.
-    if (value.find(',') == std::string::npos)
+    if (value.find(',') == std::string::npos) {
         add(*parameter, hwh::key::kValue, value);
-    else
-        parameter->addAttribute(hwh::field::kValue, value.c_str());
+        return;
+    }
+    // A zero would end the value here. The writer replaces any other control character likewise.
+    std::replace(value.begin(), value.end(), '\0', '\1');
+    parameter->addAttribute(hwh::field::kValue, value.c_str());
 }

@@ -7,6 +7,7 @@
 #include <new>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 namespace {
 
@@ -78,6 +79,54 @@ private:
     std::size_t m_levels = 0;
 };
 
+/// A stream as RapidJSON reads it, fetched in blocks: asking a `std::istream` for single bytes
+/// takes longer than parsing them. Behind the end stand zeros.
+class BlockStream {
+public:
+    using Ch = char;
+
+    explicit BlockStream(std::istream& stream) : m_stream(stream), m_block(kBlockBytes) { fetch(); }
+
+    [[nodiscard]] char Peek() const { return m_next == m_end ? '\0' : *m_next; }
+    char Take() {
+        if (m_next == m_end)
+            return '\0';
+        const char byte = *m_next++;
+        if (m_next == m_end)
+            fetch();
+        return byte;
+    }
+    [[nodiscard]] std::size_t Tell() const {
+        return m_before + static_cast<std::size_t>(m_next - m_block.data());
+    }
+    // What only streams for output and for parsing in place need.
+    char* PutBegin() { return nullptr; }
+    std::size_t PutEnd(char*) { return 0; }
+    void Put(char) {}
+
+private:
+    static constexpr std::size_t kBlockBytes = 1U << 16U;
+
+    void fetch() {
+        // At the end the last block stays, so that `Tell` goes on telling where that is.
+        m_stream.read(m_block.data(), static_cast<std::streamsize>(m_block.size()));
+        const auto count = static_cast<std::size_t>(m_stream.gcount());
+        if (count == 0)
+            return;
+        m_before += m_count;
+        m_count = count;
+        m_next = m_block.data();
+        m_end = m_next + count;
+    }
+
+    std::istream& m_stream;
+    std::vector<char> m_block;
+    std::size_t m_before = 0; ///< bytes ahead of the block
+    std::size_t m_count = 0;  ///< bytes in the block
+    const char* m_next = m_block.data();
+    const char* m_end = m_next;
+};
+
 } // namespace
 
 void* JsonAllocator::Malloc(std::size_t size) {
@@ -104,11 +153,11 @@ JsonDocument::JsonDocument(rapidjson::Type type) : GenericDocument(type) {}
 JsonDocument& JsonDocument::ParseStream(std::istream& stream) {
     constexpr unsigned kFlags = rapidjson::kParseDefaultFlags | rapidjson::kParseIterativeFlag |
                                 rapidjson::kParseNumbersAsStringsFlag;
-    rapidjson::IStreamWrapper wrapper(stream);
+    BlockStream blocks(stream);
     auto read = [&](Document& document) {
         rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator> reader;
         Guard guard(document);
-        m_result = reader.Parse<kFlags>(wrapper, guard);
+        m_result = reader.Parse<kFlags>(blocks, guard);
         return !m_result.IsError();
     };
     Populate(read);

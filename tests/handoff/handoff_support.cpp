@@ -67,25 +67,6 @@ std::vector<std::string> Element::values(const std::string& elements,
     return found;
 }
 
-Element Element::find(const std::string& elements, const std::string& key,
-                      const std::string& value) const {
-    for (const Element& child : children) {
-        if (child.name == elements && child.attribute(key) == value)
-            return child;
-        Element below = child.find(elements, key, value);
-        if (!below.name.empty())
-            return below;
-    }
-    return {};
-}
-
-std::vector<std::string> Element::childNames() const {
-    std::vector<std::string> names;
-    for (const Element& child : children)
-        names.push_back(child.name);
-    return names;
-}
-
 Element readXml(const std::string& path) {
     xercesc::XMLPlatformUtils::Initialize();
     TreeBuilder builder;

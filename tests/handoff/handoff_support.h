@@ -23,10 +23,6 @@ struct Element {
     /// attributes, joined by blanks.
     [[nodiscard]] std::vector<std::string> values(const std::string& elements,
                                                   const std::vector<std::string>& keys) const;
-    /// The first element below this one that has such an attribute, or an empty one.
-    [[nodiscard]] Element find(const std::string& elements, const std::string& key,
-                               const std::string& value) const;
-    [[nodiscard]] std::vector<std::string> childNames() const;
 };
 
 Element readXml(const std::string& path);
