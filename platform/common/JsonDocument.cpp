@@ -1,5 +1,6 @@
 #include "JsonDocument.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
@@ -85,7 +86,10 @@ class BlockStream {
 public:
     using Ch = char;
 
-    explicit BlockStream(std::istream& stream) : m_stream(stream), m_block(kBlockBytes) { fetch(); }
+    explicit BlockStream(std::istream& stream)
+        : m_stream(stream), m_block(static_cast<std::size_t>(kBlockBytes)) {
+        fetch();
+    }
 
     [[nodiscard]] char Peek() const { return m_next == m_end ? '\0' : *m_next; }
     char Take() {
@@ -105,18 +109,19 @@ public:
     void Put(char) {}
 
 private:
-    static constexpr std::size_t kBlockBytes = 1U << 16U;
+    static constexpr std::streamsize kBlockBytes = 1 << 16;
 
     void fetch() {
-        // At the end the last block stays, so that `Tell` goes on telling where that is.
-        m_stream.read(m_block.data(), static_cast<std::streamsize>(m_block.size()));
-        const auto count = static_cast<std::size_t>(m_stream.gcount());
-        if (count == 0)
+        if (m_stream.peek() == std::istream::traits_type::eof())
             return;
+        // No more than the stream holds ready: damage further on would swallow the bytes before it.
+        const std::streamsize ready =
+            std::clamp<std::streamsize>(m_stream.rdbuf()->in_avail(), 1, kBlockBytes);
+        m_stream.read(m_block.data(), ready);
         m_before += m_count;
-        m_count = count;
+        m_count = static_cast<std::size_t>(m_stream.gcount());
         m_next = m_block.data();
-        m_end = m_next + count;
+        m_end = m_next + m_count;
     }
 
     std::istream& m_stream;
