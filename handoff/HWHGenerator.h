@@ -53,8 +53,7 @@ private:
     // Ports, signals and external ports.
     void writePorts(HXMLWElement& module, const std::string& moduleName);
     void nameSignals(const std::string& moduleName);
-    std::string signalOf(HXMLWElement& port, const std::string& moduleName,
-                         const HWHPortRecord& record);
+    void nameSignal(HXMLWElement& port, const std::string& moduleName, const HWHPortRecord& record);
     void writeExternalPorts(HXMLWElement* externalPorts);
     void writeExternalPort(HXMLWElement& externalPorts, const std::string& name,
                            const std::map<std::string, const HWHPortRecord*>& innerPorts);

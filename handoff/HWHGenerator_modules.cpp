@@ -26,6 +26,10 @@ void HWHGenerator::writeModules(HXMLWElement& modules) {
     auto internalInstances = findInternalInstances();
     const auto ranges = collectRanges();
     std::unordered_set<std::string> processed;
+    std::size_t portCount = 0;
+    for (const auto& [moduleName, ports] : m_portTable)
+        portCount += ports.size();
+    m_signalTable.reserve(portCount);
 
     for (auto& [instanceName, scalars] : m_instanceTable) {
         if (scalars[scalar::kRole] == scalar::kRoleMaster &&

@@ -59,35 +59,36 @@ void HWHGenerator::nameSignals(const std::string& moduleName) {
     if (entry == m_portTable.end())
         return;
     const auto& elements = m_portElementsByModule[moduleName];
-    for (const auto& [name, record] : entry->second) {
-        HXMLWElement& port = *elements.at(name);
-        const std::string signal = signalOf(port, moduleName, record);
-        m_signalTable.try_emplace(joined(moduleName, name), signal);
-        for (const auto& [instance, farPort] : record.CONNECTIONS)
-            m_signalTable.try_emplace(joined(instance, farPort), signal);
-        addSpaced(port, key::kSigname, signal);
-    }
+    for (const auto& [name, record] : entry->second)
+        nameSignal(*elements.at(name), moduleName, record);
 }
 
 /// Writes the connections of a port and finds its signal: the first far end that has one gives it,
-/// else what an earlier port said of this one, else the port's own name.
-std::string HWHGenerator::signalOf(HXMLWElement& port, const std::string& moduleName,
-                                   const HWHPortRecord& record) {
+/// else what an earlier port said of this one, else the port's own name. No signal's name is empty,
+/// so an empty entry of the table is one that was made just now.
+void HWHGenerator::nameSignal(HXMLWElement& port, const std::string& moduleName,
+                              const HWHPortRecord& record) {
     std::string signal;
-    const auto takeFrom = [&](const std::string& end) {
-        const auto known = m_signalTable.find(end);
-        if (signal.empty() && known != m_signalTable.end())
-            signal = known->second;
+    std::vector<std::string*> ends;
+    const auto visitEnd = [&](const std::string& end) {
+        ends.push_back(&m_signalTable[end]);
+        if (signal.empty())
+            signal = *ends.back();
     };
     for (const auto& [instance, farPort] : record.CONNECTIONS) {
         addConnection(connectionsOf(port), instance, farPort);
         if (instance == m_topInstanceName)
             m_externalPortTable[farPort].try_emplace(moduleName, &record);
-        takeFrom(joined(instance, farPort));
+        visitEnd(joined(instance, farPort));
     }
     const std::string own = joined(moduleName, record.NAME);
-    takeFrom(own);
-    return signal.empty() ? own : signal;
+    visitEnd(own);
+    if (signal.empty())
+        signal = own;
+    for (std::string* end : ends)
+        if (end->empty())
+            *end = signal;
+    addSpaced(port, key::kSigname, signal);
 }
 
 void HWHGenerator::writeExternalPorts(HXMLWElement* externalPorts) {
