@@ -52,6 +52,7 @@ private:
 
     // Ports, signals and external ports.
     void writePorts(HXMLWElement& module, const std::string& moduleName);
+    HXMLWElement* writePort(HXMLWElement* ports, const HWHPortRecord& record);
     void nameSignals(const std::string& moduleName);
     void nameSignal(HXMLWElement& port, const std::string& moduleName, const HWHPortRecord& record);
     void writeExternalPorts(HXMLWElement* externalPorts);

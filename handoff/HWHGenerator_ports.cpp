@@ -39,19 +39,19 @@ void HWHGenerator::writePorts(HXMLWElement& module, const std::string& moduleNam
         return;
     HXMLWElement* ports = module.addChild(element::kPorts);
     std::map<std::string, HXMLWElement*> elements;
-    for (const auto& [name, record] : entry->second) {
-        const std::string& kind = record.SIG_IS;
-        // The metadata has no bounds, frequencies, sensitivities or polarities to hand on.
-        if (kind == signal_kind::kClock || kind == signal_kind::kIntr)
-            elements[record.NAME] =
-                addSignalPort(ports, record.NAME, record.DIR, kind, "", "", "", "", "");
-        else if (kind == signal_kind::kInterrupt)
-            elements[record.NAME] =
-                addSignalPort(ports, record.NAME, record.DIR, kind, "", "", "", "", record.IRQID);
-        else
-            elements[record.NAME] = addPlainPort(ports, record.NAME, record.DIR, kind, "", "", "");
-    }
+    for (const auto& [name, record] : entry->second)
+        elements.emplace_hint(elements.end(), record.NAME, writePort(ports, record));
     m_portElementsByModule[moduleName] = std::move(elements);
+}
+
+HXMLWElement* HWHGenerator::writePort(HXMLWElement* ports, const HWHPortRecord& record) {
+    const std::string& kind = record.SIG_IS;
+    // The metadata has no bounds, frequencies, sensitivities or polarities to hand on.
+    if (kind == signal_kind::kClock || kind == signal_kind::kIntr)
+        return addSignalPort(ports, record.NAME, record.DIR, kind, "", "", "", "", "");
+    if (kind == signal_kind::kInterrupt)
+        return addSignalPort(ports, record.NAME, record.DIR, kind, "", "", "", "", record.IRQID);
+    return addPlainPort(ports, record.NAME, record.DIR, kind, "", "", "");
 }
 
 void HWHGenerator::nameSignals(const std::string& moduleName) {

@@ -41,6 +41,16 @@ bool isPlain(char c) {
     return kByteUses[static_cast<unsigned char>(c)].value;
 }
 
+std::string fittedName(std::string_view name) {
+    std::string fitted(name);
+    for (char& c : fitted)
+        if (!kByteUses[static_cast<unsigned char>(c)].name)
+            c = '_';
+    if (fitted.empty() || !isNameStart(fitted.front()))
+        fitted.insert(0, 1, '_');
+    return fitted;
+}
+
 struct Character {
     std::size_t bytes = 0; ///< 0 where the text doesn't start with UTF-8
     bool allowed = false;  ///< by XML 1.0
@@ -81,21 +91,25 @@ Character wideCharacter(std::string_view text) {
 HXMLWElement* HXMLWDocument::appendTo(pugi::xml_node parent, const char* name) {
     if (*name == '\0')
         return nullptr;
-    const pugi::xml_node node = parent.append_child(fitName(name));
+    const pugi::xml_node node = parent.append_child(fitName(name).c_str());
     // A node whose name found no memory has none.
     if (*node.name() == '\0')
         throw std::bad_alloc();
     return &m_elements.emplace_back(*this, node.internal_object());
 }
 
-const char* HXMLWDocument::fitName(std::string_view name) {
-    m_name.assign(name);
-    for (char& c : m_name)
-        if (!kByteUses[static_cast<unsigned char>(c)].name)
-            c = '_';
-    if (m_name.empty() || !isNameStart(m_name.front()))
-        m_name.insert(0, 1, '_');
-    return m_name.c_str();
+const std::string& HXMLWDocument::fitName(std::string_view name) {
+    // Cheap, and tells the names of one element apart well enough.
+    const std::size_t hash =
+        name.empty() ? 0
+                     : name.size() * 7 + std::size_t{static_cast<unsigned char>(name.front())} * 5 +
+                           std::size_t{static_cast<unsigned char>(name.back())} * 3;
+    auto& [given, fitted] = m_names[hash % m_names.size()];
+    if (name != given) {
+        fitted = fittedName(name);
+        given = name;
+    }
+    return fitted;
 }
 
 const char* HXMLWDocument::fitValue(const char* value, std::size_t length) {

@@ -3,6 +3,7 @@
 
 #include <pugixml.hpp>
 
+#include <array>
 #include <deque>
 #include <memory>
 #include <string>
@@ -22,8 +23,9 @@ public:
 
     [[nodiscard]] pugi::xml_node root() { return m_document; }
 
-    /// The name with what doesn't belong into one replaced; lives until the next call.
-    const char* fitName(std::string_view name);
+    /// The name with what doesn't belong into one replaced; lives until the next call. The few
+    /// names of a document come up again and again, so those met last are kept.
+    const std::string& fitName(std::string_view name);
     /// The value, with what XML can't hold replaced; lives until the next call. `value` ends in a
     /// zero behind its `length` bytes.
     const char* fitValue(const char* value, std::size_t length);
@@ -31,6 +33,10 @@ public:
 private:
     pugi::xml_document m_document;
     std::deque<HXMLWElement> m_elements;
-    std::string m_name;
+    struct Name {
+        std::string given;
+        std::string fitted = "_";
+    };
+    std::array<Name, 64> m_names;
     std::string m_value;
 };

@@ -70,14 +70,14 @@ void HXMLWElement::getChildren(std::vector<std::shared_ptr<HXMLWElement>>& child
 }
 
 void HXMLWElement::setAttribute(std::string_view name, const char* value, std::size_t length) {
-    const char* fitted = m_document.fitName(name);
+    const std::string& fitted = m_document.fitName(name);
     pugi::xml_node node(m_node);
     const std::uint64_t bit = hashBit(fitted);
     pugi::xml_attribute attribute;
     if ((m_attributeHashes & bit) != 0)
-        attribute = node.attribute(fitted);
+        attribute = node.attribute(fitted.c_str());
     if (!attribute)
-        attribute = node.append_attribute(fitted);
+        attribute = node.append_attribute(fitted.c_str());
     m_attributeHashes |= bit;
     if (!attribute.set_value(m_document.fitValue(value, length)))
         throw std::bad_alloc();
