@@ -11,6 +11,7 @@ namespace host {
 namespace {
 
 constexpr auto kRight = Table::Align::Right;
+constexpr unsigned kLargestDivider = 1023;
 
 [[nodiscard]] std::string mhzText(double mhz) {
     return fixedText(mhz, 4);
@@ -91,6 +92,10 @@ void printAlone(const ClockReport& report, std::ostream& out) {
 } // namespace
 
 void printClockTables(const ClockReport& report, std::ostream& out) {
+    if (!report.found && report.alone.empty()) {
+        out << "No solution.\n";
+        return;
+    }
     if (!report.found) {
         out << "No solution. The nearest that any multiplier gives each peripheral on its own:\n\n";
         printAlone(report, out);
@@ -102,6 +107,9 @@ void printClockTables(const ClockReport& report, std::ostream& out) {
     out << "\nSolved at tolerance " << fixedText(static_cast<double>(report.tolerance), 3)
         << ", sum of relative errors " << fixedText(static_cast<double>(report.totalError) * 1e6, 1)
         << " ppm\n";
+    if (std::any_of(report.peripherals.begin(), report.peripherals.end(),
+                    [](const auto& line) { return line.divider == kLargestDivider; }))
+        out << "A divider of " << kLargestDivider << ", the largest, counts as no error.\n";
 }
 
 } // namespace host

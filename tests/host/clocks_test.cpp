@@ -91,6 +91,17 @@ TEST(ClockReport, NamesTheRequestThatIsOutOfReach) {
     EXPECT_FALSE(parsed.boolean(parsed.require(alone[4], "within_reach")));
 }
 
+TEST(ClockReport, SaysWhyASaturatedDividerCountsAsNoError) {
+    for (const auto& [mhz, note] : {std::pair("0", true), std::pair("100", false)}) {
+        const host::ClockTree tree = read(with("100", mhz));
+        const auto solver = host::buildClockSolver(tree);
+        ASSERT_TRUE(solver->runSolution());
+        std::ostringstream table;
+        host::printClockTables(host::makeClockReport(tree, *solver), table);
+        EXPECT_EQ(note, table.str().find("A divider of 1023") != std::string::npos);
+    }
+}
+
 TEST(ClocksWord, ExitsTwoForWhatItCanNotUseAndSaysItOnStandardError) {
     const support::TempDir dir;
     const std::string program = HBS_PROGRAM;
