@@ -34,8 +34,8 @@ const DOMNode* nextWithin(const DOMNode* node, const DOMNode* top) {
 }
 
 bool isCharacterData(const DOMNode* node) {
-    return node->getNodeType() == DOMNode::TEXT_NODE ||
-           node->getNodeType() == DOMNode::CDATA_SECTION_NODE;
+    const DOMNode::NodeType type = node->getNodeType();
+    return type == DOMNode::TEXT_NODE || type == DOMNode::CDATA_SECTION_NODE;
 }
 
 /// Takes a text letter by letter, trims it and folds white space.
@@ -64,9 +64,15 @@ private:
 /// in a stack overflow on deeply nested elements.
 template <class Use>
 void eachPiece(const DOMNode* top, Use use) {
-    for (const DOMNode* node = nextWithin(top, top); node != nullptr; node = nextWithin(node, top))
-        if (isCharacterData(node))
+    const DOMNode* node = nextWithin(top, top);
+    while (node != nullptr) {
+        if (isCharacterData(node)) {
             use(node->getNodeValue());
+            node = nextBeside(node, top);
+        } else {
+            node = nextWithin(node, top);
+        }
+    }
 }
 
 /// ASCII is the same in every code page, so it needs no conversion. False for any other text.
