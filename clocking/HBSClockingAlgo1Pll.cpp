@@ -6,6 +6,15 @@
 
 namespace hbs_clocking {
 
+namespace {
+
+[[nodiscard]] bool refuse(const char* text) {
+    std::cout << text;
+    return false;
+}
+
+} // namespace
+
 HBSClockingAlgo1Pll::HBSClockingAlgo1Pll(const std::string& name) : HBSClockingAlgo(name) {
     m_pllCount = 1;
 }
@@ -13,20 +22,19 @@ HBSClockingAlgo1Pll::HBSClockingAlgo1Pll(const std::string& name) : HBSClockingA
 HBSClockingAlgo1Pll::~HBSClockingAlgo1Pll() = default;
 
 bool HBSClockingAlgo1Pll::validateConfig() const {
-    const char* fault = nullptr;
     if (m_powerDomains.empty())
-        fault = "No power domain added\n";
-    else if (m_powerDomains.size() > 1)
-        fault = "More than One power domain added\n";
-    else if (m_powerDomains.front()->getPllCount() == 0)
-        fault = "No PLL added to power domain\n";
-    else if (m_powerDomains.front()->getPllCount() > 1)
-        fault = "More than One PLL added to power domain\n";
-    else if (m_refClkFreq == 0.0F)
-        fault = "No PLL added to power domain\n"; // callers know this text for a missing reference
-    if (fault != nullptr)
-        std::cout << fault;
-    return fault == nullptr;
+        return refuse("No power domain added\n");
+    if (m_powerDomains.size() > 1)
+        return refuse("More than One power domain added\n");
+    const std::size_t plls = m_powerDomains.front()->getPllCount();
+    if (plls == 0)
+        return refuse("No PLL added to power domain\n");
+    if (plls > 1)
+        return refuse("More than One PLL added to power domain\n");
+    // Callers know the text of a missing PLL for a missing reference too.
+    if (m_refClkFreq == 0.0F)
+        return refuse("No PLL added to power domain\n");
+    return true;
 }
 
 std::string HBSClockingAlgo1Pll::getPllNameByIndex(unsigned index) const {
