@@ -205,33 +205,38 @@ private:
         return entry;
     }
 
-    /// The model says which assigns belong to a space. Handing it only those that end there, and
-    /// not all of the design for each space, keeps the report linear.
+    struct AssignedBlock {
+        HABMAddrAssign* assign;
+        const HABMAddrSegment* segment;
+    };
+
+    /// An assign belongs to the space of the segment where it ends. Filtering all assigns of the
+    /// design for each space, and looking up their ends each time, would make the report quadratic.
     void groupAssigns() {
         for (HABMAddrAssign* assign : m_block.findAddrAssigns("", true))
             if (const HABMAddrSegment* segment = assign->getTargetAddrSegment())
-                m_assignsOfSpace[segment->getParent()].push_back(assign);
+                m_assignsOfSpace[segment->getParent()].push_back({assign, segment});
     }
 
-    Value assignedSegments(HABMAddrSpace& space) {
+    Value assignedSegments(const HABMAddrSpace& space) {
         Value segments = object();
         const auto group = m_assignsOfSpace.find(&space);
         if (group == m_assignsOfSpace.end())
             return segments;
-        for (HABMAddrAssign* assign : HABMAddrAssign::filterByAddrSpace(group->second, &space))
-            if (const HABMAddrBlock* block = assign->getSourceAddrBlock())
-                addAssign(segments, *assign, *block);
+        for (const AssignedBlock& assigned : group->second)
+            if (const HABMAddrBlock* block = assigned.assign->getSourceAddrBlock())
+                addAssign(segments, *assigned.assign, *block, *assigned.segment);
         return segments;
     }
 
-    void addAssign(Value& segments, HABMAddrAssign& assign, const HABMAddrBlock& block) {
+    void addAssign(Value& segments, HABMAddrAssign& assign, const HABMAddrBlock& block,
+                   const HABMAddrSegment& segment) {
         const std::string place = surfaceName(block.getParent()->getPath()) + "/" + block.getName();
         Value entry = object();
         add(entry, "address_block", "./" + place);
         add(entry, "offset", assign.getOffset().getPrettyHexStringValue(0));
         add(entry, "range", assign.getRange().getAbrvStringValue());
-        add(entry, "memory_type",
-            HABMAddrSegment::decodeMemoryType(assign.getTargetAddrSegment()->getMemoryType()));
+        add(entry, "memory_type", HABMAddrSegment::decodeMemoryType(segment.getMemoryType()));
         if (static_cast<int>(assign.getAssignType()) == kInternalAssign)
             add(entry, "is_internal", "true");
         add(segments, "SEG_" + surfaceName(place), std::move(entry));
@@ -243,7 +248,7 @@ private:
     rapidjson::Document& m_document;
     rapidjson::Document::AllocatorType& m_allocator;
     HBSPointerIndex<HABMAddrSpace, HABMInterface> m_interfacesOfSpace;
-    std::unordered_map<const HABMAddrSpace*, std::vector<HABMAddrAssign*>> m_assignsOfSpace;
+    std::unordered_map<const HABMAddrSpace*, std::vector<AssignedBlock>> m_assignsOfSpace;
 };
 
 void writeDebugReport(const std::string& module, const rapidjson::Document& document) {
