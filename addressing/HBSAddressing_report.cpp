@@ -229,17 +229,34 @@ private:
         return segments;
     }
 
+    /// How entries of "segments" name an address block.
+    struct BlockTexts {
+        std::string key;
+        std::string reference;
+    };
+
+    /// Made once per block, as a memory is assigned to every space that sees it.
+    const BlockTexts& textsOf(const HABMAddrBlock& block) {
+        const auto [entry, isNew] = m_textsOfBlock.try_emplace(&block);
+        if (isNew) {
+            const std::string place =
+                surfaceName(block.getParent()->getPath()) + "/" + block.getName();
+            entry->second = {"SEG_" + surfaceName(place), "./" + place};
+        }
+        return entry->second;
+    }
+
     void addAssign(Value& segments, HABMAddrAssign& assign, const HABMAddrBlock& block,
                    const HABMAddrSegment& segment) {
-        const std::string place = surfaceName(block.getParent()->getPath()) + "/" + block.getName();
+        const BlockTexts& texts = textsOf(block);
         Value entry = object();
-        add(entry, "address_block", "./" + place);
+        add(entry, "address_block", texts.reference);
         add(entry, "offset", assign.getOffset().getPrettyHexStringValue(0));
         add(entry, "range", assign.getRange().getAbrvStringValue());
         add(entry, "memory_type", HABMAddrSegment::decodeMemoryType(segment.getMemoryType()));
         if (static_cast<int>(assign.getAssignType()) == kInternalAssign)
             add(entry, "is_internal", "true");
-        add(segments, "SEG_" + surfaceName(place), std::move(entry));
+        add(segments, texts.key, std::move(entry));
     }
 
     static constexpr int kInternalAssign = 2;
@@ -249,6 +266,7 @@ private:
     rapidjson::Document::AllocatorType& m_allocator;
     HBSPointerIndex<HABMAddrSpace, HABMInterface> m_interfacesOfSpace;
     std::unordered_map<const HABMAddrSpace*, std::vector<AssignedBlock>> m_assignsOfSpace;
+    std::unordered_map<const HABMAddrBlock*, BlockTexts> m_textsOfBlock;
 };
 
 void writeDebugReport(const std::string& module, const rapidjson::Document& document) {
