@@ -1,0 +1,193 @@
+#include "clocking/search/CombinationList.h"
+
+#include <algorithm>
+#include <map>
+#include <string>
+
+namespace hbs_clocking {
+
+namespace {
+
+[[nodiscard]] bool isServedByHead(const CoverNeed& need, const CombinationStage& stage,
+                                  const Combination& head, unsigned headWidth) {
+    return need.headServes &&
+           std::any_of(stage.headPlaces.begin(), stage.headPlaces.end(), [&](unsigned place) {
+               return place < headWidth && need.served.contains(head[place]);
+           });
+}
+
+/// Counts the continuations of heads. Heads that leave the same needs open behave alike, so each
+/// kind of head is counted once.
+class ContinuationCounter {
+public:
+    explicit ContinuationCounter(std::span<const CombinationStage> stages)
+        : m_stages(stages), m_counts(stages.size()) {}
+
+    std::uint64_t count(std::size_t stage, const Combination& head, unsigned headWidth) {
+        if (stage == m_stages.size())
+            return 1;
+        const auto [entry, isNew] = m_counts[stage].try_emplace(kindOf(stage, head, headWidth), 0);
+        if (isNew)
+            entry->second = countAnew(stage, head, headWidth);
+        return entry->second;
+    }
+
+private:
+    /// Which needs of this and later stages the head serves already.
+    [[nodiscard]] std::string kindOf(std::size_t stage, const Combination& head,
+                                     unsigned headWidth) const {
+        std::string kind;
+        for (std::size_t i = stage; i < m_stages.size(); ++i) {
+            if (m_stages[i].headPlaces.empty())
+                continue;
+            for (const CoverNeed& need : m_stages[i].needs)
+                kind += isServedByHead(need, m_stages[i], head, headWidth) ? '1' : '0';
+        }
+        return kind;
+    }
+
+    /// Whether a later stage looks at this place.
+    [[nodiscard]] bool isLookedAt(unsigned place, std::size_t stage) const {
+        return std::any_of(m_stages.begin() + static_cast<std::ptrdiff_t>(stage) + 1,
+                           m_stages.end(), [place](const CombinationStage& later) {
+                               return std::count(later.headPlaces.begin(), later.headPlaces.end(),
+                                                 place) != 0;
+                           });
+    }
+
+    [[nodiscard]] std::uint64_t countAnew(std::size_t stage, Combination head, unsigned headWidth) {
+        const CombinationStage& own = m_stages[stage];
+        const CombinationTails tails(own, head);
+        const unsigned nextWidth = headWidth + own.width();
+        const bool eachSecond = own.width() == 2 && isLookedAt(headWidth + 1, stage);
+        std::uint64_t sum = 0;
+        for (const std::uint8_t first : own.firsts) {
+            const MultiplierMask seconds = tails.seconds(first);
+            if (seconds.isEmpty())
+                continue;
+            head[headWidth] = first;
+            if (!eachSecond) {
+                sum += seconds.size() * count(stage + 1, head, nextWidth);
+                continue;
+            }
+            for (const std::uint8_t second : own.seconds) {
+                if (!seconds.contains(second))
+                    continue;
+                head[headWidth + 1] = second;
+                sum += count(stage + 1, head, nextWidth);
+            }
+        }
+        return sum;
+    }
+
+    std::span<const CombinationStage> m_stages;
+    std::vector<std::map<std::string, std::uint64_t>> m_counts;
+};
+
+} // namespace
+
+void CombinationStage::simplify() {
+    // Whoever serves the narrower need serves the wider one as well.
+    std::vector<CoverNeed> kept;
+    for (std::size_t i = 0; i < needs.size(); ++i) {
+        bool implied = false;
+        for (std::size_t j = 0; j < needs.size() && !implied; ++j) {
+            const bool narrower = needs[j].served.isSubsetOf(needs[i].served) &&
+                                  needs[j].headServes <= needs[i].headServes;
+            implied = j != i && narrower && (needs[j] != needs[i] || j < i);
+        }
+        if (!implied)
+            kept.push_back(needs[i]);
+    }
+    needs = std::move(kept);
+}
+
+CombinationTails::CombinationTails(const CombinationStage& stage, const Combination& head)
+    : m_stage(stage) {
+    if (stage.seconds.empty())
+        m_alphabet.insert(0);
+    for (const std::uint8_t second : stage.seconds)
+        m_alphabet.insert(second);
+    for (const CoverNeed& need : stage.needs)
+        if (!isServedByHead(need, stage, head, static_cast<unsigned>(head.size())))
+            m_missing.push_back(need.served);
+}
+
+MultiplierMask CombinationTails::seconds(unsigned first) const {
+    MultiplierMask result = m_alphabet;
+    if (m_stage.order == CombinationStage::Order::Different)
+        result.erase(first);
+    else if (m_stage.order == CombinationStage::Order::Ascending)
+        result.eraseUpTo(first);
+    for (const MultiplierMask& need : m_missing)
+        if (!need.contains(first))
+            result &= need;
+    return result;
+}
+
+CombinationList::CombinationList(CombinationStage stage) {
+    *this = extendedBy(std::move(stage));
+}
+
+CombinationList CombinationList::extendedBy(CombinationStage stage) const {
+    CombinationList result = *this;
+    stage.simplify();
+    result.m_width += stage.width();
+    result.m_stages.push_back(std::move(stage));
+    result.m_size = ContinuationCounter(result.m_stages).count(0, {}, 0);
+    return result;
+}
+
+CombinationList CombinationList::timesList(const CombinationList& tails) const {
+    CombinationList result = *this;
+    result.m_stages.insert(result.m_stages.end(), tails.m_stages.begin(), tails.m_stages.end());
+    result.m_width += tails.m_width;
+    result.m_size = m_size * tails.m_size;
+    return result;
+}
+
+Combination CombinationList::at(std::uint64_t index) const {
+    ContinuationCounter counter(m_stages);
+    Combination combination{};
+    unsigned place = 0;
+    for (std::size_t stage = 0; stage < m_stages.size(); ++stage) {
+        const CombinationStage& own = m_stages[stage];
+        const CombinationTails tails(own, combination);
+        const unsigned nextPlace = place + own.width();
+        const auto skip = [&](std::uint64_t count) {
+            const bool passed = index >= count;
+            index -= passed ? count : 0;
+            return passed;
+        };
+        const auto place2 = [&](unsigned first) {
+            const MultiplierMask seconds = tails.seconds(first);
+            combination[place] = static_cast<std::uint8_t>(first);
+            if (own.seconds.empty())
+                return !seconds.isEmpty() &&
+                       !skip(counter.count(stage + 1, combination, nextPlace));
+            return std::any_of(own.seconds.begin(), own.seconds.end(), [&](std::uint8_t second) {
+                combination[place + 1] = second;
+                return seconds.contains(second) &&
+                       !skip(counter.count(stage + 1, combination, nextPlace));
+            });
+        };
+        std::find_if(own.firsts.begin(), own.firsts.end(), place2);
+        place = nextPlace;
+    }
+    return combination;
+}
+
+bool CombinationList::contains(const Combination& combination) const {
+    unsigned place = 0;
+    for (const CombinationStage& stage : m_stages) {
+        const CombinationTails tails(stage, combination);
+        const unsigned second = stage.width() == 2 ? combination[place + 1] : 0;
+        if (std::count(stage.firsts.begin(), stage.firsts.end(), combination[place]) == 0 ||
+            !tails.seconds(combination[place]).contains(second))
+            return false;
+        place += stage.width();
+    }
+    return true;
+}
+
+} // namespace hbs_clocking

@@ -1,0 +1,85 @@
+// The combinations of multipliers that a step of the search tries: lists that know their size and
+// their i-th element without being laid out.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "clocking/search/MultiplierMask.h"
+
+namespace hbs_clocking {
+
+/// One multiplier per PLL, in PLL order; unused places are 0.
+using Combination = std::array<std::uint8_t, 6>;
+
+/// What one peripheral asks of a combination: one of these multipliers.
+struct CoverNeed {
+    MultiplierMask served;
+    bool headServes = true; ///< whether the multipliers before the stage may serve it too
+    bool operator==(const CoverNeed&) const = default;
+};
+
+/// How the list grows by one or two places: each head is continued by all the tails that, together
+/// with the places of the head that count, cover the needs.
+struct CombinationStage {
+    enum class Order { Any, Different, Ascending }; ///< of the two places of a tail
+
+    std::vector<std::uint8_t> firsts;  ///< values of the tail's first place, ascending
+    std::vector<std::uint8_t> seconds; ///< of its second; empty for tails of one place
+    Order order = Order::Any;
+    std::vector<CoverNeed> needs;
+    std::vector<std::uint8_t> headPlaces; ///< places before the stage that count for the needs
+
+    [[nodiscard]] unsigned width() const { return seconds.empty() ? 1 : 2; }
+    /// Leaves out needs that another one implies.
+    void simplify();
+};
+
+/// The tails of a stage behind one head.
+class CombinationTails {
+public:
+    CombinationTails(const CombinationStage& stage, const Combination& head);
+
+    /// Second places that go with a first; for tails of one place it holds just 0, when the tail
+    /// belongs to the list.
+    [[nodiscard]] MultiplierMask seconds(unsigned first) const;
+    /// Tails that begin with `first`.
+    [[nodiscard]] std::uint64_t count(unsigned first) const { return seconds(first).size(); }
+
+private:
+    const CombinationStage& m_stage;
+    MultiplierMask m_alphabet;
+    std::vector<MultiplierMask> m_missing;
+};
+
+/// A list of combinations in stages, in ascending order of their places. Two products and a filter
+/// of 65 multipliers per place stand for some 10^11 combinations; the list holds the places' values
+/// and needs only. Counting them costs about pairs × multipliers × needs.
+class CombinationList {
+public:
+    CombinationList() = default;
+    explicit CombinationList(CombinationStage stage);
+
+    /// This list continued by a stage that may look at the heads.
+    [[nodiscard]] CombinationList extendedBy(CombinationStage stage) const;
+    /// Every combination of this list continued by every one of the other, which has one stage.
+    [[nodiscard]] CombinationList timesList(const CombinationList& tails) const;
+
+    [[nodiscard]] bool isEmpty() const { return m_size == 0; }
+    [[nodiscard]] std::uint64_t size() const { return m_size; }
+    /// Places of a combination.
+    [[nodiscard]] unsigned width() const { return m_width; }
+    [[nodiscard]] Combination at(std::uint64_t index) const;
+    [[nodiscard]] bool contains(const Combination& combination) const;
+
+    [[nodiscard]] std::span<const CombinationStage> stages() const { return m_stages; }
+
+private:
+    std::vector<CombinationStage> m_stages;
+    unsigned m_width = 0;
+    std::uint64_t m_size = 0;
+};
+
+} // namespace hbs_clocking

@@ -1,0 +1,216 @@
+#include "clocking/search/ContextSearch.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace hbs_clocking {
+
+namespace {
+
+[[nodiscard]] double largestOf(const SavingRow& savings, std::size_t begin, std::size_t end) {
+    const auto first = savings.begin() + static_cast<std::ptrdiff_t>(begin);
+    return static_cast<double>(
+        *std::max_element(first, first + static_cast<std::ptrdiff_t>(end - begin)));
+}
+
+} // namespace
+
+ContextSearch::ContextSearch(const SearchProblem& problem, const SourceTable& table,
+                             const PriceBound& bound, const CombinationRange& range)
+    : m_problem(problem), m_table(table), m_bound(bound), m_range(range),
+      m_ownChoices(problem, table, bound), m_places(problem.requests.size()) {
+    for (unsigned domain = 0; domain < kDomains; ++domain) {
+        const std::vector<unsigned>& positions = table.domain(domain).positions;
+        for (unsigned i = 0; i < positions.size(); ++i)
+            m_places[positions[i]] = {domain, i};
+    }
+}
+
+void ContextSearch::search(const Context& context, NearMinimum& sums) {
+    m_context = &context;
+    m_sums = &sums;
+    m_head = {context.main->mul, context.noc->mul};
+    m_errorIds.clear();
+    m_done.clear();
+    if (!boundContext())
+        return;
+    const CombinationTails tails(m_problem.combinations.stages()[1], m_head);
+    const std::size_t count = m_table.options(Role::Own2First).all.size();
+    for (std::size_t begin = 0; begin < count;) {
+        const OwnGroup group = groupAt(begin);
+        searchGroup(group, tails);
+        begin = group.end;
+    }
+}
+
+bool ContextSearch::isOnEdge(unsigned places) const {
+    return std::equal(m_head.begin(), m_head.begin() + places, m_range.first.begin());
+}
+
+bool ContextSearch::boundContext() {
+    for (const unsigned domain : {2U, 3U})
+        m_prices[domain] = m_bound.prices(domain);
+    const float tolerance = m_problem.tolerance;
+    m_certain = m_context->nearSum;
+    m_certain += capPrices(m_prices[2], m_context->errors[2], tolerance);
+    m_domain3Prices = capPrices(m_prices[3], m_context->errors[3], tolerance);
+    m_certain += m_domain3Prices;
+
+    const PllOptions& firsts = m_table.options(Role::Own2First);
+    const PllOptions& seconds = m_table.options(Role::Own2Second);
+    computeSavings(firsts, 2, m_prices[2], m_firstSavings);
+    computeSavings(firsts, 3, m_prices[3], m_acrossSavings);
+    computeSavings(seconds, 2, m_prices[2], m_secondSavings);
+    m_best2 = {};
+    for (std::size_t i = 0; i < m_firstSavings.size(); ++i)
+        m_best2.offerFirst(firsts.all[i].mul, m_firstSavings[i] + m_acrossSavings[i]);
+    for (std::size_t i = 0; i < m_secondSavings.size(); ++i)
+        m_best2.offerSecond(seconds.all[i].mul, m_secondSavings[i]);
+
+    BestPair best3;
+    SavingRow& savings = m_errors; // a row to work in
+    for (const Role role : {Role::Own3First, Role::Own3Second}) {
+        const PllOptions& options = m_table.options(role);
+        computeSavings(options, 3, m_prices[3], savings);
+        for (std::size_t i = 0; i < savings.size(); ++i) {
+            if (role == Role::Own3First)
+                best3.offerFirst(options.all[i].mul, savings[i]);
+            else
+                best3.offerSecond(options.all[i].mul, savings[i]);
+        }
+    }
+    m_best3 = static_cast<double>(best3.value());
+    return m_certain - static_cast<double>(m_best2.value()) - m_best3 <= ceiling();
+}
+
+ContextSearch::OwnGroup ContextSearch::groupAt(std::size_t begin) const {
+    const std::vector<PllOption>& options = m_table.options(Role::Own2First).all;
+    std::size_t end = begin + 1;
+    while (end < options.size() && options[end].mul == options[begin].mul &&
+           options[end].div == options[begin].div)
+        ++end;
+    return {begin, end, largestOf(m_acrossSavings, begin, end)};
+}
+
+void ContextSearch::searchGroup(const OwnGroup& group, const CombinationTails& tails) {
+    const std::vector<PllOption>& options = m_table.options(Role::Own2First).all;
+    const PllOption& own = options[group.begin];
+    const double saved = static_cast<double>(m_firstSavings[group.begin]) + group.acrossSaving +
+                         static_cast<double>(m_best2.secondFor(own.mul)) + m_best3;
+    if (m_certain - saved > ceiling())
+        return;
+    if (isOnEdge(2) && own.mul < m_range.first[2])
+        return;
+    m_head[2] = own.mul;
+    collectSeconds(group, tails.seconds(own.mul));
+    if (m_seconds.empty())
+        return;
+    for (std::size_t i = group.begin; i < group.end; ++i) {
+        searchAcross(options[i], static_cast<double>(m_acrossSavings[i]), false);
+        if (m_anyOnEdge)
+            searchAcross(options[i], static_cast<double>(m_acrossSavings[i]), true);
+    }
+}
+
+void ContextSearch::collectSeconds(const OwnGroup& group, const MultiplierMask& allowed) {
+    const PllOption& own = m_table.options(Role::Own2First).all[group.begin];
+    const PllOptions& seconds = m_table.options(Role::Own2Second);
+    ErrorRow withOwn = m_context->errors[2];
+    takeBetter(withOwn, own.errors[2]);
+    m_seconds.clear();
+    m_leastSecondSum = std::numeric_limits<double>::infinity();
+    m_anyOnEdge = false;
+    const bool isEdgeGroup = isOnEdge(3);
+    const unsigned edge = m_range.first[3];
+
+    const double inDomain3 = m_domain3Prices - group.acrossSaving - m_best3;
+    const double missing = m_certain - static_cast<double>(m_firstSavings[group.begin]) -
+                           group.acrossSaving - m_best3 - ceiling();
+    for (std::size_t i = 0; i < seconds.all.size(); ++i) {
+        const PllOption& second = seconds.all[i];
+        if (missing > static_cast<double>(m_secondSavings[i]) || !allowed.contains(second.mul) ||
+            (isEdgeGroup && second.mul < edge))
+            continue;
+        m_errors = withOwn;
+        takeBetter(m_errors, second.errors[2]);
+        if (!areAllServed(m_errors, m_problem.tolerance))
+            continue;
+        const double sum = sumForBound(m_errors);
+        if (m_context->nearSum + sum + inDomain3 > ceiling())
+            continue;
+        const auto nextId = static_cast<unsigned>(m_errorIds.size());
+        const unsigned id = m_errorIds.try_emplace(keyOf(m_errors), nextId).first->second;
+        // The first of several seconds with the same errors is the earliest.
+        const bool onEdge = isEdgeGroup && second.mul == edge;
+        const bool isKnown =
+            std::any_of(m_seconds.begin(), m_seconds.end(), [&](const Second& other) {
+                return other.id == id && other.isOnEdge == onEdge;
+            });
+        if (isKnown)
+            continue;
+        m_seconds.push_back({&second, id, onEdge, sum, m_errors});
+        m_anyOnEdge = m_anyOnEdge || onEdge;
+        m_leastSecondSum = std::min(m_leastSecondSum, sum);
+    }
+}
+
+void ContextSearch::searchAcross(const PllOption& own, double acrossSaving, bool onEdge) {
+    const double sumSoFar = m_context->nearSum + m_leastSecondSum;
+    if (sumSoFar + m_domain3Prices - acrossSaving - m_best3 > ceiling())
+        return;
+    m_errors = m_context->errors[3];
+    takeBetter(m_errors, own.errors[3]);
+    const OwnChoices::Muls from =
+        onEdge ? OwnChoices::Muls{m_range.first[4], m_range.first[5]} : OwnChoices::Muls{};
+    const OwnChoiceList& list = m_ownChoices.find(m_errors, m_head, ceiling() - sumSoFar, from);
+    for (const Second& second : m_seconds) {
+        if (second.isOnEdge != onEdge || comesTooLate(own, second, list.id))
+            continue;
+        for (const OwnChoice& choice : list.choices) {
+            const double sum = m_context->nearSum + second.sum + choice.sum;
+            if (sum <= ceiling())
+                evaluate(own, second, choice);
+        }
+    }
+}
+
+bool ContextSearch::comesTooLate(const PllOption& own, const Second& second, unsigned listId) {
+    // With the same errors in domain 2 and the same choices for domain 3, the sums are the same;
+    // only an earlier place makes them worth another look.
+    const auto behind8 = [](unsigned div) { return static_cast<std::uint8_t>(8 - div); };
+    const std::array<std::uint8_t, 5> place = {own.mul, second.option->mul, behind8(own.div),
+                                               behind8(second.option->div), behind8(own.cross)};
+    const std::uint64_t key = std::uint64_t{second.id} << 32U | listId;
+    const auto [entry, isNew] = m_done.try_emplace(key, place);
+    if (isNew)
+        return false;
+    if (entry->second <= place)
+        return true;
+    entry->second = place;
+    return false;
+}
+
+void ContextSearch::evaluate(const PllOption& own, const Second& second, const OwnChoice& choice) {
+    ++m_evaluated;
+    const std::array<const float*, kDomains> errors = {m_context->errors[0].data(),
+                                                       m_context->errors[1].data(),
+                                                       second.errors.data(), choice.errors.data()};
+    float sum = 0.0F; // in the order of the peripherals, since each addition rounds
+    for (const auto& [domain, place] : m_places)
+        sum += errors[domain][place];
+    if (static_cast<double>(sum) > m_sums->limit())
+        return;
+    const std::array<const PllOption*, kRoles> options = {
+        m_context->main, m_context->noc, &own, second.option, choice.first, choice.second};
+    Tuple tuple;
+    for (unsigned role = 0; role < kRoles; ++role) {
+        tuple.muls[role] = options[role]->mul;
+        tuple.divsBelow8[role] = static_cast<std::uint8_t>(8 - options[role]->div);
+    }
+    for (unsigned role = 0; role < tuple.crossesBelow4.size(); ++role)
+        tuple.crossesBelow4[role] = static_cast<std::uint8_t>(4 - options[role]->cross);
+    if (m_range.contains(tuple.muls))
+        m_sums->offer(tuple, sum);
+}
+
+} // namespace hbs_clocking

@@ -1,0 +1,103 @@
+// The search behind one setting of the main and the NOC PLL: the own PLLs of domains 2 and 3.
+#pragma once
+
+#include <cstdint>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "clocking/search/NearMinimum.h"
+#include "clocking/search/OwnChoices.h"
+
+namespace hbs_clocking {
+
+/// The combinations from `first` up to but not including `end`, by role.
+struct CombinationRange {
+    Combination first{};
+    Combination end{};
+
+    [[nodiscard]] bool contains(const Combination& muls) const {
+        return first <= muls && muls < end;
+    }
+};
+
+/// A setting of the main and the NOC PLL.
+struct Context {
+    const PllOption* main = nullptr;
+    const PllOption* noc = nullptr;
+    /// What the peripherals get from these two: in domains 0 and 1 that is all they get.
+    std::array<ErrorRow, kDomains> errors;
+    double nearSum = 0.0; ///< of domains 0 and 1, for bounds
+};
+
+/// Goes through the settings of the other PLLs that the bounds leave over, and offers the sums of
+/// those that come out near the minimum. One object serves the contexts of one search, one after
+/// the other.
+class ContextSearch {
+public:
+    ContextSearch(const SearchProblem& problem, const SourceTable& table, const PriceBound& bound,
+                  const CombinationRange& range);
+
+    void search(const Context& context, NearMinimum& sums);
+
+    /// Tuples whose sum was computed.
+    [[nodiscard]] std::uint64_t evaluatedTuples() const { return m_evaluated; }
+
+private:
+    /// Options of the first own PLL of domain 2 that differ in the cross-domain divider only.
+    struct OwnGroup {
+        std::size_t begin;
+        std::size_t end;
+        double acrossSaving; ///< the largest
+    };
+    /// A setting of the second own PLL of domain 2.
+    struct Second {
+        const PllOption* option;
+        unsigned id;   ///< of the errors: the same errors, the same number
+        bool isOnEdge; ///< where the range begins amid the settings of domain 3
+        double sum;
+        ErrorRow errors;
+    };
+
+    /// Bounds above this are of no interest.
+    [[nodiscard]] double ceiling() const { return m_bound.ceilingOf(m_sums->limit()); }
+    /// Whether the range begins amid the settings behind the places of the head set so far. What
+    /// comes before it must not stand for equals that come later.
+    [[nodiscard]] bool isOnEdge(unsigned places) const;
+    [[nodiscard]] bool boundContext();
+    [[nodiscard]] OwnGroup groupAt(std::size_t begin) const;
+    void searchGroup(const OwnGroup& group, const CombinationTails& tails);
+    void collectSeconds(const OwnGroup& group, const MultiplierMask& allowed);
+    void searchAcross(const PllOption& own, double acrossSaving, bool onEdge);
+    [[nodiscard]] bool comesTooLate(const PllOption& own, const Second& second, unsigned listId);
+    void evaluate(const PllOption& own, const Second& second, const OwnChoice& choice);
+
+    const SearchProblem& m_problem;
+    const SourceTable& m_table;
+    const PriceBound& m_bound;
+    const CombinationRange& m_range;
+    OwnChoices m_ownChoices;
+    std::vector<std::pair<unsigned, unsigned>> m_places; ///< domain and place of each peripheral
+    std::uint64_t m_evaluated = 0;
+
+    // Of the context under way.
+    const Context* m_context = nullptr;
+    NearMinimum* m_sums = nullptr;
+    Combination m_head{};
+    std::array<PriceRow, kDomains> m_prices; ///< of domains 2 and 3, capped
+    double m_domain3Prices = 0.0;
+    double m_certain = 0.0; ///< near sum and capped prices
+    SavingRow m_firstSavings;
+    SavingRow m_acrossSavings;
+    SavingRow m_secondSavings;
+    BestPair m_best2;
+    double m_best3 = 0.0;
+    ErrorRow m_errors;
+    std::vector<Second> m_seconds;
+    double m_leastSecondSum = 0.0;
+    bool m_anyOnEdge = false;
+    std::unordered_map<std::string, unsigned> m_errorIds;
+    /// By errors of domain 2 and list of choices for domain 3: the earliest place that had them.
+    std::unordered_map<std::uint64_t, std::array<std::uint8_t, 5>> m_done;
+};
+
+} // namespace hbs_clocking

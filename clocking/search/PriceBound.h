@@ -1,0 +1,127 @@
+// A lower bound of the sum of errors that falls apart into one term per PLL.
+//
+// Give each peripheral a price, any number not below 0. A clock saves a peripheral as much as its
+// error lies under the price. Whatever clocks are chosen, the error of a peripheral is at least its
+// price less the savings of all of them, since the clock that it takes already saves that much. So
+//
+//     sum of errors >= sum of prices - sum over the PLLs of the savings of their settings,
+//
+// and the right side needs one number per setting of a PLL. The best setting of each PLL gives a
+// bound for the whole step; a fixed setting here and there gives one for a part of it.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <span>
+#include <vector>
+
+#include "clocking/search/SourceTable.h"
+
+namespace hbs_clocking {
+
+/// One price per peripheral of a domain, laid out as its rows of errors.
+using PriceRow = std::vector<float>;
+
+/// What a row of errors saves at these prices.
+[[nodiscard]] inline float savingOf(const PriceRow& prices, const float* errors) {
+    const float* const price = prices.data();
+    std::array<float, kLanes> lanes{};
+    for (std::size_t i = 0; i < prices.size(); i += kLanes)
+        for (std::size_t lane = 0; lane < kLanes; ++lane)
+            lanes[lane] += std::max(0.0F, price[i + lane] - std::fabs(errors[i + lane]));
+    return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
+}
+
+/// The largest savings of the two PLLs of one domain, which never have the same multiplier.
+class BestPair {
+public:
+    void offerFirst(unsigned mul, float saving) { m_first.offer(mul, saving); }
+    void offerSecond(unsigned mul, float saving) { m_second.offer(mul, saving); }
+
+    /// Of both together.
+    [[nodiscard]] float value() const;
+    /// Of a second that goes with this first.
+    [[nodiscard]] float secondFor(unsigned firstMul) const {
+        return m_second.best.mul == firstMul ? m_second.runnerUp.saving : m_second.best.saving;
+    }
+
+private:
+    struct Entry {
+        unsigned mul = ~0U;
+        float saving = -kUnserved;
+    };
+    struct TopTwo { ///< of different multipliers, which are offered in groups
+        Entry best;
+        Entry runnerUp;
+
+        void offer(unsigned mul, float saving) {
+            if (best.mul == mul) {
+                best.saving = std::max(best.saving, saving);
+            } else if (saving > best.saving) {
+                runnerUp = best;
+                best = {mul, saving};
+            } else if (saving > runnerUp.saving) {
+                runnerUp = {mul, saving};
+            }
+        }
+    };
+
+    TopTwo m_first;
+    TopTwo m_second;
+};
+
+/// Good prices for one step, with the savings of every setting. Made once, then only read.
+class PriceBound {
+public:
+    PriceBound(const SearchProblem& problem, const SourceTable& table);
+
+    [[nodiscard]] const PriceRow& prices(unsigned domain) const { return m_prices[domain]; }
+    [[nodiscard]] double sumOfPrices() const { return m_sumOfPrices; }
+    /// Of domains 2 and 3.
+    [[nodiscard]] double sumOfFarPrices() const { return m_sumOfFarPrices; }
+
+    /// What an option saves in all domains.
+    [[nodiscard]] double saving(Role role, std::size_t option) const {
+        return static_cast<double>(m_savings[indexOf(role)][option]);
+    }
+    /// What an option saves in domains 2 and 3.
+    [[nodiscard]] double farSaving(Role role, std::size_t option) const {
+        return static_cast<double>(m_farSavings[indexOf(role)][option]);
+    }
+    /// The best that the PLLs of domains 2 and 3 can save.
+    [[nodiscard]] double ownSavings() const { return m_ownSavings; }
+    /// No sum lies below this.
+    [[nodiscard]] double lowest() const { return m_lowest; }
+
+    /// A setting of each PLL that looks good at the prices, by role: a place to begin, no more. Its
+    /// multipliers may not be in the list.
+    using Favourites = std::array<const PllOption*, kRoles>;
+    [[nodiscard]] const Favourites& favourites() const { return m_favourites; }
+
+    /// A bound above this is above the limit, however the sums were rounded.
+    [[nodiscard]] double ceilingOf(double limit) const {
+        return limit + (limit + m_sumOfPrices) * m_roundingFactor;
+    }
+
+private:
+    void evaluate();
+    void improve();
+    [[nodiscard]] Favourites pickFavourites() const;
+    [[nodiscard]] std::array<PriceRow, kDomains> countServers(const Favourites& favourites,
+                                                              double& sumOfErrors) const;
+
+    const SearchProblem& m_problem;
+    const SourceTable& m_table;
+    std::array<PriceRow, kDomains> m_prices;
+    std::array<std::vector<float>, kRoles> m_savings;
+    std::array<std::vector<float>, kRoles> m_farSavings;
+    Favourites m_favourites{};
+    double m_sumOfPrices = 0.0;
+    double m_sumOfFarPrices = 0.0;
+    double m_ownSavings = 0.0;
+    double m_lowest = 0.0;
+    double m_roundingFactor = 0.0;
+};
+
+} // namespace hbs_clocking

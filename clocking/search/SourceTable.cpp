@@ -1,0 +1,150 @@
+#include "clocking/search/SourceTable.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace hbs_clocking {
+
+namespace {
+
+constexpr unsigned kDividers = 4; // 1, 2, 4, 8
+constexpr unsigned kMaxCross = 4;
+constexpr unsigned kCrossings = kMaxCross + 1; // none, and 1 to 4
+constexpr unsigned kRowsPerBlock = (kMaxMultiplier + 1) * kDividers * kCrossings;
+
+} // namespace
+
+SourceTable::SourceTable(const SearchProblem& problem) : m_problem(problem) {
+    for (unsigned i = 0; i < problem.requests.size(); ++i) {
+        const SearchRequest& request = problem.requests[i];
+        m_domains[request.domain].positions.push_back(i);
+        m_hasBarred[request.domain] = m_hasBarred[request.domain] || request.isBarred;
+    }
+    unsigned widest = 0;
+    for (DomainRequests& domain : m_domains) {
+        const auto count = static_cast<unsigned>(domain.positions.size());
+        domain.stride = (count + kLanes - 1) / kLanes * kLanes;
+        widest = std::max(widest, domain.stride);
+    }
+    m_nobody.assign(widest, kUnserved);
+
+    const std::span stages = problem.combinations.stages();
+    addOptions(Role::Main, stages[0].firsts);
+    addOptions(Role::Noc, stages[0].seconds);
+    addOptions(Role::Own2First, stages[1].firsts);
+    addOptions(Role::Own2Second, stages[1].seconds);
+    addOptions(Role::Own3First, stages[2].firsts);
+    addOptions(Role::Own3Second, stages[2].seconds);
+}
+
+bool SourceTable::lacksOptions() const {
+    return std::any_of(m_options.begin(), m_options.end(),
+                       [](const PllOptions& options) { return options.all.empty(); });
+}
+
+void SourceTable::addOptions(Role role, std::span<const std::uint8_t> multipliers) {
+    PllOptions& options = m_options[indexOf(role)];
+    if (!m_problem.shape->has(role)) {
+        PllOption nobody;
+        nobody.errors.fill(m_nobody.data());
+        options.all.push_back(nobody);
+        std::fill(options.firstOf.begin() + 1, options.firstOf.end(), 1U);
+        return;
+    }
+    for (const std::uint8_t mul : multipliers) {
+        const float vcoMhz = static_cast<float>(mul) * m_problem.refMhz;
+        PllOption option;
+        option.mul = mul;
+        if (role == Role::Noc) {
+            addOption(role, option, vcoMhz / static_cast<float>(m_problem.nocDivider(mul)));
+        } else {
+            const DividerRange range = m_problem.outputDividers(role, mul);
+            for (unsigned div = range.largest; div >= range.smallest && div != 0; div /= 2) {
+                option.div = static_cast<std::uint8_t>(div);
+                addOption(role, option, vcoMhz / static_cast<float>(div));
+            }
+        }
+        const auto end = static_cast<std::uint32_t>(options.all.size());
+        std::fill(options.firstOf.begin() + mul + 1, options.firstOf.end(), end);
+    }
+}
+
+void SourceTable::addOption(Role role, PllOption option, float freqMhz) {
+    bool crosses = false;
+    bool isLimited = false; // the limit is tested for peripherals, and so only where there are some
+    for (unsigned domain = 0; domain < kDomains; ++domain) {
+        const bool across = m_problem.shape->reachOf(domain, role) == Reach::Across;
+        crosses = crosses || across;
+        isLimited = isLimited || (across && !m_domains[domain].isEmpty());
+    }
+    PllOptions& options = m_options[indexOf(role)];
+    for (unsigned cross = kMaxCross; cross >= (crosses ? 1 : kMaxCross); --cross) {
+        const float crossMhz = freqMhz / static_cast<float>(cross);
+        if (isLimited && definitelyGreater(crossMhz, m_problem.maxCrossMhz, kMargin))
+            continue;
+        option.cross = static_cast<std::uint8_t>(cross);
+        for (unsigned domain = 0; domain < kDomains; ++domain)
+            setRows(role, domain, option, freqMhz);
+        if (!repeatsAnother(options, option))
+            options.all.push_back(option);
+    }
+}
+
+void SourceTable::setRows(Role role, unsigned domain, PllOption& option, float freqMhz) {
+    const Reach reach = m_problem.shape->reachOf(domain, role);
+    if (reach == Reach::None)
+        return;
+    const unsigned cross = reach == Reach::Across ? option.cross : 0;
+    const float clockMhz = cross == 0 ? freqMhz : freqMhz / static_cast<float>(cross);
+    Kind kind = Common;
+    if (role == Role::Noc)
+        kind = NocClock;
+    else if (role == Role::Own2Second && m_hasBarred[domain])
+        kind = BarredSecond;
+    option.errors[domain] = row(domain, kind, option, cross, clockMhz);
+}
+
+const float* SourceTable::row(unsigned domain, Kind kind, const PllOption& option, unsigned cross,
+                              float freqMhz) {
+    const DomainRequests& requests = m_domains[domain];
+    Block& block = m_blocks[domain][kind];
+    if (block.isMade.empty()) {
+        block.values.resize(std::size_t{kRowsPerBlock} * requests.stride);
+        block.isMade.resize(kRowsPerBlock);
+    }
+    const auto div = static_cast<unsigned>(std::countr_zero(unsigned{option.div}));
+    const unsigned index = (option.mul * kDividers + div) * kCrossings + cross;
+    float* values = block.values.data() + std::size_t{index} * requests.stride;
+    if (!block.isMade[index]) {
+        block.isMade[index] = true;
+        for (std::size_t i = 0; i < requests.positions.size(); ++i)
+            values[i] = entry(m_problem.requests[requests.positions[i]], kind, freqMhz);
+    }
+    return values;
+}
+
+float SourceTable::entry(const SearchRequest& request, Kind kind, float freqMhz) const {
+    const float error = offerNearestDivider(freqMhz, request.mhz).error;
+    if (!definitelyLess(error, m_problem.tolerance, kMargin))
+        return kUnserved;
+    return request.isBarred && kind != Common ? -error : error;
+}
+
+bool SourceTable::repeatsAnother(const PllOptions& options, const PllOption& option) const {
+    const auto same = [&](const PllOption& other) {
+        for (unsigned domain = 0; domain < kDomains; ++domain) {
+            const std::size_t bytes = m_domains[domain].positions.size() * sizeof(float);
+            if (bytes != 0 && option.errors[domain] != other.errors[domain] &&
+                std::memcmp(option.errors[domain], other.errors[domain], bytes) != 0)
+                return false;
+        }
+        return true;
+    };
+    for (auto other = options.all.rbegin(); other != options.all.rend() && other->mul == option.mul;
+         ++other)
+        if (same(*other))
+            return true;
+    return false;
+}
+
+} // namespace hbs_clocking

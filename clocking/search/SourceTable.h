@@ -1,0 +1,108 @@
+// The table of errors: what every clock that a PLL can put out gives to every peripheral.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <vector>
+
+#include "clocking/search/CombinationList.h"
+#include "clocking/search/ErrorRow.h"
+#include "clocking/search/TreeShape.h"
+
+namespace hbs_clocking {
+
+/// An enabled peripheral as the search sees it.
+struct SearchRequest {
+    unsigned domain = 0;
+    float mhz = 0.0F;
+    bool isBarred = false; ///< by its name, from PLLs 1 and 3
+};
+
+/// One step of the ladder, ready to be searched.
+struct SearchProblem {
+    const TreeShape* shape = nullptr;
+    float refMhz = 0.0F;
+    float maxCrossMhz = 0.0F;
+    float tolerance = 0.0F;
+    std::vector<SearchRequest> requests; ///< in the order of the enabled peripherals
+    /// The output dividers of a role's PLL, by multiplier. Not asked for the NOC PLL.
+    std::function<DividerRange(Role, unsigned)> outputDividers;
+    /// The output divider of the NOC PLL, by multiplier.
+    std::function<unsigned(unsigned)> nocDivider;
+    CombinationList combinations;
+};
+
+/// The peripherals of one domain.
+struct DomainRequests {
+    std::vector<unsigned> positions; ///< among the enabled peripherals
+    unsigned stride = 0;             ///< length of a row of errors
+
+    [[nodiscard]] bool isEmpty() const { return positions.empty(); }
+};
+
+/// One way to set a PLL, and the row of errors that its clock gives to each domain, as `takeBetter`
+/// takes them; null for a domain that it doesn't get to.
+struct PllOption {
+    std::uint8_t mul = 0;
+    std::uint8_t div = 1;   ///< 1 for the NOC PLL, whose divider follows from the multiplier
+    std::uint8_t cross = 4; ///< 4 for a PLL whose clock doesn't cross, and none to tell apart
+    std::array<const float*, kDomains> errors{};
+};
+
+/// The options of one PLL: multipliers ascending, dividers and cross-domain dividers descending, as
+/// they are enumerated. Of options of one multiplier with the same errors only the first is here:
+/// the others give the same sums later, and so never win.
+struct PllOptions {
+    std::vector<PllOption> all;
+    std::array<std::uint32_t, kMaxMultiplier + 2> firstOf{}; ///< by multiplier
+
+    [[nodiscard]] std::span<const PllOption> of(unsigned mul) const {
+        return std::span(all).subspan(firstOf[mul], firstOf[mul + 1] - firstOf[mul]);
+    }
+    [[nodiscard]] std::size_t indexOf(const PllOption& option) const {
+        return static_cast<std::size_t>(&option - all.data());
+    }
+};
+
+/// Made once per step, then only read. Costs about peripherals × multipliers × dividers ×
+/// cross-domain dividers.
+class SourceTable {
+public:
+    explicit SourceTable(const SearchProblem& problem);
+    SourceTable(const SourceTable&) = delete;
+    SourceTable& operator=(const SourceTable&) = delete;
+
+    [[nodiscard]] const DomainRequests& domain(unsigned index) const { return m_domains[index]; }
+    /// A role without a PLL has one option, of multiplier 0, which serves nobody.
+    [[nodiscard]] const PllOptions& options(Role role) const { return m_options[indexOf(role)]; }
+    /// Whether a PLL has no option at all, so that the step can't be solved.
+    [[nodiscard]] bool lacksOptions() const;
+
+private:
+    /// Clocks of one kind that come to one domain; rows are made when first asked for.
+    struct Block {
+        std::vector<float> values;
+        std::vector<bool> isMade;
+    };
+    /// The NOC PLL has a divider of its own; barred peripherals tell two PLLs from the others.
+    enum Kind : std::uint8_t { Common, NocClock, BarredSecond, kKinds };
+
+    void addOptions(Role role, std::span<const std::uint8_t> multipliers);
+    void addOption(Role role, PllOption option, float freqMhz);
+    void setRows(Role role, unsigned domain, PllOption& option, float freqMhz);
+    [[nodiscard]] const float* row(unsigned domain, Kind kind, const PllOption& option,
+                                   unsigned cross, float freqMhz);
+    [[nodiscard]] float entry(const SearchRequest& request, Kind kind, float freqMhz) const;
+    [[nodiscard]] bool repeatsAnother(const PllOptions& options, const PllOption& option) const;
+
+    const SearchProblem& m_problem;
+    std::array<DomainRequests, kDomains> m_domains;
+    std::array<bool, kDomains> m_hasBarred{};
+    std::array<std::array<Block, kKinds>, kDomains> m_blocks;
+    std::array<PllOptions, kRoles> m_options;
+    std::vector<float> m_nobody;
+};
+
+} // namespace hbs_clocking

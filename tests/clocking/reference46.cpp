@@ -1,0 +1,508 @@
+#include "reference46.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <set>
+
+namespace reference46 {
+
+namespace {
+
+constexpr float MARGIN = 1e-5F;
+constexpr float LADDER[] = {0.001F, 0.01F, 0.02F, 0.05F, 0.1F, 0.2F, 0.5F, 1.0F};
+constexpr unsigned SATURATED = 1023;
+
+bool greater(float a, float b, float margin) {
+    return a - b > std::max(std::fabs(a), std::fabs(b)) * margin;
+}
+
+bool less(float a, float b, float margin) {
+    return b - a > std::max(std::fabs(a), std::fabs(b)) * margin;
+}
+
+bool equal(float a, float b, float margin) {
+    if (a == b)
+        return true;
+    const float difference = std::fabs(a - b);
+    if (a == 0.0F || b == 0.0F)
+        return margin > difference;
+    return std::max(std::fabs(a), std::fabs(b)) * margin >= difference;
+}
+
+unsigned saturate(float value) {
+    if (!(value > 0.0F))
+        return 0;
+    if (value >= 4294967296.0F)
+        return std::numeric_limits<unsigned>::max();
+    return static_cast<unsigned>(value);
+}
+
+unsigned nearest(float freq, float target, bool inMhz) {
+    const unsigned c = saturate(std::ceil(freq / target));
+    if (c == 0)
+        return 0xFFFFFFFFU;
+    if (c == 1)
+        return 1;
+    float lo = freq / static_cast<float>(c);
+    float hi = freq / static_cast<float>(c - 1);
+    if (!inMhz) {
+        lo /= 1e6F;
+        hi /= 1e6F;
+        target /= 1e6F;
+    }
+    if (hi - target > 0.0F)
+        return c;
+    const float below = std::fabs((target - lo) / target);
+    const float above = std::fabs((target - hi) / target);
+    return below - above > 0.0F ? c - 1 : c;
+}
+
+Combination operator+(Combination head, const Combination& tail) {
+    head.insert(head.end(), tail.begin(), tail.end());
+    return head;
+}
+
+std::vector<Combination> product(const std::vector<Combination>& heads,
+                                 const std::vector<Combination>& tails) {
+    std::vector<Combination> result;
+    for (const Combination& head : heads)
+        for (const Combination& tail : tails)
+            result.push_back(head + tail);
+    return result;
+}
+
+} // namespace
+
+Search::Search(const Tree& tree) : m_tree(tree), m_errorLimits(tree.domains.size(), 1.0F) {
+    std::copy_if(tree.peripherals.begin(), tree.peripherals.end(), std::back_inserter(m_enabled),
+                 [](const Peripheral& peripheral) { return peripheral.enabled; });
+}
+
+Solution Search::solve(int threads) {
+    for (const float tolerance : LADDER) {
+        const std::vector<Combination> combinations = combinationsOfStep(tolerance);
+        const std::size_t n = combinations.size();
+        Solution best;
+        if (n != 0 && n <= 1000) {
+            best = evaluate(combinations, 0, n);
+        } else if (n != 0) {
+            const auto tasks = static_cast<std::size_t>(std::min(threads, 8));
+            float standing = 1000.0F;
+            for (std::size_t i = 0; i < tasks; ++i) {
+                const std::size_t last = i + 1 == tasks ? n : (i + 1) * (n / tasks);
+                Solution part = evaluate(combinations, i * (n / tasks), last);
+                if (part.found && standing > part.total) {
+                    standing = part.total;
+                    best = part;
+                }
+            }
+        }
+        if (best.found) {
+            best.tolerance = tolerance;
+            return best;
+        }
+    }
+    Solution none;
+    none.tolerance = 1.0F;
+    return none;
+}
+
+float Search::domainLimit(int domain) const {
+    float limit = 1.0F;
+    for (const float pll : m_tree.domains[static_cast<std::size_t>(domain)].pllLimitsMhz)
+        limit = std::max(limit, pll);
+    return limit;
+}
+
+unsigned Search::outputDivider(unsigned mul, int domain) const {
+    const float freq = static_cast<float>(mul) * m_tree.refMhz;
+    const float limit = domainLimit(domain);
+    if (!less(limit * 1e6F, freq * 1e6F, MARGIN))
+        return 1;
+    const unsigned c = saturate(std::ceil(freq / limit));
+    return c > 4 ? 8 : c > 2 ? 4 : c > 1 ? 2 : c;
+}
+
+unsigned Search::nocDivider(unsigned mul) {
+    std::vector<float> requests;
+    for (const Peripheral& peripheral : m_enabled)
+        if (peripheral.noc)
+            requests.push_back(peripheral.requestMhz);
+    if (requests.size() != 1) {
+        ++m_lines;
+        return 1;
+    }
+    return saturate(std::round(static_cast<float>(mul) * m_tree.refMhz / requests[0]));
+}
+
+bool Search::serves(unsigned mul, const Peripheral& peripheral) const {
+    const unsigned q = outputDivider(mul, peripheral.domain);
+    const float pllHz = static_cast<float>(mul) * m_tree.refMhz * 1e6F / static_cast<float>(q);
+    const float reqHz = peripheral.requestMhz * 1e6F;
+    const bool zero = equal(reqHz, 0.0F, MARGIN);
+    const unsigned div = zero ? SATURATED : std::min(nearest(pllHz, reqHz, false), SATURATED);
+    const float outHz = pllHz / static_cast<float>(div);
+    float error = 0.0F;
+    if (!zero && div != SATURATED)
+        error = std::fabs((reqHz - outHz) / reqHz);
+    float tolerance = m_tolerance;
+    const float limit = m_errorLimits[static_cast<std::size_t>(peripheral.domain)];
+    if (tolerance > limit)
+        tolerance = limit;
+    if (!less(error, peripheral.allowedPercent / 100.0F, MARGIN))
+        error = 100.0F;
+    return less(error, tolerance, MARGIN);
+}
+
+std::vector<unsigned> Search::nocMultipliers() {
+    const auto domain = std::find_if(m_tree.domains.begin(), m_tree.domains.end(),
+                                     [](const Domain& d) { return d.name == "NOC_DOMAIN"; });
+    if (domain == m_tree.domains.end())
+        return {};
+    const auto index = static_cast<int>(domain - m_tree.domains.begin());
+    std::set<unsigned> found;
+    for (unsigned mul = 160; mul >= 25; --mul) {
+        const float vcoHz = static_cast<float>(mul) * m_tree.refMhz * 1e6F;
+        if (greater(vcoHz, 4.32e9F, MARGIN) || less(vcoHz, 2.16e9F, MARGIN))
+            continue;
+        for (const Peripheral& peripheral : m_enabled) {
+            if (!peripheral.noc || peripheral.domain != index)
+                continue;
+            const float reqHz = peripheral.requestMhz * 1e6F;
+            float tolerance = m_tolerance;
+            for (const unsigned k : {1U, 2U, 4U, 8U}) {
+                const float outHz = vcoHz / static_cast<float>(k);
+                if (less(reqHz, outHz, 0.0001F))
+                    continue;
+                float error = 0.0F;
+                if (!equal(reqHz, 0.0F, MARGIN))
+                    error = std::fabs((reqHz - outHz) / reqHz);
+                const float limit = m_errorLimits[static_cast<std::size_t>(index)];
+                if (tolerance > limit)
+                    tolerance = limit;
+                if (less(error, tolerance, MARGIN))
+                    found.insert(mul);
+            }
+        }
+    }
+    lock(index, !found.empty());
+    return {found.begin(), found.end()};
+}
+
+void Search::lock(int domain, bool anything) {
+    float& limit = m_errorLimits[static_cast<std::size_t>(domain)];
+    if (anything && limit > m_tolerance)
+        limit = m_tolerance;
+}
+
+std::vector<Combination> Search::combinationsOfStep(float tolerance) {
+    m_tolerance = tolerance;
+    const std::vector<unsigned> noc = nocMultipliers();
+
+    int nocIndex = -1;
+    for (std::size_t i = m_tree.domains.size(); i-- > 0;)
+        if (m_tree.domains[i].name == "NOC_DOMAIN")
+            nocIndex = static_cast<int>(i);
+    std::set<unsigned> all;
+    m_covered.clear();
+    for (const Peripheral& peripheral : m_enabled) {
+        if (peripheral.domain == nocIndex)
+            continue;
+        Covered covered{peripheral.domain, {}, peripheral.requestMhz};
+        bool any = false;
+        for (unsigned mul = 160; mul >= 25; --mul) {
+            const float vcoHz = static_cast<float>(mul) * m_tree.refMhz * 1e6F;
+            if (greater(vcoHz, 4.32e9F, MARGIN) || less(vcoHz, 2.16e9F, MARGIN))
+                continue;
+            if (!serves(mul, peripheral))
+                continue;
+            any = true;
+            all.insert(mul);
+            covered.bits.word[std::min(mul >> 5U, 4U)] |= 1U << (mul & 31U);
+        }
+        if (any)
+            m_covered.push_back(covered);
+    }
+    m_multipliers.assign(all.begin(), all.end());
+
+    const auto nocCount = static_cast<std::size_t>(
+        std::count_if(m_enabled.begin(), m_enabled.end(), [](const auto& p) { return p.noc; }));
+    if (m_covered.size() != m_enabled.size() - nocCount)
+        return {};
+    return m_tree.sixPlls() ? combinationsOfSix(noc) : combinationsOfFour(noc);
+}
+
+bool Search::covers(const Combination& combination, int domain) const {
+    Words bits;
+    for (const unsigned mul : combination)
+        bits.word[std::min(mul >> 5U, 4U)] |= 1U << (mul & 31U);
+    for (const Covered& covered : m_covered) {
+        if (covered.domain != domain)
+            continue;
+        bool common = false;
+        for (const int i : {4, 3, 2, 1})
+            common = common || (covered.bits.word[i] & bits.word[i]) != 0;
+        if (!common)
+            return false;
+    }
+    return true;
+}
+
+std::vector<Combination> Search::single(int domain) {
+    std::vector<Combination> result;
+    for (const unsigned m : m_multipliers)
+        if (covers({m}, domain))
+            result.push_back({m});
+    lock(domain, !result.empty());
+    return result;
+}
+
+std::vector<Combination> Search::extend(const std::vector<Combination>& heads,
+                                        const std::vector<unsigned>& tails, int domain) {
+    std::vector<Combination> result;
+    for (const Combination& head : heads)
+        for (const unsigned tail : tails)
+            if (covers(head + Combination{tail}, domain))
+                result.push_back(head + Combination{tail});
+    lock(domain, !result.empty());
+    return result;
+}
+
+std::vector<Combination> Search::extendByPairs(const std::vector<Combination>& heads, int domain) {
+    std::vector<Combination> result;
+    for (const Combination& head : heads)
+        for (const unsigned a : m_multipliers)
+            for (const unsigned b : m_multipliers)
+                if (a != b && covers(head + Combination{a, b}, domain))
+                    result.push_back(head + Combination{a, b});
+    lock(domain, !result.empty());
+    return result;
+}
+
+std::vector<Combination> Search::ascendingPairs(int domain) {
+    std::vector<Combination> result;
+    for (std::size_t i = 0; i < m_multipliers.size(); ++i)
+        for (std::size_t j = i + 1; j < m_multipliers.size(); ++j)
+            if (covers({m_multipliers[i], m_multipliers[j]}, domain))
+                result.push_back({m_multipliers[i], m_multipliers[j]});
+    lock(domain, !result.empty());
+    return result;
+}
+
+std::vector<Combination> Search::crossChecked(const std::vector<Combination>& heads,
+                                              int domain) const {
+    const auto common = [](const Combination& muls, const Covered& covered) {
+        for (const unsigned mul : muls)
+            for (const unsigned word : {4U, 3U, 2U, 1U})
+                if (std::min(mul >> 5U, 4U) == word &&
+                    (covered.bits.word[word] >> (mul & 31U) & 1U) != 0)
+                    return true;
+        return false;
+    };
+    std::vector<Combination> result;
+    for (const Combination& head : heads) {
+        for (std::size_t i = 0; i < m_multipliers.size(); ++i) {
+            for (std::size_t j = i + 1; j < m_multipliers.size(); ++j) {
+                const Combination own = {m_multipliers[i], m_multipliers[j]};
+                const bool passes =
+                    std::all_of(m_covered.begin(), m_covered.end(), [&](const Covered& covered) {
+                        return covered.domain != domain || common(own, covered) ||
+                               (common({head[0], head[2]}, covered) &&
+                                !greater(covered.requestMhz * (1.0F - m_tolerance),
+                                         m_tree.maxCrossMhz, MARGIN));
+                    });
+                if (passes)
+                    result.push_back(head + own);
+            }
+        }
+    }
+    return result;
+}
+
+std::vector<Combination> Search::combinationsOfFour(const std::vector<unsigned>& noc) {
+    std::vector<Combination> heads;
+    for (const unsigned m : m_multipliers)
+        heads.push_back({m});
+    std::vector<Combination> combinations = extend(heads, noc, 0);
+    for (const int domain : {2, 3}) {
+        const std::vector<Combination> own = single(domain);
+        if (combinations.empty())
+            continue;
+        combinations =
+            own.empty() ? extend(combinations, m_multipliers, domain) : product(combinations, own);
+    }
+    return combinations;
+}
+
+std::vector<Combination> Search::combinationsOfSix(const std::vector<unsigned>& noc) {
+    std::vector<Combination> heads;
+    for (const unsigned m : m_multipliers)
+        heads.push_back({m});
+    std::vector<Combination> nocHeads;
+    for (const unsigned m : noc)
+        nocHeads.push_back({m});
+    const std::vector<Combination> own0 = single(0);
+    std::vector<Combination> pairs;
+    if (!noc.empty())
+        pairs = own0.empty() ? extend(heads, noc, 0) : product(own0, nocHeads);
+
+    std::vector<Combination> own2;
+    for (const unsigned a : m_multipliers)
+        for (const unsigned b : m_multipliers)
+            if (a != b && covers({a, b}, 2))
+                own2.push_back({a, b});
+    lock(2, !own2.empty());
+    std::vector<Combination> quads;
+    if (!pairs.empty())
+        quads = own2.empty() ? extendByPairs(pairs, 2) : product(pairs, own2);
+
+    const std::vector<Combination> own3 = ascendingPairs(3);
+    if (quads.empty())
+        return {};
+    return own3.empty() ? crossChecked(quads, 3) : product(quads, own3);
+}
+
+std::vector<Combination> Search::outputDividers(const Combination& muls) const {
+    const std::vector<int> domains =
+        m_tree.sixPlls() ? std::vector<int>{1, -1, 2, 2, 3, 3} : std::vector<int>{1, -1, 2, 3};
+    std::vector<Combination> result = {{}};
+    for (std::size_t pll = 0; pll < domains.size(); ++pll) {
+        std::vector<Combination> places;
+        if (domains[pll] < 0) {
+            places.push_back({1});
+        } else {
+            const unsigned lowest = outputDivider(muls[pll], domains[pll]);
+            for (unsigned d = lowest > 4 ? 8 : 4; d >= lowest; d /= 2)
+                places.push_back({d});
+        }
+        result = product(result, places);
+    }
+    return result;
+}
+
+bool Search::slotsOf(const Peripheral& peripheral, const Combination& muls, const Combination& divs,
+                     const Combination& cross, unsigned nocDiv, std::vector<float>& slots,
+                     std::vector<bool>& engaged) const {
+    slots.assign(muls.size(), 0.0F);
+    engaged.assign(muls.size(), false);
+    const auto direct = [&](std::size_t pll) {
+        const unsigned div = pll == 1 ? nocDiv : divs[pll];
+        slots[pll] = static_cast<float>(muls[pll]) * m_tree.refMhz / static_cast<float>(div);
+        engaged[pll] = true;
+    };
+    const auto across = [&](std::size_t pll) {
+        direct(pll);
+        slots[pll] = slots[pll] / static_cast<float>(cross[pll]);
+    };
+    std::vector<std::size_t> limited;
+    const bool six = m_tree.sixPlls();
+    switch (peripheral.domain) {
+    case 0:
+        direct(0);
+        direct(1);
+        break;
+    case 1:
+        direct(1);
+        break;
+    case 2:
+        across(0);
+        across(1);
+        direct(2);
+        if (six)
+            direct(3);
+        limited = {0, 1};
+        break;
+    default:
+        across(0);
+        across(2);
+        if (six) {
+            direct(4);
+            direct(5);
+            limited = {0, 2};
+        } else {
+            across(1);
+            direct(3);
+            limited = {0, 1, 2};
+        }
+    }
+    return std::none_of(limited.begin(), limited.end(), [&](std::size_t pll) {
+        return greater(slots[pll], m_tree.maxCrossMhz, MARGIN);
+    });
+}
+
+bool Search::bestSlot(const std::vector<float>& slots, const std::vector<bool>& engaged,
+                      float target, PeripheralChoice& choice, float& error) const {
+    const bool zero = equal(target, 0.0F, MARGIN);
+    float best = m_tolerance;
+    bool found = false;
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+        if (!engaged[i])
+            continue;
+        const unsigned div =
+            zero ? SATURATED : std::min(nearest(slots[i], target, true), SATURATED);
+        const float out = slots[i] / static_cast<float>(div);
+        float candidate = 0.0F;
+        if (!zero && div != SATURATED)
+            candidate = std::fabs((target - out) / target);
+        if (less(candidate, best, MARGIN)) {
+            best = candidate;
+            choice = {static_cast<unsigned>(i), div};
+            found = true;
+        }
+    }
+    error = best;
+    return found;
+}
+
+bool Search::evaluateTuple(const Combination& muls, const Combination& divs,
+                           const Combination& cross, float& sum,
+                           std::vector<PeripheralChoice>& choices) {
+    sum = 0.0F;
+    choices.clear();
+    const unsigned nocDiv = nocDivider(muls[1]);
+    std::vector<float> slots;
+    std::vector<bool> engaged;
+    for (const Peripheral& peripheral : m_enabled) {
+        PeripheralChoice choice;
+        float error = 0.0F;
+        if (!slotsOf(peripheral, muls, divs, cross, nocDiv, slots, engaged) ||
+            !bestSlot(slots, engaged, peripheral.requestMhz, choice, error))
+            return false;
+        const bool named = peripheral.name == "PSM_REF_CTRL" || peripheral.name == "ASU_REF_CTRL";
+        if (m_tree.sixPlls() && named && (choice.slot == 1 || choice.slot == 3))
+            return false;
+        choices.push_back(choice);
+        sum += error;
+    }
+    return true;
+}
+
+Solution Search::evaluate(const std::vector<Combination>& combinations, std::size_t first,
+                          std::size_t last) {
+    Solution best;
+    float sum = 0.0F;
+    std::vector<PeripheralChoice> choices;
+    for (std::size_t index = first; index < last; ++index) {
+        const Combination& muls = combinations[index];
+        for (const Combination& divs : outputDividers(muls)) {
+            for (unsigned c = 0; c < 64; ++c) {
+                const Combination cross = {4 - c / 16, 4 - c / 4 % 4, 4 - c % 4, 1};
+                if (!evaluateTuple(muls, divs, cross, sum, choices) ||
+                    !less(sum, best.total, MARGIN))
+                    continue;
+                best.found = true;
+                best.total = sum;
+                best.peripherals = choices;
+                best.plls.clear();
+                for (std::size_t pll = 0; pll < muls.size(); ++pll) {
+                    const unsigned div = pll == 1 ? nocDivider(muls[1]) : divs[pll];
+                    best.plls.push_back({muls[pll], div, pll < 3 ? cross[pll] : 4});
+                }
+            }
+        }
+    }
+    return best;
+}
+
+} // namespace reference46

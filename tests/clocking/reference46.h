@@ -1,0 +1,122 @@
+// The searches of four and six PLLs, written step by step and pruned nowhere: the yardstick that
+// the solvers must agree with bit for bit. It shares no code with the library.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace reference46 {
+
+struct Peripheral {
+    std::string name;
+    int domain = 0;
+    float requestMhz = 0.0F;
+    bool enabled = true;
+    bool noc = false;
+    float allowedPercent = 100.0F;
+};
+
+struct Domain {
+    std::string name;
+    std::vector<float> pllLimitsMhz; ///< one per PLL
+};
+
+/// A tree of four domains; six PLLs when the last two domains have two each, else four.
+struct Tree {
+    float refMhz = 33.333F;
+    float maxCrossMhz = 1000.0F;
+    std::vector<Domain> domains;
+    std::vector<Peripheral> peripherals;
+
+    [[nodiscard]] bool sixPlls() const { return domains.at(2).pllLimitsMhz.size() == 2; }
+};
+
+struct PllChoice {
+    unsigned mul = 0, div = 0, cross = 0;
+    bool operator==(const PllChoice&) const = default;
+};
+
+struct PeripheralChoice {
+    unsigned slot = 0, div = 0;
+    bool operator==(const PeripheralChoice&) const = default;
+};
+
+struct Solution {
+    bool found = false;
+    float tolerance = 0.001F;
+    float total = 1000.0F;
+    std::vector<PllChoice> plls;
+    std::vector<PeripheralChoice> peripherals; ///< one per enabled peripheral, in their order
+
+    bool operator==(const Solution&) const = default;
+};
+
+using Combination = std::vector<unsigned>;
+
+/// One run. The pieces are open so that a benchmark can time a slice of a search that wouldn't end.
+class Search {
+public:
+    explicit Search(const Tree& tree);
+
+    [[nodiscard]] Solution solve(int threads);
+
+    /// Combinations of the step of the ladder, none when the step is left before its search. The
+    /// steps must be taken in order, since each may lower the limits of the domains.
+    [[nodiscard]] std::vector<Combination> combinationsOfStep(float tolerance);
+    /// The search of one range of them.
+    [[nodiscard]] Solution evaluate(const std::vector<Combination>& combinations, std::size_t first,
+                                    std::size_t last);
+
+    /// How often the evaluations asked for the NOC divider with other than one NOC peripheral.
+    [[nodiscard]] std::uint64_t linesPrinted() const { return m_lines; }
+
+private:
+    struct Words {
+        std::uint32_t word[5] = {};
+    };
+    struct Covered {
+        int domain;
+        Words bits;
+        float requestMhz;
+    };
+
+    [[nodiscard]] float domainLimit(int domain) const;
+    [[nodiscard]] unsigned outputDivider(unsigned mul, int domain) const;
+    [[nodiscard]] unsigned nocDivider(unsigned mul);
+    [[nodiscard]] std::vector<unsigned> nocMultipliers();
+    [[nodiscard]] bool serves(unsigned mul, const Peripheral& peripheral) const;
+    [[nodiscard]] bool covers(const Combination& combination, int domain) const;
+    void lock(int domain, bool anything);
+
+    [[nodiscard]] std::vector<Combination> single(int domain);
+    [[nodiscard]] std::vector<Combination> extend(const std::vector<Combination>& heads,
+                                                  const std::vector<unsigned>& tails, int domain);
+    [[nodiscard]] std::vector<Combination> extendByPairs(const std::vector<Combination>& heads,
+                                                         int domain);
+    [[nodiscard]] std::vector<Combination> ascendingPairs(int domain);
+    [[nodiscard]] std::vector<Combination> crossChecked(const std::vector<Combination>& heads,
+                                                        int domain) const;
+    [[nodiscard]] std::vector<Combination> combinationsOfFour(const std::vector<unsigned>& noc);
+    [[nodiscard]] std::vector<Combination> combinationsOfSix(const std::vector<unsigned>& noc);
+
+    [[nodiscard]] std::vector<Combination> outputDividers(const Combination& muls) const;
+    [[nodiscard]] bool evaluateTuple(const Combination& muls, const Combination& divs,
+                                     const Combination& cross, float& sum,
+                                     std::vector<PeripheralChoice>& choices);
+    [[nodiscard]] bool slotsOf(const Peripheral& peripheral, const Combination& muls,
+                               const Combination& divs, const Combination& cross, unsigned nocDiv,
+                               std::vector<float>& slots, std::vector<bool>& engaged) const;
+    [[nodiscard]] bool bestSlot(const std::vector<float>& slots, const std::vector<bool>& engaged,
+                                float target, PeripheralChoice& choice, float& error) const;
+
+    Tree m_tree;
+    std::vector<Peripheral> m_enabled;
+    std::vector<float> m_errorLimits;
+    float m_tolerance = 0.001F;
+    std::vector<unsigned> m_multipliers;
+    std::vector<Covered> m_covered;
+    std::uint64_t m_lines = 0;
+};
+
+} // namespace reference46
