@@ -2,7 +2,10 @@
 // 2, 4 and 6 PLLs share.
 #pragma once
 
+#include <array>
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -17,6 +20,26 @@
 #include "tq_export.h"
 
 namespace hbs_clocking {
+
+// Of the searches of four and six PLLs (clocking/search).
+class CombinationList;
+struct ComboResult;
+struct ComboSearch;
+struct DividerRange;
+struct StepCandidates;
+struct TreeShape;
+struct Tuple;
+using Combination = std::array<std::uint8_t, 6>;
+using ClkoutDivCombos = std::array<DividerRange, 6>;
+
+/// How the last search of a tree of four or six PLLs went, at the step that ended it.
+struct SearchStatistics {
+    /// Combinations of multipliers; each stands for up to 15,552 settings of the dividers.
+    std::uint64_t combinations = 0;
+    /// Settings of all multipliers and dividers whose sum of errors was computed. The rest was
+    /// proven to be worse.
+    std::uint64_t evaluatedTuples = 0;
+};
 
 /// Given one reference clock, PLLs in power domains and peripherals that each ask for a frequency,
 /// finds multipliers and dividers so that every enabled peripheral is within tolerance and the sum
@@ -114,6 +137,9 @@ public:
     /// Sum of the relative errors; 1000 without a result.
     [[nodiscard]] float getTotalRelativeError() const { return m_totalRelativeError; }
 
+    /// Zeros for trees of one and two PLLs, and for a solution that was taken from the store.
+    [[nodiscard]] const SearchStatistics& getSearchStatistics() const { return m_searchStatistics; }
+
     // For the solvers.
 
     /// Enabled and marked as NOC peripheral.
@@ -164,6 +190,64 @@ protected:
     /// found for a domain: it keeps that step's tolerance while other domains go on loosening.
     void lockTolerance(unsigned domainIndex);
 
+    // Combinations (HBSClockingAlgo_combinations.cpp). The lists aren't laid out. Those that test a
+    // domain lock its tolerance, unless it is said otherwise.
+
+    /// `[a, b]` with `a` from the candidates and `b` from the others that cover the domain.
+    [[nodiscard]] CombinationList buildPairsForDomain(const StepCandidates& candidates,
+                                                      std::span<const unsigned> others,
+                                                      unsigned domainIndex);
+    /// `[a, b]` without a test.
+    [[nodiscard]] static CombinationList buildFreePairs(std::span<const unsigned> firsts,
+                                                        std::span<const unsigned> others);
+    /// Combinations continued by one candidate, as a whole covering the domain.
+    [[nodiscard]] CombinationList extendCombosForDomain(const StepCandidates& candidates,
+                                                        const CombinationList& combos,
+                                                        unsigned domainIndex);
+    /// Pairs of different candidates, in both orders, that cover the domain.
+    [[nodiscard]] CombinationList buildOrderedPairsForDomain(const StepCandidates& candidates,
+                                                             unsigned domainIndex);
+    /// Combinations continued by such a pair, as a whole covering the domain.
+    [[nodiscard]] CombinationList extendCombosWithPairsForDomain(const StepCandidates& candidates,
+                                                                 const CombinationList& combos,
+                                                                 unsigned domainIndex);
+    /// Pairs of candidates, the smaller first, that cover the domain.
+    [[nodiscard]] CombinationList buildUnorderedPairsForDomain(const StepCandidates& candidates,
+                                                               unsigned domainIndex);
+    /// Combinations continued by every element of the list, without a test.
+    [[nodiscard]] static CombinationList appendToCombos(const CombinationList& combos,
+                                                        std::span<const unsigned> list);
+    /// Combinations continued by every pair, without a test.
+    [[nodiscard]] static CombinationList appendPairsToCombos(const CombinationList& combos,
+                                                             const CombinationList& pairs);
+    /// Combinations continued by pairs, the smaller first, that cover the domain together with what
+    /// may cross from places 0 and 2. Doesn't lock the tolerance.
+    [[nodiscard]] CombinationList extendCombosWithCrossCheck(const StepCandidates& candidates,
+                                                             const CombinationList& combos,
+                                                             unsigned domainIndex) const;
+
+    // Trees with a NOC clock (HBSClockingAlgo_search.cpp).
+
+    /// Combinations that a solver tries at one step; empty to go on to the next.
+    using ComboBuilder = std::function<CombinationList(const StepCandidates&)>;
+
+    /// What the solvers of four and six PLLs check after their PLLs: the place of the NOC domain,
+    /// which is only complained of, and the reference.
+    [[nodiscard]] bool validateNocAndReference() const;
+    /// The whole run.
+    [[nodiscard]] bool runLadder(const TreeShape& shape, const ComboBuilder& buildCombos);
+    /// The tuples of output dividers of a combination, as a range per PLL.
+    [[nodiscard]] ClkoutDivCombos buildClkoutDivCombos(const TreeShape& shape,
+                                                       const Combination& combination) const;
+    /// The best of all combinations; split among threads when they are many. False for none.
+    [[nodiscard]] bool searchCombos(const TreeShape& shape,
+                                    const std::vector<HBSPeripheral*>& enabled,
+                                    const CombinationList& combos, ComboResult& result);
+    /// The best of the combinations from `first` up to but not including `last`; runs on worker
+    /// threads. False also for a range that can't win against the others.
+    bool evaluateCombos(const ComboSearch& search, std::uint64_t first, std::uint64_t last,
+                        ComboResult& result) const;
+
     // Solutions (HBSClockingAlgo_solutions.cpp).
 
     /// Writes a solution to the PLLs and peripherals, and marks it found.
@@ -187,8 +271,19 @@ protected:
     float m_totalRelativeError = 1000.0F;
     std::vector<std::unique_ptr<HBSPowerDomain>> m_powerDomains;
     std::vector<std::unique_ptr<HBSPeripheral>> m_peripherals;
+    SearchStatistics m_searchStatistics;
 
 private:
+    [[nodiscard]] CombinationList lockIfAny(CombinationList combos, unsigned domainIndex);
+    [[nodiscard]] bool collectStepCandidates(const std::vector<HBSPeripheral*>& enabled,
+                                             const std::vector<HBSPeripheral*>& noc,
+                                             StepCandidates& candidates);
+    [[nodiscard]] bool searchChunks(const ComboSearch& search, ComboResult& result) const;
+    void complainOfNocPeripherals(const ComboSearch& search, std::uint64_t first,
+                                  std::uint64_t last) const;
+    void writeDecisions(const ComboSearch& search, const Tuple& tuple, ComboResult& result) const;
+    void sendTimingMessage(std::size_t enabledCount,
+                           std::chrono::steady_clock::time_point start) const;
     void configurePll(const std::string& name, const std::vector<unsigned>& config);
 };
 

@@ -104,7 +104,7 @@ void CombinationStage::simplify() {
 
 CombinationTails::CombinationTails(const CombinationStage& stage, const Combination& head)
     : m_stage(stage) {
-    if (stage.seconds.empty())
+    if (stage.width() == 1)
         m_alphabet.insert(0);
     for (const std::uint8_t second : stage.seconds)
         m_alphabet.insert(second);
@@ -162,7 +162,7 @@ Combination CombinationList::at(std::uint64_t index) const {
         const auto place2 = [&](unsigned first) {
             const MultiplierMask seconds = tails.seconds(first);
             combination[place] = static_cast<std::uint8_t>(first);
-            if (own.seconds.empty())
+            if (own.width() == 1)
                 return !seconds.isEmpty() &&
                        !skip(counter.count(stage + 1, combination, nextPlace));
             return std::any_of(own.seconds.begin(), own.seconds.end(), [&](std::uint8_t second) {
@@ -175,6 +175,45 @@ Combination CombinationList::at(std::uint64_t index) const {
         place = nextPlace;
     }
     return combination;
+}
+
+void CombinationList::forEach(std::uint64_t first, std::uint64_t last,
+                              const std::function<void(const Combination&)>& action) const {
+    if (first >= last)
+        return;
+    const Combination start = at(first);
+    std::uint64_t left = last - first;
+    const auto visit = [&](const auto& self, std::size_t stage, unsigned place,
+                           Combination& combination) -> void {
+        if (stage == m_stages.size()) {
+            if (start <= combination) {
+                action(combination);
+                --left;
+            }
+            return;
+        }
+        const CombinationStage& own = m_stages[stage];
+        const CombinationTails tails(own, combination);
+        const unsigned next = place + own.width();
+        for (const std::uint8_t value : own.firsts) {
+            const MultiplierMask allowed = tails.seconds(value);
+            combination[place] = value;
+            // What lies before the start altogether isn't entered.
+            if (std::lexicographical_compare(combination.begin(), combination.begin() + place + 1,
+                                             start.begin(), start.begin() + place + 1))
+                continue;
+            if (own.width() == 1 && !allowed.isEmpty() && left != 0)
+                self(self, stage + 1, next, combination);
+            for (std::size_t i = 0; i < own.seconds.size() && left != 0; ++i) {
+                combination[place + 1] = own.seconds[i];
+                if (allowed.contains(own.seconds[i]))
+                    self(self, stage + 1, next, combination);
+            }
+        }
+        std::fill(combination.begin() + place, combination.begin() + next, std::uint8_t{0});
+    };
+    Combination combination{};
+    visit(visit, 0, 0, combination);
 }
 
 bool CombinationList::contains(const Combination& combination) const {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -24,15 +25,16 @@ struct CoverNeed {
 /// How the list grows by one or two places: each head is continued by all the tails that, together
 /// with the places of the head that count, cover the needs.
 struct CombinationStage {
-    enum class Order { Any, Different, Ascending }; ///< of the two places of a tail
+    /// How the two places of a tail stand to each other; `Single` for tails of one place.
+    enum class Order { Single, Any, Different, Ascending };
 
     std::vector<std::uint8_t> firsts;  ///< values of the tail's first place, ascending
-    std::vector<std::uint8_t> seconds; ///< of its second; empty for tails of one place
-    Order order = Order::Any;
+    std::vector<std::uint8_t> seconds; ///< of its second, if it has one
+    Order order = Order::Single;
     std::vector<CoverNeed> needs;
     std::vector<std::uint8_t> headPlaces; ///< places before the stage that count for the needs
 
-    [[nodiscard]] unsigned width() const { return seconds.empty() ? 1 : 2; }
+    [[nodiscard]] unsigned width() const { return order == Order::Single ? 1 : 2; }
     /// Leaves out needs that another one implies.
     void simplify();
 };
@@ -72,6 +74,9 @@ public:
     /// Places of a combination.
     [[nodiscard]] unsigned width() const { return m_width; }
     [[nodiscard]] Combination at(std::uint64_t index) const;
+    /// Calls `action` for each of a range, in order.
+    void forEach(std::uint64_t first, std::uint64_t last,
+                 const std::function<void(const Combination&)>& action) const;
     [[nodiscard]] bool contains(const Combination& combination) const;
 
     [[nodiscard]] std::span<const CombinationStage> stages() const { return m_stages; }

@@ -37,6 +37,10 @@ struct DividerRange {
     }
 };
 
+/// The tuples of output dividers of one combination: a range per PLL, in PLL order. The NOC PLL's
+/// holds 1 alone.
+using ClkoutDivCombos = std::array<DividerRange, kRoles>;
+
 struct TreeShape {
     static constexpr unsigned kAbsent = ~0U;
 
@@ -51,6 +55,12 @@ struct TreeShape {
     bool barsByName;
 
     [[nodiscard]] constexpr bool has(Role role) const { return pllOf[indexOf(role)] != kAbsent; }
+    [[nodiscard]] constexpr unsigned roleOf(unsigned pll) const {
+        unsigned role = 0;
+        while (pllOf[role] != pll)
+            ++role;
+        return role;
+    }
     [[nodiscard]] constexpr Reach reachOf(unsigned domain, Role role) const {
         return reach[domain][indexOf(role)];
     }

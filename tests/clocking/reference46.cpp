@@ -63,15 +63,6 @@ Combination operator+(Combination head, const Combination& tail) {
     return head;
 }
 
-std::vector<Combination> product(const std::vector<Combination>& heads,
-                                 const std::vector<Combination>& tails) {
-    std::vector<Combination> result;
-    for (const Combination& head : heads)
-        for (const Combination& tail : tails)
-            result.push_back(head + tail);
-    return result;
-}
-
 } // namespace
 
 Search::Search(const Tree& tree) : m_tree(tree), m_errorLimits(tree.domains.size(), 1.0F) {
@@ -79,9 +70,14 @@ Search::Search(const Tree& tree) : m_tree(tree), m_errorLimits(tree.domains.size
                  [](const Peripheral& peripheral) { return peripheral.enabled; });
 }
 
-Solution Search::solve(int threads) {
+std::optional<Solution> Search::solve(int threads, std::uint64_t maxTuples) {
     for (const float tolerance : LADDER) {
+        m_most = static_cast<std::size_t>(maxTuples / 64);
         const std::vector<Combination> combinations = combinationsOfStep(tolerance);
+        const std::uint64_t tuples = countTuples(combinations);
+        if (m_tooMany || tuples > maxTuples)
+            return std::nullopt;
+        maxTuples -= tuples;
         const std::size_t n = combinations.size();
         Solution best;
         if (n != 0 && n <= 1000) {
@@ -258,13 +254,30 @@ std::vector<Combination> Search::single(int domain) {
     return result;
 }
 
+void Search::append(std::vector<Combination>& list, const Combination& combination) {
+    if (list.size() >= m_most)
+        m_tooMany = true;
+    else
+        list.push_back(combination);
+}
+
+std::vector<Combination> Search::product(const std::vector<Combination>& heads,
+                                         const std::vector<Combination>& tails) {
+    std::vector<Combination> result;
+    for (const Combination& head : heads)
+        for (const Combination& tail : tails)
+            if (!m_tooMany)
+                append(result, head + tail);
+    return result;
+}
+
 std::vector<Combination> Search::extend(const std::vector<Combination>& heads,
                                         const std::vector<unsigned>& tails, int domain) {
     std::vector<Combination> result;
     for (const Combination& head : heads)
         for (const unsigned tail : tails)
-            if (covers(head + Combination{tail}, domain))
-                result.push_back(head + Combination{tail});
+            if (!m_tooMany && covers(head + Combination{tail}, domain))
+                append(result, head + Combination{tail});
     lock(domain, !result.empty());
     return result;
 }
@@ -274,8 +287,8 @@ std::vector<Combination> Search::extendByPairs(const std::vector<Combination>& h
     for (const Combination& head : heads)
         for (const unsigned a : m_multipliers)
             for (const unsigned b : m_multipliers)
-                if (a != b && covers(head + Combination{a, b}, domain))
-                    result.push_back(head + Combination{a, b});
+                if (a != b && !m_tooMany && covers(head + Combination{a, b}, domain))
+                    append(result, head + Combination{a, b});
     lock(domain, !result.empty());
     return result;
 }
@@ -290,8 +303,7 @@ std::vector<Combination> Search::ascendingPairs(int domain) {
     return result;
 }
 
-std::vector<Combination> Search::crossChecked(const std::vector<Combination>& heads,
-                                              int domain) const {
+std::vector<Combination> Search::crossChecked(const std::vector<Combination>& heads, int domain) {
     const auto common = [](const Combination& muls, const Covered& covered) {
         for (const unsigned mul : muls)
             for (const unsigned word : {4U, 3U, 2U, 1U})
@@ -303,7 +315,7 @@ std::vector<Combination> Search::crossChecked(const std::vector<Combination>& he
     std::vector<Combination> result;
     for (const Combination& head : heads) {
         for (std::size_t i = 0; i < m_multipliers.size(); ++i) {
-            for (std::size_t j = i + 1; j < m_multipliers.size(); ++j) {
+            for (std::size_t j = i + 1; j < m_multipliers.size() && !m_tooMany; ++j) {
                 const Combination own = {m_multipliers[i], m_multipliers[j]};
                 const bool passes =
                     std::all_of(m_covered.begin(), m_covered.end(), [&](const Covered& covered) {
@@ -313,7 +325,7 @@ std::vector<Combination> Search::crossChecked(const std::vector<Combination>& he
                                          m_tree.maxCrossMhz, MARGIN));
                     });
                 if (passes)
-                    result.push_back(head + own);
+                    append(result, head + own);
             }
         }
     }
@@ -368,34 +380,31 @@ std::vector<Combination> Search::outputDividers(const Combination& muls) const {
         m_tree.sixPlls() ? std::vector<int>{1, -1, 2, 2, 3, 3} : std::vector<int>{1, -1, 2, 3};
     std::vector<Combination> result = {{}};
     for (std::size_t pll = 0; pll < domains.size(); ++pll) {
-        std::vector<Combination> places;
-        if (domains[pll] < 0) {
-            places.push_back({1});
-        } else {
-            const unsigned lowest = outputDivider(muls[pll], domains[pll]);
-            for (unsigned d = lowest > 4 ? 8 : 4; d >= lowest; d /= 2)
-                places.push_back({d});
-        }
-        result = product(result, places);
+        std::vector<Combination> longer;
+        const unsigned lowest = domains[pll] < 0 ? 1 : outputDivider(muls[pll], domains[pll]);
+        const unsigned highest = domains[pll] < 0 ? 1 : lowest > 4 ? 8 : 4;
+        for (const Combination& head : result)
+            for (unsigned d = highest; d >= lowest; d /= 2)
+                longer.push_back(head + Combination{d});
+        result = longer;
     }
     return result;
 }
 
 bool Search::slotsOf(const Peripheral& peripheral, const Combination& muls, const Combination& divs,
-                     const Combination& cross, unsigned nocDiv, std::vector<float>& slots,
-                     std::vector<bool>& engaged) const {
-    slots.assign(muls.size(), 0.0F);
-    engaged.assign(muls.size(), false);
+                     const Combination& cross, unsigned nocDiv, Slots& slots) const {
+    slots = {};
     const auto direct = [&](std::size_t pll) {
         const unsigned div = pll == 1 ? nocDiv : divs[pll];
-        slots[pll] = static_cast<float>(muls[pll]) * m_tree.refMhz / static_cast<float>(div);
-        engaged[pll] = true;
+        slots.mhz[pll] = static_cast<float>(muls[pll]) * m_tree.refMhz / static_cast<float>(div);
+        slots.engaged[pll] = true;
     };
+    bool within = true;
     const auto across = [&](std::size_t pll) {
         direct(pll);
-        slots[pll] = slots[pll] / static_cast<float>(cross[pll]);
+        slots.mhz[pll] = slots.mhz[pll] / static_cast<float>(cross[pll]);
+        within = within && !greater(slots.mhz[pll], m_tree.maxCrossMhz, MARGIN);
     };
-    std::vector<std::size_t> limited;
     const bool six = m_tree.sixPlls();
     switch (peripheral.domain) {
     case 0:
@@ -411,7 +420,6 @@ bool Search::slotsOf(const Peripheral& peripheral, const Combination& muls, cons
         direct(2);
         if (six)
             direct(3);
-        limited = {0, 1};
         break;
     default:
         across(0);
@@ -419,29 +427,25 @@ bool Search::slotsOf(const Peripheral& peripheral, const Combination& muls, cons
         if (six) {
             direct(4);
             direct(5);
-            limited = {0, 2};
         } else {
             across(1);
             direct(3);
-            limited = {0, 1, 2};
         }
     }
-    return std::none_of(limited.begin(), limited.end(), [&](std::size_t pll) {
-        return greater(slots[pll], m_tree.maxCrossMhz, MARGIN);
-    });
+    return within;
 }
 
-bool Search::bestSlot(const std::vector<float>& slots, const std::vector<bool>& engaged,
-                      float target, PeripheralChoice& choice, float& error) const {
+bool Search::bestSlot(const Slots& slots, float target, PeripheralChoice& choice,
+                      float& error) const {
     const bool zero = equal(target, 0.0F, MARGIN);
     float best = m_tolerance;
     bool found = false;
-    for (std::size_t i = 0; i < slots.size(); ++i) {
-        if (!engaged[i])
+    for (std::size_t i = 0; i < slots.mhz.size(); ++i) {
+        if (!slots.engaged[i])
             continue;
         const unsigned div =
-            zero ? SATURATED : std::min(nearest(slots[i], target, true), SATURATED);
-        const float out = slots[i] / static_cast<float>(div);
+            zero ? SATURATED : std::min(nearest(slots.mhz[i], target, true), SATURATED);
+        const float out = slots.mhz[i] / static_cast<float>(div);
         float candidate = 0.0F;
         if (!zero && div != SATURATED)
             candidate = std::fabs((target - out) / target);
@@ -456,18 +460,16 @@ bool Search::bestSlot(const std::vector<float>& slots, const std::vector<bool>& 
 }
 
 bool Search::evaluateTuple(const Combination& muls, const Combination& divs,
-                           const Combination& cross, float& sum,
-                           std::vector<PeripheralChoice>& choices) {
+                           const Combination& cross, unsigned nocDiv, float& sum,
+                           std::vector<PeripheralChoice>& choices) const {
     sum = 0.0F;
     choices.clear();
-    const unsigned nocDiv = nocDivider(muls[1]);
-    std::vector<float> slots;
-    std::vector<bool> engaged;
+    Slots slots;
     for (const Peripheral& peripheral : m_enabled) {
         PeripheralChoice choice;
         float error = 0.0F;
-        if (!slotsOf(peripheral, muls, divs, cross, nocDiv, slots, engaged) ||
-            !bestSlot(slots, engaged, peripheral.requestMhz, choice, error))
+        if (!slotsOf(peripheral, muls, divs, cross, nocDiv, slots) ||
+            !bestSlot(slots, peripheral.requestMhz, choice, error))
             return false;
         const bool named = peripheral.name == "PSM_REF_CTRL" || peripheral.name == "ASU_REF_CTRL";
         if (m_tree.sixPlls() && named && (choice.slot == 1 || choice.slot == 3))
@@ -476,6 +478,13 @@ bool Search::evaluateTuple(const Combination& muls, const Combination& divs,
         sum += error;
     }
     return true;
+}
+
+std::uint64_t Search::countTuples(const std::vector<Combination>& combinations) const {
+    std::uint64_t count = 0;
+    for (const Combination& muls : combinations)
+        count += outputDividers(muls).size() * 64;
+    return count;
 }
 
 Solution Search::evaluate(const std::vector<Combination>& combinations, std::size_t first,
@@ -488,7 +497,8 @@ Solution Search::evaluate(const std::vector<Combination>& combinations, std::siz
         for (const Combination& divs : outputDividers(muls)) {
             for (unsigned c = 0; c < 64; ++c) {
                 const Combination cross = {4 - c / 16, 4 - c / 4 % 4, 4 - c % 4, 1};
-                if (!evaluateTuple(muls, divs, cross, sum, choices) ||
+                const unsigned nocDiv = nocDivider(muls[1]);
+                if (!evaluateTuple(muls, divs, cross, nocDiv, sum, choices) ||
                     !less(sum, best.total, MARGIN))
                     continue;
                 best.found = true;
@@ -496,7 +506,7 @@ Solution Search::evaluate(const std::vector<Combination>& combinations, std::siz
                 best.peripherals = choices;
                 best.plls.clear();
                 for (std::size_t pll = 0; pll < muls.size(); ++pll) {
-                    const unsigned div = pll == 1 ? nocDivider(muls[1]) : divs[pll];
+                    const unsigned div = pll == 1 ? nocDiv : divs[pll];
                     best.plls.push_back({muls[pll], div, pll < 3 ? cross[pll] : 4});
                 }
             }

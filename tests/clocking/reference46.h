@@ -2,7 +2,9 @@
 // the solvers must agree with bit for bit. It shares no code with the library.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -59,7 +61,8 @@ class Search {
 public:
     explicit Search(const Tree& tree);
 
-    [[nodiscard]] Solution solve(int threads);
+    /// None when more than `maxTuples` tuples of dividers would have to be tried.
+    [[nodiscard]] std::optional<Solution> solve(int threads, std::uint64_t maxTuples);
 
     /// Combinations of the step of the ladder, none when the step is left before its search. The
     /// steps must be taken in order, since each may lower the limits of the domains.
@@ -67,6 +70,8 @@ public:
     /// The search of one range of them.
     [[nodiscard]] Solution evaluate(const std::vector<Combination>& combinations, std::size_t first,
                                     std::size_t last);
+    /// Tuples of dividers that this search tries.
+    [[nodiscard]] std::uint64_t countTuples(const std::vector<Combination>& combinations) const;
 
     /// How often the evaluations asked for the NOC divider with other than one NOC peripheral.
     [[nodiscard]] std::uint64_t linesPrinted() const { return m_lines; }
@@ -74,6 +79,10 @@ public:
 private:
     struct Words {
         std::uint32_t word[5] = {};
+    };
+    struct Slots {
+        std::array<float, 6> mhz{};
+        std::array<bool, 6> engaged{};
     };
     struct Covered {
         int domain;
@@ -89,6 +98,9 @@ private:
     [[nodiscard]] bool covers(const Combination& combination, int domain) const;
     void lock(int domain, bool anything);
 
+    void append(std::vector<Combination>& list, const Combination& combination);
+    [[nodiscard]] std::vector<Combination> product(const std::vector<Combination>& heads,
+                                                   const std::vector<Combination>& tails);
     [[nodiscard]] std::vector<Combination> single(int domain);
     [[nodiscard]] std::vector<Combination> extend(const std::vector<Combination>& heads,
                                                   const std::vector<unsigned>& tails, int domain);
@@ -96,19 +108,19 @@ private:
                                                          int domain);
     [[nodiscard]] std::vector<Combination> ascendingPairs(int domain);
     [[nodiscard]] std::vector<Combination> crossChecked(const std::vector<Combination>& heads,
-                                                        int domain) const;
+                                                        int domain);
     [[nodiscard]] std::vector<Combination> combinationsOfFour(const std::vector<unsigned>& noc);
     [[nodiscard]] std::vector<Combination> combinationsOfSix(const std::vector<unsigned>& noc);
 
     [[nodiscard]] std::vector<Combination> outputDividers(const Combination& muls) const;
     [[nodiscard]] bool evaluateTuple(const Combination& muls, const Combination& divs,
-                                     const Combination& cross, float& sum,
-                                     std::vector<PeripheralChoice>& choices);
+                                     const Combination& cross, unsigned nocDiv, float& sum,
+                                     std::vector<PeripheralChoice>& choices) const;
     [[nodiscard]] bool slotsOf(const Peripheral& peripheral, const Combination& muls,
                                const Combination& divs, const Combination& cross, unsigned nocDiv,
-                               std::vector<float>& slots, std::vector<bool>& engaged) const;
-    [[nodiscard]] bool bestSlot(const std::vector<float>& slots, const std::vector<bool>& engaged,
-                                float target, PeripheralChoice& choice, float& error) const;
+                               Slots& slots) const;
+    [[nodiscard]] bool bestSlot(const Slots& slots, float target, PeripheralChoice& choice,
+                                float& error) const;
 
     Tree m_tree;
     std::vector<Peripheral> m_enabled;
@@ -117,6 +129,8 @@ private:
     std::vector<unsigned> m_multipliers;
     std::vector<Covered> m_covered;
     std::uint64_t m_lines = 0;
+    std::size_t m_most = ~std::size_t{0}; ///< lists longer than this are given up
+    bool m_tooMany = false;
 };
 
 } // namespace reference46

@@ -1,0 +1,63 @@
+#include "clocking/HBSClockingAlgo4Pll.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include "clocking/search/ComboSearch.h"
+
+namespace hbs_clocking {
+
+HBSClockingAlgo4Pll::HBSClockingAlgo4Pll(const std::string& name) : HBSClockingAlgo(name) {
+    m_pllCount = kFourPllShape.pllCount;
+}
+
+HBSClockingAlgo4Pll::~HBSClockingAlgo4Pll() = default;
+
+bool HBSClockingAlgo4Pll::validateConfig() const {
+    const auto anyDomain = [this](auto&& test) {
+        return std::any_of(m_powerDomains.begin(), m_powerDomains.end(),
+                           [&test](const auto& domain) { return test(domain->getPllCount()); });
+    };
+    const char* fault = nullptr;
+    if (m_powerDomains.empty())
+        fault = "No power domain added\n";
+    else if (m_powerDomains.size() > kDomains)
+        fault = "More than four power domain added\n";
+    else if (anyDomain([](std::size_t plls) { return plls == 0; }))
+        fault = "No PLL added to power domain\n";
+    else if (anyDomain([](std::size_t plls) { return plls > 1; }))
+        fault = "More than Two PLL added to power domain\n";
+    if (fault != nullptr) {
+        std::cout << fault;
+        return false;
+    }
+    return validateNocAndReference();
+}
+
+std::string HBSClockingAlgo4Pll::getPllNameByIndex(unsigned index) const {
+    if (index < m_pllCount)
+        return getPllNameAt(index, 0);
+    std::cout << "Index out of range\n";
+    return {};
+}
+
+bool HBSClockingAlgo4Pll::runSolution() {
+    return runLadder(kFourPllShape,
+                     [this](const StepCandidates& candidates) { return buildCombos(candidates); });
+}
+
+CombinationList HBSClockingAlgo4Pll::buildCombos(const StepCandidates& candidates) {
+    CombinationList combos = buildPairsForDomain(candidates, candidates.nocMultipliers, 0);
+    for (const unsigned domain : {2U, 3U}) {
+        // Runs, and locks the domain's tolerance, even when there is nothing to continue.
+        const std::vector<unsigned> own =
+            filterMultipliersForDomain(candidates.multipliers, candidates.bits, domain);
+        if (combos.isEmpty())
+            continue;
+        combos = own.empty() ? extendCombosForDomain(candidates, combos, domain)
+                             : appendToCombos(combos, own);
+    }
+    return combos;
+}
+
+} // namespace hbs_clocking

@@ -1,0 +1,262 @@
+// The run of the solvers with a NOC clock, and their search spread over threads.
+
+#include "clocking/HBSClockingAlgo.h"
+
+#include <algorithm>
+#include <chrono>
+#include <iostream>
+
+#include "ComMsgMgr.h"
+#include "HPAParamMgr.h"
+#include "clocking/ClockingArithmetic.h"
+#include "clocking/search/ComboSearch.h"
+#include "clocking/search/SharedExecutor.h"
+#include "clocking/search/TupleSearch.h"
+
+namespace hbs_clocking {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Up to so many combinations aren't worth a task graph.
+constexpr std::uint64_t kMaxForOneThread = 1000;
+constexpr int kMaxThreads = 8;
+/// What a PLL whose clock doesn't cross has for a cross-domain divider.
+constexpr unsigned kNoCrossing = 4;
+constexpr unsigned kTimingMask = 0x4000000;
+
+/// The peripherals that the six-PLL solver keeps off PLLs 1 and 3.
+[[nodiscard]] bool isBarredName(const std::string& name) {
+    return name == "PSM_REF_CTRL" || name == "ASU_REF_CTRL";
+}
+
+[[nodiscard]] std::vector<SearchRequest> toRequests(const std::vector<HBSPeripheral*>& enabled,
+                                                    const TreeShape& shape) {
+    std::vector<SearchRequest> requests;
+    requests.reserve(enabled.size());
+    for (const HBSPeripheral* peripheral : enabled)
+        requests.push_back({static_cast<unsigned>(peripheral->getPowerDomainIndex()),
+                            peripheral->getRequestedFreq(),
+                            shape.barsByName && isBarredName(peripheral->getName())});
+    return requests;
+}
+
+/// How a role's PLL stands in a tuple: its clock without and with the cross-domain divider.
+struct SetPll {
+    float freqMhz;
+    unsigned div;
+    unsigned cross;
+};
+
+} // namespace
+
+bool HBSClockingAlgo::runLadder(const TreeShape& shape, const ComboBuilder& buildCombos) {
+    const Clock::time_point start = Clock::now();
+    const std::vector<HBSPeripheral*> enabled = getEnabledPeripherals();
+    const std::vector<HBSPeripheral*> noc = getNocPeripherals();
+    if (noc.empty()) {
+        std::cout << "NOC Peripheral is not enabled. Kindly enable noc peripheral\n";
+        return false;
+    }
+    if (enabled.empty()) {
+        std::cout << "No peripheral enabled\n";
+        return false;
+    }
+    if (!validateConfig())
+        return false;
+    resetResults();
+    m_searchStatistics = {};
+    if (applyCachedSolution(enabled))
+        return true;
+    for (const float tolerance : kToleranceLadder) {
+        m_toleranceFactor = tolerance;
+        StepCandidates candidates;
+        if (!collectStepCandidates(enabled, noc, candidates))
+            continue;
+        const CombinationList combos = buildCombos(candidates);
+        ComboResult result;
+        if (combos.isEmpty() || !searchCombos(shape, enabled, combos, result))
+            continue;
+        m_totalRelativeError = result.total;
+        storeSolution(enabled, result.peripherals, result.plls);
+        applySolution(result.peripherals, result.plls);
+        break;
+    }
+    if (m_resultFound)
+        sendTimingMessage(enabled.size(), start);
+    return m_resultFound;
+}
+
+bool HBSClockingAlgo::validateNocAndReference() const {
+    constexpr std::int32_t nocIndex = 1;
+    if (getPowerDomainIndex("NOC_DOMAIN") != nocIndex)
+        std::cout << "NOC_DOMAIN is not added in the desired order.\n";
+    if (m_refClkFreq != 0.0F)
+        return true;
+    std::cout << "Input freq. is not set\n";
+    return false;
+}
+
+void HBSClockingAlgo::sendTimingMessage(std::size_t enabledCount, Clock::time_point start) const {
+    if (!HPAParamMgr::getParamMgr()->getValueIfExistAsBool("ybr.enableClockingComputationPrints",
+                                                           false))
+        return;
+    const auto elapsed =
+        std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
+    ComMsgMgr::sendMsg::eval(5, __FILE__, __LINE__, "hbs", kTimingMask, "@91-42@%f%d%f%f%d",
+                             m_refClkFreq, enabledCount, m_totalRelativeError, m_toleranceFactor,
+                             elapsed.count());
+}
+
+bool HBSClockingAlgo::collectStepCandidates(const std::vector<HBSPeripheral*>& enabled,
+                                            const std::vector<HBSPeripheral*>& noc,
+                                            StepCandidates& candidates) {
+    CandidateMap nocCandidates;
+    MultiplierSet nocMultipliers;
+    collectNocMultipliers(noc, nocCandidates, nocMultipliers);
+    CandidateMap candidatesByPeripheral;
+    MultiplierSet multipliers;
+    collectPeripheralMultipliers(enabled, candidatesByPeripheral, multipliers);
+    if (candidatesByPeripheral.size() != enabled.size() - noc.size())
+        return false;
+    candidates.bits = buildMultiplierBits(candidatesByPeripheral);
+    candidates.multipliers.assign(multipliers.begin(), multipliers.end());
+    candidates.nocMultipliers.assign(nocMultipliers.begin(), nocMultipliers.end());
+    return true;
+}
+
+ClkoutDivCombos HBSClockingAlgo::buildClkoutDivCombos(const TreeShape& shape,
+                                                      const Combination& combination) const {
+    ClkoutDivCombos ranges{};
+    for (unsigned pll = 0; pll < shape.pllCount; ++pll) {
+        const unsigned role = shape.roleOf(pll);
+        if (shape.boundingDomain[role] != TreeShape::kAbsent)
+            ranges[pll] =
+                DividerRange::from(computeClkoutDiv(combination[pll], shape.boundingDomain[role]));
+    }
+    return ranges;
+}
+
+bool HBSClockingAlgo::searchCombos(const TreeShape& shape,
+                                   const std::vector<HBSPeripheral*>& enabled,
+                                   const CombinationList& combos, ComboResult& result) {
+    SearchProblem problem{&shape,
+                          m_refClkFreq,
+                          m_maxCrossDomainFreq,
+                          m_toleranceFactor,
+                          toRequests(enabled, shape),
+                          {},
+                          {},
+                          combos};
+    // Clocks reach a peripheral by its domain, so one of no domain has none.
+    if (std::any_of(problem.requests.begin(), problem.requests.end(),
+                    [](const SearchRequest& request) { return request.domain >= kDomains; }))
+        return false;
+    problem.outputDividers = [this, &shape](Role role, unsigned mul) {
+        return DividerRange::from(computeClkoutDiv(mul, shape.boundingDomain[indexOf(role)]));
+    };
+    const bool hasOneNoc = getNocPeripherals().size() == 1;
+    problem.nocDivider = [this, hasOneNoc](unsigned mul) {
+        return hasOneNoc ? computeNocClkoutDiv(mul) : 1; // asking would print
+    };
+    const TupleSearch tuples(problem);
+    const ComboSearch search{shape, enabled, combos, tuples};
+
+    const std::uint64_t n = combos.size();
+    bool found = false;
+    if (n <= kMaxForOneThread)
+        found = evaluateCombos(search, 0, n, result);
+    else
+        found = searchChunks(search, result);
+    m_searchStatistics = {n, result.evaluatedTuples};
+    return found;
+}
+
+bool HBSClockingAlgo::searchChunks(const ComboSearch& search, ComboResult& result) const {
+    const int wanted = HPAParamMgr::getParamMgr()->getValueAsInt("general.maxThreads");
+    // A count below 1 makes no sense; it is taken as 1.
+    const auto threads = static_cast<unsigned>(std::clamp(wanted, 1, kMaxThreads));
+    const std::uint64_t n = search.combos.size();
+    const std::uint64_t chunk = n / threads;
+    std::vector<ComboResult> parts(threads);
+    runOnSharedExecutor("6pll_Clocking", threads, [&](unsigned i) {
+        evaluateCombos(search, i * chunk, i + 1 == threads ? n : (i + 1) * chunk, parts[i]);
+    });
+
+    float best = kWorstTotalError;
+    const ComboResult* winner = nullptr;
+    std::uint64_t evaluated = 0;
+    for (const ComboResult& part : parts) {
+        evaluated += part.evaluatedTuples;
+        if (part.peripherals.empty() || !(best > part.total))
+            continue;
+        best = part.total;
+        winner = &part;
+    }
+    if (winner != nullptr)
+        result = *winner;
+    result.evaluatedTuples = evaluated;
+    return winner != nullptr;
+}
+
+bool HBSClockingAlgo::evaluateCombos(const ComboSearch& search, std::uint64_t first,
+                                     std::uint64_t last, ComboResult& result) const {
+    if (getNocPeripherals().size() != 1)
+        complainOfNocPeripherals(search, first, last);
+    const TupleSearch::Result found = search.tuples.search(first, last);
+    result.evaluatedTuples = found.evaluatedTuples;
+    if (!found.winner)
+        return false;
+    result.total = found.winner->sum;
+    writeDecisions(search, found.winner->tuple, result);
+    return true;
+}
+
+void HBSClockingAlgo::complainOfNocPeripherals(const ComboSearch& search, std::uint64_t first,
+                                               std::uint64_t last) const {
+    // Every tuple of dividers asks for the NOC divider, and every time is told what is wrong.
+    const std::size_t crossTuples = buildCrossDivCombos().size();
+    search.combos.forEach(first, last, [&](const Combination& combination) {
+        std::size_t tuples = crossTuples;
+        for (const DividerRange& range : buildClkoutDivCombos(search.shape, combination))
+            tuples *= range.size();
+        for (std::size_t i = 0; i < tuples; ++i)
+            static_cast<void>(computeNocClkoutDiv(combination[1]));
+    });
+}
+
+void HBSClockingAlgo::writeDecisions(const ComboSearch& search, const Tuple& tuple,
+                                     ComboResult& result) const {
+    std::array<SetPll, kRoles> plls{};
+    const bool hasOneNoc = getNocPeripherals().size() == 1;
+    for (unsigned pll = 0; pll < search.shape.pllCount; ++pll) {
+        const unsigned roleIndex = search.shape.roleOf(pll);
+        const auto role = static_cast<Role>(roleIndex);
+        const unsigned mul = tuple.muls[roleIndex];
+        unsigned div = tuple.div(role);
+        if (role == Role::Noc)
+            div = hasOneNoc ? computeNocClkoutDiv(mul) : 1;
+        const float freqMhz = static_cast<float>(mul) * m_refClkFreq / static_cast<float>(div);
+        const bool crosses = roleIndex < tuple.crossesBelow4.size();
+        plls[roleIndex] = {freqMhz, div, crosses ? tuple.cross(role) : kNoCrossing};
+        result.plls[getPllNameByIndex(pll)] = {mul, div, plls[roleIndex].cross};
+    }
+    for (HBSPeripheral* peripheral : search.enabled) {
+        const auto domain = static_cast<unsigned>(peripheral->getPowerDomainIndex());
+        std::vector<ClockSlot> slots(search.shape.pllCount);
+        for (unsigned pll = 0; pll < slots.size(); ++pll) {
+            const unsigned role = search.shape.roleOf(pll);
+            const auto& [freqMhz, div, cross] = plls[role];
+            const Reach reach = search.shape.reach[domain][role];
+            if (reach == Reach::Direct)
+                slots[pll] = {freqMhz, div};
+            else if (reach == Reach::Across)
+                slots[pll] = {freqMhz / static_cast<float>(cross), div};
+        }
+        static_cast<void>(findBestDividerInSlots(slots, peripheral->getRequestedFreq(),
+                                                 result.peripherals[peripheral]));
+    }
+}
+
+} // namespace hbs_clocking

@@ -1,0 +1,15 @@
+// The worker threads that all clock searches of the process share.
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace hbs_clocking {
+
+/// Runs `task(0)` to `task(count - 1)` as one named graph without edges and waits for all of them.
+/// The pool, made at first use with as many workers as the machine has threads, is replaced by one
+/// of `count` workers when it has another number and nothing in flight. One caller at a time.
+void runOnSharedExecutor(const std::string& name, unsigned count,
+                         const std::function<void(unsigned)>& task);
+
+} // namespace hbs_clocking
