@@ -38,7 +38,6 @@ constexpr std::array kRound = {25.0F,  33.333F, 50.0F,  66.667F, 100.0F, 125.0F,
 constexpr std::array kOdd = {0.0F, 1e-3F, 1e-9F, 2500.0F, 1e9F, 24.576F};
 constexpr std::array kLimits = {400.0F, 800.0F, 1000.0F, 1200.0F, 1600.0F, 2000.0F, 3000.0F};
 constexpr std::array kCrossLimits = {250.0F, 500.0F, 800.0F, 1000.0F, 1600.0F};
-constexpr std::array kNocRequests = {1000.0F, 800.0F, 960.0F, 600.0F, 900.0F};
 constexpr std::array kOddNocRequests = {333.0F, 1200.0F, 0.0F, 9000.0F, 720.0F};
 constexpr std::array kAllowed = {0.0F, 0.05F, 1.0F, 30.0F};
 
@@ -46,7 +45,7 @@ float requestOf(Dice& dice, Kind kind) {
     const float uneven = std::exp(dice.between(std::log(5.0F), std::log(800.0F)));
     switch (kind) {
     case Kind::Odd:
-        return dice.oneIn(8) ? dice.pick(kOdd) : dice.oneIn(2) ? uneven : dice.pick(kRound);
+        return dice.oneIn(20) ? dice.pick(kOdd) : dice.oneIn(2) ? uneven : dice.pick(kRound);
     case Kind::Plain:
     case Kind::Rings:
         return dice.oneIn(2) ? uneven : dice.pick(kRound);
@@ -55,10 +54,17 @@ float requestOf(Dice& dice, Kind kind) {
     }
 }
 
+/// Mostly what some multiplier gives exactly; else the search has nothing to begin with.
+float nocRequestOf(Dice& dice, float refMhz) {
+    const unsigned lowest = static_cast<unsigned>(std::ceil(2160.0F / refMhz));
+    const float mul = static_cast<float>(lowest + dice.below(lowest));
+    return refMhz * mul / dice.pick(std::array{1.0F, 2.0F, 4.0F});
+}
+
 void addDomains(reference46::Tree& tree, Dice& dice, bool sixPlls, Kind kind) {
     for (const char* name : {"LOW", "NOC_DOMAIN", "MID", "HIGH"}) {
         const bool two = sixPlls && tree.domains.size() >= 2;
-        const bool plain = kind == Kind::Ordinary || kind == Kind::Plain;
+        const bool plain = kind == Kind::Plain;
         tree.domains.push_back({name, {plain ? 2000.0F : dice.pick(kLimits)}});
         if (two)
             tree.domains.back().pllLimitsMhz.push_back(dice.pick(kLimits));
@@ -76,13 +82,14 @@ int domainOf(Dice& dice, unsigned emptyDomain) {
 reference46::Tree generate(unsigned seed, bool sixPlls, unsigned peripherals, Kind kind) {
     Dice dice(seed * 2 + (sixPlls ? 1 : 0));
     reference46::Tree tree;
-    if (kind != Kind::Ordinary && kind != Kind::Plain) {
+    if (kind != Kind::Plain) {
+        // High references have few multipliers, which keeps the literal search short.
         tree.refMhz = dice.oneIn(3) ? dice.between(10.0F, 200.0F) : dice.pick(kReferences);
         tree.maxCrossMhz = dice.pick(kCrossLimits);
     }
     addDomains(tree, dice, sixPlls, kind);
     const bool odd = kind == Kind::Odd;
-    tree.peripherals.push_back({"NOC", 1, dice.pick(kNocRequests), true, true});
+    tree.peripherals.push_back({"NOC", 1, nocRequestOf(dice, tree.refMhz), true, true});
     if (odd && dice.oneIn(4))
         tree.peripherals[0].requestMhz = dice.pick(kOddNocRequests);
     const unsigned emptyDomain = odd ? dice.below(6) : 3;
@@ -93,7 +100,7 @@ reference46::Tree generate(unsigned seed, bool sixPlls, unsigned peripherals, Ki
         if (odd && dice.oneIn(12))
             peripheral.name = dice.oneIn(2) ? "PSM_REF_CTRL" : "ASU_REF_CTRL";
         peripheral.enabled = !odd || !dice.oneIn(8);
-        if (odd && dice.oneIn(12))
+        if (odd && dice.oneIn(40))
             peripheral.allowedPercent = dice.pick(kAllowed);
         tree.peripherals.push_back(peripheral);
     }
