@@ -6,6 +6,8 @@
 
 #include "clocking/HBSClockingAlgo1Pll.h"
 #include "clocking/HBSClockingAlgo2Pll.h"
+#include "clocking/HBSClockingAlgo4Pll.h"
+#include "clocking/HBSClockingAlgo6Pll.h"
 
 namespace host {
 
@@ -30,15 +32,33 @@ public:
             tree.domains.push_back(domain(node));
         for (const JsonNode& node : m_file.array(m_file.require(root, "peripherals")))
             tree.peripherals.push_back(peripheral(node));
+        if (tree.pllCount > 2)
+            expectNoc(root, tree);
         return tree;
     }
 
 private:
     [[nodiscard]] unsigned kind(const JsonNode& node) const {
         const double count = m_file.number(node);
-        if (count != 1.0 && count != 2.0)
-            m_file.fail(node.offset, "expected 1 or 2, the number of PLLs of the solver");
+        if (count != 1.0 && count != 2.0 && count != 4.0 && count != 6.0)
+            m_file.fail(node.offset, "expected 1, 2, 4 or 6, the number of PLLs of the solver");
         return static_cast<unsigned>(count);
+    }
+
+    /// What the library leaves to its caller for the larger trees.
+    void expectNoc(const JsonNode& root, const ClockTree& tree) const {
+        if (tree.domains.size() != 4)
+            m_file.fail(m_file.require(root, "domains").offset, "expected four domains");
+        if (tree.domains[1].name != "NOC_DOMAIN")
+            m_file.fail(m_file.require(root, "domains").offset,
+                        "expected the second domain to be named \"NOC_DOMAIN\"");
+        const auto noc =
+            std::count_if(tree.peripherals.begin(), tree.peripherals.end(),
+                          [](const ClockTree::Peripheral& p) { return p.enabled && p.noc; });
+        if (noc != 1)
+            m_file.fail(m_file.require(root, "peripherals").offset,
+                        "expected one enabled peripheral with \"noc\": true, found " +
+                            std::to_string(noc));
     }
 
     ClockTree::Domain domain(const JsonNode& node) {
@@ -114,18 +134,42 @@ private:
     std::set<std::string> m_peripheralNames;
 };
 
+/// A solver that says when a step begins: each collects the NOC multipliers first.
+template <class Solver>
+class Observed : public Solver {
+public:
+    explicit Observed(StepObserver observer) : Solver("tree"), m_observer(std::move(observer)) {}
+
+protected:
+    void collectNocMultipliers(const std::vector<hbs_clocking::HBSPeripheral*>& peripherals,
+                               hbs_clocking::CandidateMap& candidatesByPeripheral,
+                               hbs_clocking::MultiplierSet& allMultipliers) override {
+        if (m_observer)
+            m_observer(this->getToleranceFector());
+        Solver::collectNocMultipliers(peripherals, candidatesByPeripheral, allMultipliers);
+    }
+
+private:
+    StepObserver m_observer;
+};
+
 } // namespace
 
 ClockTree readClockTree(const JsonFile& file) {
     return ClockTreeReader(file).read();
 }
 
-std::unique_ptr<hbs_clocking::HBSClockingAlgo> buildClockSolver(const ClockTree& tree) {
+std::unique_ptr<hbs_clocking::HBSClockingAlgo> buildClockSolver(const ClockTree& tree,
+                                                                const StepObserver& observer) {
     std::unique_ptr<hbs_clocking::HBSClockingAlgo> solver;
     if (tree.pllCount == 1)
         solver = std::make_unique<hbs_clocking::HBSClockingAlgo1Pll>("tree");
-    else
+    else if (tree.pllCount == 2)
         solver = std::make_unique<hbs_clocking::HBSClockingAlgo2Pll>("tree");
+    else if (tree.pllCount == 4)
+        solver = std::make_unique<Observed<hbs_clocking::HBSClockingAlgo4Pll>>(observer);
+    else
+        solver = std::make_unique<Observed<hbs_clocking::HBSClockingAlgo6Pll>>(observer);
     solver->setRefClkFreq(tree.referenceMhz);
     solver->setMaxCrossDomainFreq(tree.maxCrossMhz);
     solver->setAllowCrossDomain(tree.allowCrossDomain);

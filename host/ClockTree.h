@@ -1,6 +1,7 @@
 // Clock tree files: what they hold, how they are read, and the solver built from one.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,7 +14,7 @@ namespace host {
 /// A clock tree file, checked as far as the file alone allows. In JSON:
 ///
 ///     {
-///       "plls": 2,                  // of the solver: 1 or 2
+///       "plls": 2,                  // of the solver: 1, 2, 4 or 6
 ///       "reference_mhz": 33.333,
 ///       "max_cross_mhz": 1000,      // the rest of these four have the library's defaults
 ///       "allow_cross_domain": false,
@@ -28,8 +29,9 @@ namespace host {
 ///       ]
 ///     }
 ///
-/// Domains stand in the order that the solver expects. Names are unique within their list, and not
-/// empty.
+/// Domains stand in the order that the solver expects; trees of 4 and 6 PLLs have four of them, the
+/// second named "NOC_DOMAIN", and one enabled peripheral marked "noc". Names are unique within
+/// their list, and not empty.
 struct ClockTree {
     struct Pll {
         std::string name;
@@ -60,8 +62,11 @@ struct ClockTree {
 /// Raises `BadInput` with the place of what can't be used.
 [[nodiscard]] ClockTree readClockTree(const JsonFile& file);
 
+/// Called with the tolerance when a search of four or six PLLs goes on to a step.
+using StepObserver = std::function<void(float)>;
+
 /// The solver of the tree's kind, with all that the tree holds. Lists keep their order.
 [[nodiscard]] std::unique_ptr<hbs_clocking::HBSClockingAlgo>
-buildClockSolver(const ClockTree& tree);
+buildClockSolver(const ClockTree& tree, const StepObserver& observer = {});
 
 } // namespace host

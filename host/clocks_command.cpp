@@ -1,8 +1,13 @@
 // hbs clocks: solves a clock tree file.
 
+#include <unistd.h>
+
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <sstream>
+
+#include "HPAParamMgr.h"
 
 #include "host/ClockTree.h"
 #include "host/Command.h"
@@ -15,7 +20,23 @@ namespace {
 struct Options {
     std::string path;
     bool json = false;
+    bool explain = false;
+    int threads = 0; ///< 0 leaves the library's number
+    std::string picturePath;
 };
+
+/// Shows a waiting person where the search is.
+void announceStep(float tolerance) {
+    std::cerr << "hbs: searching at tolerance " << tolerance << '\n';
+}
+
+void writePicture(const std::string& path, const ClockReport& report, float referenceMhz) {
+    std::ofstream file(path);
+    printClockPicture(report, referenceMhz, file);
+    file.close();
+    if (!file)
+        throw BadInput(path + ": can't be written");
+}
 
 /// Collects what the library says on standard output, so that the output stays the report's.
 class LibraryTexts {
@@ -47,7 +68,12 @@ void validate(const JsonFile& file, const hbs_clocking::HBSClockingAlgo& solver)
 int solve(const Options& options) {
     const JsonFile file = JsonFile::read(options.path);
     const ClockTree tree = readClockTree(file);
-    const auto solver = buildClockSolver(tree);
+    if (options.threads > 0)
+        HPAParamMgr::getParamMgr()->setValue("general.maxThreads", std::to_string(options.threads));
+    StepObserver observer;
+    if (isatty(STDERR_FILENO) != 0)
+        observer = announceStep;
+    const auto solver = buildClockSolver(tree, observer);
     validate(file, *solver);
     std::string said;
     {
@@ -57,11 +83,17 @@ int solve(const Options& options) {
     }
     if (!said.empty())
         std::cerr << "hbs: " << said << '\n';
-    const ClockReport report = makeClockReport(tree, *solver);
+    ClockReport report = makeClockReport(tree, *solver);
+    if (options.explain) {
+        const hbs_clocking::SearchStatistics& statistics = solver->getSearchStatistics();
+        report.search = {statistics.combinations, statistics.evaluatedTuples};
+    }
     if (options.json)
         printClockJson(report, std::cout);
     else
         printClockTables(report, std::cout);
+    if (report.found && !options.picturePath.empty())
+        writePicture(options.picturePath, report, tree.referenceMhz);
     return report.found ? kSuccess : kNoResult;
 }
 
@@ -72,6 +104,11 @@ void declareClocks(CLI::App& app, int& status) {
     const auto options = std::make_shared<Options>();
     word->add_option("TREE.json", options->path, "The clock tree")->required();
     word->add_flag("--json", options->json, "Prints the result for programs");
+    word->add_flag("--explain", options->explain,
+                   "Says how many combinations there were and how many were looked at");
+    word->add_option("--threads", options->threads, "Threads for trees of four and six PLLs")
+        ->check(CLI::Range(1, 1024));
+    word->add_option("--svg", options->picturePath, "Draws the solved tree into a file");
     word->callback([options, &status] { status = solve(*options); });
 }
 

@@ -33,6 +33,12 @@ private:
     void writeSolution(const ClockReport& report) {
         number("tolerance", report.tolerance);
         number("sum_of_relative_errors", report.totalError);
+        if (report.search) {
+            key("search").StartObject();
+            key("combinations").Uint64(report.search->combinations);
+            key("settings_looked_at").Uint64(report.search->evaluated);
+            m_json.EndObject();
+        }
         writeList("plls", report.plls);
         writeList("peripherals", report.peripherals);
     }

@@ -89,6 +89,25 @@ void printAlone(const ClockReport& report, std::ostream& out) {
     table.print(out);
 }
 
+/// A count with its thousands apart.
+[[nodiscard]] std::string countText(std::uint64_t count) {
+    std::string digits = std::to_string(count);
+    for (std::size_t place = digits.size(); place > 3; place -= 3)
+        digits.insert(place - 3, 1, ' ');
+    return digits;
+}
+
+void printSearch(const ClockReport::Search& search, std::ostream& out) {
+    if (search.combinations == 0) {
+        out << "Every combination of multipliers was tried.\n";
+        return;
+    }
+    out << "That step had " << countText(search.combinations)
+        << " combinations of multipliers, each with up to 15 552 settings of the dividers.\n"
+        << countText(search.evaluated)
+        << " settings were looked at; the rest was proven to be worse.\n";
+}
+
 } // namespace
 
 void printClockTables(const ClockReport& report, std::ostream& out) {
@@ -110,6 +129,8 @@ void printClockTables(const ClockReport& report, std::ostream& out) {
     if (std::any_of(report.peripherals.begin(), report.peripherals.end(),
                     [](const auto& line) { return line.divider == kLargestDivider; }))
         out << "A divider of " << kLargestDivider << ", the largest, counts as no error.\n";
+    if (report.search)
+        printSearch(*report.search, out);
 }
 
 } // namespace host

@@ -1,6 +1,7 @@
 // What `hbs clocks` reports of a run: collected once, printed for people or for programs.
 #pragma once
 
+#include <cstdint>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -38,7 +39,14 @@ struct ClockReport {
         bool allowed = false;              ///< whether it is within the peripheral's allowed error
     };
 
+    /// How a larger tree was searched.
+    struct Search {
+        std::uint64_t combinations = 0;
+        std::uint64_t evaluated = 0;
+    };
+
     bool found = false;
+    std::optional<Search> search; ///< when it was asked for
     float tolerance = 0.0F;
     float totalError = 0.0F;
     std::vector<Pll> plls;
@@ -54,5 +62,7 @@ struct ClockReport {
 void printClockTables(const ClockReport& report, std::ostream& out);
 /// The same as one JSON object.
 void printClockJson(const ClockReport& report, std::ostream& out);
+/// The tree with its dividers and frequencies as an SVG document; for a solved one.
+void printClockPicture(const ClockReport& report, float referenceMhz, std::ostream& out);
 
 } // namespace host

@@ -1,5 +1,6 @@
 #!/bin/sh
-# Clock trees: one that fits at the first tolerance, one that loosens, one that can't be solved.
+# Clock trees: one that fits at the first tolerance, one that loosens, one of six PLLs with its
+# picture, one that can't be solved.
 set -eu
 trees=examples/clocks
 
@@ -8,6 +9,10 @@ hbs clocks "$trees/serial_buses.json"
 echo
 echo "\$ hbs clocks $trees/vehicle_gateway.json"
 hbs clocks "$trees/vehicle_gateway.json"
+echo
+mkdir -p build/demo
+echo "\$ hbs clocks $trees/programmable_soc.json --explain --svg build/demo/clocks.svg"
+hbs clocks "$trees/programmable_soc.json" --explain --svg build/demo/clocks.svg
 echo
 echo "\$ hbs clocks $trees/video_recorder.json"
 hbs clocks "$trees/video_recorder.json" || echo "(exit status $?)"
