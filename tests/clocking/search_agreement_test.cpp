@@ -56,7 +56,6 @@ INSTANTIATE_TEST_SUITE_P(, LiteralSearch,
                                          Family{"Ordinary", false, Kind::Ordinary, 4, 16},
                                          Family{"Ordinary", true, Kind::Ordinary, 6, 24},
                                          Family{"NearTies", false, Kind::NearTies, 3, 10},
-                                         Family{"NearTies", true, Kind::NearTies, 4, 12},
                                          Family{"Rings", false, Kind::Rings, 4, 12},
                                          Family{"Rings", true, Kind::Rings, 8, 24}));
 
