@@ -43,15 +43,16 @@ public:
 
     /// Sets the dict of all registers, then one variable per register.
     bool setRegisters(const std::vector<HABMRegister*>& registers, const std::string& place) {
-        std::string dict = "variable " + place + "::registers [dict create ";
+        const std::string variable = "variable " + place + "::";
+        std::string dict = variable + "registers [dict create ";
         std::string variables;
         for (HABMRegister* reg : registers) {
             const std::string& name = reg->getName();
             if (!canHold(name, standsAsBracketedWord(name)))
                 return false;
             const std::string value = reg->getValue().getPrettyHexStringValue(0);
-            dict += name + " " + value + " ";
-            variables += "variable " + place + "::" + name + " " + value + "\n";
+            dict.append(name).append(" ").append(value).append(" ");
+            variables.append(variable).append(name).append(" ").append(value).append("\n");
         }
         return run(dict + "]") && run(variables);
     }

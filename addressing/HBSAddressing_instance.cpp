@@ -110,7 +110,7 @@ void prune(HABMBlock& instance) {
 
 std::unique_ptr<HABMBlock> HBSAddressing::createSubsystemInstance(const HABMBlock& definition,
                                                                   const HABMBlock& config) {
-    const std::string module = config.getModuleName();
+    const std::string& module = config.getModuleName();
     writeDebugBlock(module + "_hbs_config.bmj", config);
     std::unique_ptr<HABMBlock> instance = HABMBlock::cloneTopBlock(definition);
     if (!instance)

@@ -17,6 +17,7 @@ std::string parameter(const HABMBlock& block, const std::string& name) {
 template <class Objects, class Name>
 std::vector<std::string> names(const Objects& objects, Name name) {
     std::vector<std::string> result;
+    result.reserve(objects.size());
     for (const auto* object : objects)
         result.push_back((object->*name)());
     return result;
