@@ -60,13 +60,14 @@ std::vector<std::string> scriptsFor(int blocks) {
     for (int b = 0; b < blocks; ++b) {
         const std::string place = "::u" + std::to_string(b);
         scripts.push_back("namespace eval " + place + " {}");
-        std::string dict = "variable " + place + "::registers [dict create ";
+        const std::string variable = "variable " + place + "::";
+        std::string dict = variable + "registers [dict create ";
         std::string variables;
         for (int r = 0; r < kRegistersPerBlock; ++r) {
             const std::string name = "R" + std::to_string(r);
             const std::string value = HABMAddrValue(std::to_string(r)).getPrettyHexStringValue(0);
-            dict += name + " " + value + " ";
-            variables += "variable " + place + "::" + name + " " + value + "\n";
+            dict.append(name).append(" ").append(value).append(" ");
+            variables.append(variable).append(name).append(" ").append(value).append("\n");
         }
         scripts.push_back(dict + "]");
         scripts.push_back(variables);
