@@ -1,11 +1,11 @@
 #include "handoff/HWHDesignParams.h"
 
-#include <clocale>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <set>
 #include <utility>
+
+#include "HSTStringUtils.h"
 
 namespace hwh {
 
@@ -39,10 +39,9 @@ void parseTclPairs(const std::string& prefix, std::string_view text, HWHTextMap&
 }
 
 std::string scaledToHz(const std::string& megahertz) {
-    static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
     constexpr double kHzPerMhz = 1000000.0;
     constexpr double kLimit = 9223372036854775808.0; // 2 to the power of 63
-    const double hertz = std::trunc(strtod_l(megahertz.c_str(), nullptr, classic) * kHzPerMhz);
+    const double hertz = std::trunc(HSTStringUtils::to_double(megahertz) * kHzPerMhz);
     // Written so that NaN fails as well.
     if (!(hertz >= -kLimit && hertz < kLimit))
         return "0";

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "host/Table.h"
+
 namespace host {
 
 /// Exit statuses of the program.
@@ -16,10 +18,10 @@ enum ExitStatus {
 };
 
 /// A file or a command line that can't be used; the text names the file, the line and the column
-/// where there are any, and what was expected.
+/// where there are any, and what was expected. Text of others in it can't steer a terminal.
 class BadInput : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit BadInput(const std::string& text) : std::runtime_error(printable(text)) {}
 };
 
 // Each declares its word with its options on `app`. The word's callback does the work, leaves the

@@ -1,13 +1,13 @@
 #include "host/JsonTree.h"
 
 #include <algorithm>
-#include <charconv>
+#include <array>
 #include <cstdint>
 #include <fstream>
-#include <iterator>
-#include <limits>
+#include <set>
 #include <utility>
 
+#include "HSTStringUtils.h"
 #include "rapidjson_headers.h"
 
 namespace host {
@@ -59,9 +59,7 @@ public:
     bool RawNumber(const char* text, rapidjson::SizeType length, bool) {
         scalar(JsonNode::Kind::Number, m_stream.Tell() - length);
         m_last->text.assign(text, length);
-        const auto [end, error] = std::from_chars(text, text + length, m_last->number);
-        if (error == std::errc::result_out_of_range)
-            m_last->number = outOfRangeValue(m_last->text);
+        m_last->number = HSTStringUtils::to_double(m_last->text);
         return true;
     }
     bool String(const char* text, rapidjson::SizeType length, bool) {
@@ -118,14 +116,6 @@ private:
             ++backslashes;
         return backslashes % 2 == 1;
     }
-    /// What a number becomes that a double can't hold: infinite if it is too large, else zero.
-    static double outOfRangeValue(const std::string& text) {
-        const bool tiny =
-            text.find("e-") != std::string::npos || text.find("E-") != std::string::npos;
-        const double magnitude = tiny ? 0.0 : std::numeric_limits<double>::infinity();
-        return text.front() == '-' ? -magnitude : magnitude;
-    }
-
     std::string_view m_content;
     const Stream& m_stream;
     JsonNode& m_root;
@@ -144,9 +134,16 @@ const JsonNode* JsonNode::find(std::string_view name) const {
 
 JsonFile JsonFile::read(const std::string& path) {
     std::ifstream stream(path, std::ios::binary);
-    std::string content((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    std::string content;
+    std::array<char, 1 << 16> chunk;
+    while (stream.read(chunk.data(), chunk.size()) || stream.gcount() > 0) {
+        content.append(chunk.data(), static_cast<std::size_t>(stream.gcount()));
+        if (content.size() > kMostBytes)
+            throw BadInput(path + ": the file is larger than " + std::to_string(kMostBytes) +
+                           " bytes");
+    }
     if (!stream.is_open() || stream.bad())
-        throw BadInput(path + ": the file can't be read");
+        throw BadInput("'" + path + "': the file can't be read");
     return parse(path, std::move(content));
 }
 
@@ -184,7 +181,10 @@ void JsonFile::fail(std::size_t offset, const std::string& what) const {
 
 void JsonFile::expectKeys(const JsonNode& object,
                           std::initializer_list<std::string_view> known) const {
+    std::set<std::string_view> seen;
     for (const auto& member : this->object(object)) {
+        if (!seen.insert(member.name).second)
+            fail(member.offset, "the key \"" + member.name + "\" stands here a second time");
         if (std::find(known.begin(), known.end(), member.name) != known.end())
             continue;
         std::string list;

@@ -36,7 +36,8 @@ struct JsonNode::Member {
     JsonNode value;
 };
 
-/// A JSON file held whole. Reads UTF-8 with at most `kMostLevels` levels of nesting.
+/// A JSON file held whole. Reads UTF-8 of at most `kMostBytes` with at most `kMostLevels` levels
+/// of nesting.
 ///
 ///     JsonFile file = JsonFile::read("tree.json");
 ///     file.expectKeys(file.root(), {"reference_mhz", "domains"});
@@ -46,6 +47,7 @@ struct JsonNode::Member {
 class JsonFile {
 public:
     static constexpr int kMostLevels = 200;
+    static constexpr std::size_t kMostBytes = std::size_t{256} << 20U;
 
     static JsonFile read(const std::string& path);
     static JsonFile parse(std::string path, std::string content);
@@ -58,7 +60,8 @@ public:
     /// "FILE:LINE:COLUMN" of a byte; both count from 1, columns in bytes.
     [[nodiscard]] std::string place(std::size_t offset) const;
 
-    /// Complains of the first member that isn't among `known`, naming those that are.
+    /// Complains of the first member that isn't among `known`, naming those that are, or that
+    /// stands twice.
     void expectKeys(const JsonNode& object, std::initializer_list<std::string_view> known) const;
     /// The member, or a complaint that it is missing.
     [[nodiscard]] const JsonNode& require(const JsonNode& object, std::string_view name) const;

@@ -3,6 +3,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace host {
@@ -23,7 +24,7 @@ public:
 
     explicit Table(std::vector<Column> columns);
 
-    /// Missing cells are blank, cells too many are dropped.
+    /// Missing cells are blank, cells too many are dropped, control characters are made visible.
     void addRow(std::vector<std::string> cells);
     [[nodiscard]] bool empty() const { return m_rows.empty(); }
     /// Columns are two blanks apart; widths count UTF-8 characters; no line ends in a blank.
@@ -33,6 +34,9 @@ private:
     std::vector<Column> m_columns;
     std::vector<std::vector<std::string>> m_rows;
 };
+
+/// The text with each control character (line ends too) as "\xNN".
+[[nodiscard]] std::string printable(std::string_view text);
 
 /// A number with a fixed count of decimals, with "." whatever the locale is.
 [[nodiscard]] std::string fixedText(double value, int decimals);

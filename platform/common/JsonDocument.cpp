@@ -4,29 +4,17 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
-#include <limits>
 #include <new>
+#include <string>
 #include <string_view>
 #include <system_error>
 #include <vector>
 
+#include "HSTStringUtils.h"
+
 namespace {
 
 using Document = rapidjson::GenericDocument<rapidjson::UTF8<>, JsonPool, JsonAllocator>;
-
-/// What a number becomes that a double can't hold.
-double outOfRangeValue(std::string_view text) {
-    const std::size_t exponent = text.find_first_of("eE");
-    const bool tiny = exponent != std::string_view::npos && text[exponent + 1] == '-';
-    const double magnitude = tiny ? 0.0 : std::numeric_limits<double>::infinity();
-    return text.front() == '-' ? -magnitude : magnitude;
-}
-
-double toDouble(std::string_view text) {
-    double value = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    return result.ec == std::errc::result_out_of_range ? outOfRangeValue(text) : value;
-}
 
 template <class Integer>
 bool fits(std::string_view text, Integer& value) {
@@ -56,7 +44,7 @@ public:
             return m_document.Uint64(positive);
         if (fits(number, negative))
             return m_document.Int64(negative);
-        return m_document.Double(toDouble(number));
+        return m_document.Double(HSTStringUtils::to_double(std::string(number)));
     }
     bool String(const char* text, rapidjson::SizeType length, bool copy) {
         return m_document.String(text, length, copy);

@@ -30,9 +30,9 @@ using JsonValue = rapidjson::GenericValue<rapidjson::UTF8<>, JsonPool>;
 ///
 /// Three things differ from a plain document. Values nested deeper than `kMostLevels` are a parse
 /// error (`kParseErrorTermination`), as a plain parse would run out of stack. Numbers with a
-/// fraction or an exponent are read with `std::from_chars`, as RapidJSON's own arithmetic overflows
-/// on extreme exponents; what a double can't hold becomes infinite or zero. Exhausted memory raises
-/// `std::bad_alloc`.
+/// fraction or an exponent are read with the C library's conversion, as RapidJSON's own arithmetic
+/// overflows on extreme exponents; what a double can't hold becomes infinite or zero. Exhausted
+/// memory raises `std::bad_alloc`.
 class TQ_EXPORT JsonDocument
     : public rapidjson::GenericDocument<rapidjson::UTF8<>, JsonPool, JsonAllocator> {
 public:

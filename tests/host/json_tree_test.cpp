@@ -45,18 +45,42 @@ TEST_P(JsonComplaints, NameThePlace) {
 
 INSTANTIATE_TEST_SUITE_P(
     Files, JsonComplaints,
-    testing::Values(Complaint{"", "f:1:1: The document is empty."},
-                    Complaint{"{\n\"k\" 1}",
-                              "f:2:5: Missing a colon after a name of object member."},
-                    Complaint{"{\"k\":\n \"1\"}", "f:2:2: expected a number, found a text"},
-                    Complaint{"{\"m\":1}", "f:1:2: unknown key \"m\", expected one of: k, l"},
-                    Complaint{" {}", "f:1:2: the key \"k\" is missing"},
-                    Complaint{"[]", "f:1:1: expected an object, found an array"}));
+    testing::Values(
+        Complaint{"", "f:1:1: The document is empty."},
+        Complaint{"{\n\"k\" 1}", "f:2:5: Missing a colon after a name of object member."},
+        Complaint{"{\"k\":\n \"1\"}", "f:2:2: expected a number, found a text"},
+        Complaint{"{\"m\":1}", "f:1:2: unknown key \"m\", expected one of: k, l"},
+        Complaint{"{\"k\":1,\n\"k\":2}", "f:2:1: the key \"k\" stands here a second time"},
+        Complaint{"{\"\\u001b[\":1}", "f:1:2: unknown key \"\\x1B[\", expected one of: k, l"},
+        Complaint{" {}", "f:1:2: the key \"k\" is missing"},
+        Complaint{"[]", "f:1:1: expected an object, found an array"}));
 
 TEST(JsonTree, RefusesWhatIsNestedTooDeep) {
     EXPECT_NO_THROW(JsonFile::parse("f", std::string(200, '[') + std::string(200, ']')));
     support::expectThrows<host::BadInput>("f:1:201: nested deeper than 200 levels",
                                           [] { JsonFile::parse("f", std::string(1000000, '[')); });
+}
+
+TEST(JsonTree, ReadsNumbersTooSmallForADoubleAndRefusesTooLarge) {
+    const std::string tiny = "0." + std::string(400, '0') + "1";
+    const JsonFile file = JsonFile::parse("f", "[1e-999, -1.5, " + tiny + "]");
+    const auto& items = file.array(file.root());
+    EXPECT_EQ(0.0, file.number(items[0]));
+    EXPECT_EQ(-1.5, file.number(items[1]));
+    EXPECT_EQ(0.0, file.number(items[2]));
+    EXPECT_THROW(JsonFile::parse("f", "[1e999]"), host::BadInput);
+}
+
+TEST(JsonTree, NamesTheFileThatCantBeRead) {
+    for (const char* path : {"/tmp", "/nowhere", ""})
+        support::expectThrows<host::BadInput>("'" + std::string(path) + "': the file can't be read",
+                                              [&] { JsonFile::read(path); });
+}
+
+TEST(Program, FailsWhenItsOutputCantBeWritten) {
+    const auto result = support::run(HBS_PROGRAM " --version >/dev/full");
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ("hbs: the output can't be written\n", result.error);
 }
 
 TEST(Table, AlignsByCharactersAndNumbersKeepThePoint) {
