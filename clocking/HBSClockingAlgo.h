@@ -278,7 +278,7 @@ private:
     [[nodiscard]] bool collectStepCandidates(const std::vector<HBSPeripheral*>& enabled,
                                              const std::vector<HBSPeripheral*>& noc,
                                              StepCandidates& candidates);
-    [[nodiscard]] bool searchChunks(const ComboSearch& search, ComboResult& result) const;
+    [[nodiscard]] bool searchChunks(ComboSearch search, ComboResult& result) const;
     void complainOfNocPeripherals(const ComboSearch& search, std::uint64_t first,
                                   std::uint64_t last) const;
     void writeDecisions(const ComboSearch& search, const Tuple& tuple, ComboResult& result) const;

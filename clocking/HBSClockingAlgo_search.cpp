@@ -161,7 +161,7 @@ bool HBSClockingAlgo::searchCombos(const TreeShape& shape,
         return hasOneNoc ? computeNocClkoutDiv(mul) : 1; // asking would print
     };
     const TupleSearch tuples(problem);
-    const ComboSearch search{shape, enabled, combos, tuples};
+    const ComboSearch search{shape, enabled, combos, tuples, tuples.knownSum(), true};
 
     const std::uint64_t n = combos.size();
     bool found = false;
@@ -173,11 +173,18 @@ bool HBSClockingAlgo::searchCombos(const TreeShape& shape,
     return found;
 }
 
-bool HBSClockingAlgo::searchChunks(const ComboSearch& search, ComboResult& result) const {
+bool HBSClockingAlgo::searchChunks(ComboSearch search, ComboResult& result) const {
+    const std::uint64_t n = search.combos.size();
+    // A chunk without a good combination would take long to find its own best, which doesn't count.
+    // The best of all, found first, cuts that short.
+    const TupleSearch::Result ahead = search.tuples.search(0, n, search.knownSum);
+    if (ahead.winner)
+        search.knownSum = static_cast<double>(ahead.winner->sum);
+    else
+        search.isSolvable = false;
     const int wanted = HPAParamMgr::getParamMgr()->getValueAsInt("general.maxThreads");
     // A count below 1 makes no sense; it is taken as 1.
     const auto threads = static_cast<unsigned>(std::clamp(wanted, 1, kMaxThreads));
-    const std::uint64_t n = search.combos.size();
     const std::uint64_t chunk = n / threads;
     std::vector<ComboResult> parts(threads);
     runOnSharedExecutor("6pll_Clocking", threads, [&](unsigned i) {
@@ -186,7 +193,7 @@ bool HBSClockingAlgo::searchChunks(const ComboSearch& search, ComboResult& resul
 
     float best = kWorstTotalError;
     const ComboResult* winner = nullptr;
-    std::uint64_t evaluated = 0;
+    std::uint64_t evaluated = ahead.evaluatedTuples;
     for (const ComboResult& part : parts) {
         evaluated += part.evaluatedTuples;
         if (part.peripherals.empty() || !(best > part.total))
@@ -204,7 +211,9 @@ bool HBSClockingAlgo::evaluateCombos(const ComboSearch& search, std::uint64_t fi
                                      std::uint64_t last, ComboResult& result) const {
     if (getNocPeripherals().size() != 1)
         complainOfNocPeripherals(search, first, last);
-    const TupleSearch::Result found = search.tuples.search(first, last);
+    if (!search.isSolvable)
+        return false;
+    const TupleSearch::Result found = search.tuples.search(first, last, search.knownSum);
     result.evaluatedTuples = found.evaluatedTuples;
     if (!found.winner)
         return false;

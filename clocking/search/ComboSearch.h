@@ -25,6 +25,8 @@ struct ComboSearch {
     const std::vector<HBSPeripheral*>& enabled;
     const CombinationList& combos;
     const TupleSearch& tuples;
+    double knownSum; ///< that some combination gives; see `TupleSearch::search`
+    bool isSolvable; ///< false once it is proven that no combination gives a sum
 };
 
 /// What came out best of a range of combinations.

@@ -101,28 +101,40 @@ PriceBound::Favourites PriceBound::pickFavourites() const {
     return favourites;
 }
 
-std::array<PriceRow, kDomains> PriceBound::countServers(const Favourites& favourites,
-                                                        double& sumOfErrors) const {
-    std::array<PriceRow, kDomains> servers;
+PriceBound::Counts PriceBound::countSpareServers(const Favourites& favourites,
+                                                 double& sumOfErrors) const {
+    Counts spare;
     sumOfErrors = 0.0;
     for (unsigned domain = 0; domain < kDomains; ++domain) {
-        servers[domain].assign(m_prices[domain].size(), 0.0F);
+        spare[domain].assign(m_prices[domain].size(), 0.0F);
         for (std::size_t i = 0; i < m_table.domain(domain).positions.size(); ++i) {
             float smallest = kUnserved;
+            float& count = spare[domain][i];
+            count = -1.0F;
             for (const PllOption* favourite : favourites) {
                 if (favourite->errors[domain] == nullptr)
                     continue;
                 const float error = std::fabs(favourite->errors[domain][i]);
                 smallest = std::min(smallest, error);
-                servers[domain][i] += error < m_prices[domain][i] ? 1.0F : 0.0F;
+                count += error < m_prices[domain][i] ? 1.0F : 0.0F;
             }
             sumOfErrors += static_cast<double>(smallest);
         }
     }
-    return servers;
+    return spare;
+}
+
+void PriceBound::movePrices(const Counts& spare, double step) {
+    for (unsigned domain = 0; domain < kDomains; ++domain)
+        for (std::size_t i = 0; i < m_prices[domain].size(); ++i) {
+            const double change = step * static_cast<double>(spare[domain][i]);
+            m_prices[domain][i] = std::max(0.0F, m_prices[domain][i] - static_cast<float>(change));
+        }
 }
 
 void PriceBound::improve() {
+    // The subgradient method: the bound is concave in the prices, and the spare servers of the
+    // favourites say in which direction it rises.
     if (m_table.lacksOptions()) {
         m_lowest = std::numeric_limits<double>::infinity();
         return;
@@ -149,25 +161,17 @@ void PriceBound::improve() {
             return; // no sum is this large: the step has no solution
         const Favourites favourites = pickFavourites();
         double sum = 0.0;
-        const std::array<PriceRow, kDomains> servers = countServers(favourites, sum);
+        const Counts spare = countSpareServers(favourites, sum);
         if (sum < bestSum) {
             bestSum = sum;
             m_favourites = favourites;
         }
         double squares = 0.0;
-        for (unsigned domain = 0; domain < kDomains; ++domain)
-            for (std::size_t i = 0; i < m_table.domain(domain).positions.size(); ++i)
-                squares +=
-                    static_cast<double>((1.0F - servers[domain][i]) * (1.0F - servers[domain][i]));
+        for (const PriceRow& row : spare)
+            squares += std::inner_product(row.begin(), row.end(), row.begin(), 0.0);
         if (squares == 0.0 || bestSum - bestLowest < bestSum * kCloseEnough)
             break;
-        const double step = reach * (kAim * std::max(bestSum, bestLowest) - m_lowest) / squares;
-        for (unsigned domain = 0; domain < kDomains; ++domain)
-            for (std::size_t i = 0; i < m_table.domain(domain).positions.size(); ++i) {
-                const double change = step * static_cast<double>(1.0F - servers[domain][i]);
-                m_prices[domain][i] =
-                    std::max(0.0F, m_prices[domain][i] + static_cast<float>(change));
-            }
+        movePrices(spare, reach * (kAim * std::max(bestSum, bestLowest) - m_lowest) / squares);
     }
     m_prices = bestPrices;
     evaluate();

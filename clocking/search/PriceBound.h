@@ -108,8 +108,12 @@ private:
     void evaluate();
     void improve();
     [[nodiscard]] Favourites pickFavourites() const;
-    [[nodiscard]] std::array<PriceRow, kDomains> countServers(const Favourites& favourites,
-                                                              double& sumOfErrors) const;
+    /// One number per peripheral, laid out as the prices.
+    using Counts = std::array<PriceRow, kDomains>;
+    /// How many of the favourites save something for each peripheral, less the one that it needs.
+    [[nodiscard]] Counts countSpareServers(const Favourites& favourites, double& sumOfErrors) const;
+    /// Lowers the prices where servers are to spare and raises them where there are none.
+    void movePrices(const Counts& spare, double step);
 
     const SearchProblem& m_problem;
     const SourceTable& m_table;

@@ -79,7 +79,8 @@ float TupleSearch::sumOfFavourites() const {
     return definitelyLess(sum, kWorstTotalError, kMargin) ? sum : kUnserved;
 }
 
-TupleSearch::Result TupleSearch::search(std::uint64_t first, std::uint64_t last) const {
+TupleSearch::Result TupleSearch::search(std::uint64_t first, std::uint64_t last,
+                                        double known) const {
     Result result;
     if (first >= last)
         return result;
@@ -87,7 +88,7 @@ TupleSearch::Result TupleSearch::search(std::uint64_t first, std::uint64_t last)
     for (double band = kFirstBand;; band *= kWider) {
         // The known sum may lie in another range. Should the smallest sum here be near it, all of
         // its band is needed; should it lie above, this range can't win.
-        const double worst = m_known * (1.0 + band) * (1.0 + band);
+        const double worst = known * (1.0 + band) * (1.0 + band);
         NearMinimum sums(std::min(worst, m_proven), worst >= m_proven, band);
         ContextSearch contexts(m_problem, m_table, m_bound, range);
         for (const Pair& pair : pairsIn(range)) {

@@ -29,9 +29,13 @@ public:
         std::uint64_t evaluatedTuples = 0;
     };
 
-    /// Who wins among the combinations from `first` up to but not including `last`. None also when
-    /// another range is known to hold a smaller sum by more than the margin.
-    [[nodiscard]] Result search(std::uint64_t first, std::uint64_t last) const;
+    /// A sum that some combination of the list gives, or more than any sum.
+    [[nodiscard]] double knownSum() const { return m_known; }
+
+    /// Who wins among the combinations from `first` up to but not including `last`. `known` is a
+    /// sum that some combination of the list gives; a range whose sums all lie above it by more
+    /// than the margin has no winner, as it can't win against the others either.
+    [[nodiscard]] Result search(std::uint64_t first, std::uint64_t last, double known) const;
 
 private:
     /// A setting of the first two multipliers, and a bound of all that lies behind it.

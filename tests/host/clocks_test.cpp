@@ -115,4 +115,30 @@ TEST(ClocksWord, ExitsTwoForWhatItCanNotUseAndSaysItOnStandardError) {
     EXPECT_EQ(2, support::run(program + " clocks").status);
 }
 
+TEST(ClockPicture, ShowsEachPllAndServedPeripheralOfALargeTree) {
+    const std::string file = std::string(TQ_SOURCE_DIR) + "/examples/clocks/radio_frontend.json";
+    const host::ClockTree tree = host::readClockTree(host::JsonFile::read(file));
+    std::vector<float> steps;
+    const auto solver = host::buildClockSolver(tree, [&](float step) { steps.push_back(step); });
+    ASSERT_TRUE(solver->runSolution());
+    EXPECT_EQ(solver->getToleranceFector(), steps.back());
+    std::ostringstream picture;
+    host::printClockPicture(host::makeClockReport(tree, *solver), tree.referenceMhz, picture);
+    for (const auto& peripheral : tree.peripherals)
+        EXPECT_THAT(picture.str(), HasSubstr(">" + peripheral.name + "<"));
+    for (const hbs_clocking::HBSPll* pll : solver->getAllPlls())
+        EXPECT_THAT(picture.str(), HasSubstr(">" + pll->getName() + "<"));
+}
+
+TEST(ClockTreeFile, ExpectsTheShapeOfALargeTree) {
+    const std::string text =
+        R"({"plls": 4, "reference_mhz": 33, "domains": [], "peripherals": []})";
+    try {
+        static_cast<void>(read(text));
+        ADD_FAILURE();
+    } catch (const host::BadInput& error) {
+        EXPECT_STREQ("t.json:1:45: expected four domains", error.what());
+    }
+}
+
 } // namespace
