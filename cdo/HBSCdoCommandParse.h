@@ -19,7 +19,8 @@
 ///
 /// A number out of range is told from one at its limit by `errno`, which isn't cleared beforehand:
 /// an `ERANGE` that earlier code left there fails the next parse with the out-of-range text, and
-/// only that failure clears it. An invalid text whose digits overflow leaves `ERANGE` behind.
+/// only that failure clears it (not the one of a written form that is too long). An invalid text
+/// whose digits overflow leaves `ERANGE` behind.
 class TQ_EXPORT HBSCdoCommandParse {
 public:
     HBSCdoCommandParse() = delete;

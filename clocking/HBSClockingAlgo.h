@@ -62,7 +62,8 @@ struct SearchStatistics {
 /// Nothing is thrown but what the standard library throws. A tree that can't be solved as it
 /// stands is one line on standard output and false, with the earlier result left readable; a
 /// search that finds nothing is false without a word. Requests and references that are negative,
-/// NaN or infinite are safe: quotients without an integer saturate, and nothing fits.
+/// NaN or infinite are safe: quotients without an integer saturate. Trees of one and two PLLs find
+/// nothing for such a request; in larger ones it saturates the divider and counts as met.
 class TQ_EXPORT HBSClockingAlgo : public HATAttrObj {
 public:
     explicit HBSClockingAlgo(const std::string& name);
@@ -132,7 +133,7 @@ public:
     // Reading the result.
 
     [[nodiscard]] bool is_result_found() const { return m_resultFound; }
-    /// The tolerance that succeeded.
+    /// The tolerance that succeeded; 1.0 after a search that found nothing, 0.001 before any.
     [[nodiscard]] float getToleranceFector() const { return m_toleranceFactor; }
     /// Sum of the relative errors; 1000 without a result.
     [[nodiscard]] float getTotalRelativeError() const { return m_totalRelativeError; }

@@ -39,7 +39,7 @@ struct Request {
            definitelyLess(error, request.tolerance, kMargin);
 }
 
-/// Whether one of the divided VCO clocks meets a NOC request, as often as it does.
+/// How many of the divided VCO clocks meet a NOC request.
 [[nodiscard]] unsigned countNocMatches(float vcoHz, float requestHz, float tolerance) {
     unsigned matches = 0;
     for (const float divider : {1.0F, 2.0F, 4.0F, 8.0F}) {

@@ -26,7 +26,8 @@ void HBSPeripheral::setPllResult(const std::string& pllName, std::uint32_t divid
     m_pllName = pllName;
     m_clkoutDiv = divider;
     const HBSPll* pll = m_algo->getPll(pllName);
-    if (pll == nullptr)
+    // A divider of 0 clears the result; the frequency stays, even where a PLL has an empty name.
+    if (pll == nullptr || divider == 0)
         return;
     // Domain 0 takes the NOC clock of domain 1 directly, every other crossing is divided.
     const bool direct = pll->getPowerDomainIndex() == m_powerDomainIndex ||

@@ -51,15 +51,16 @@ public:
     [[nodiscard]] const std::string& getPllName() const { return m_pllName; }
     /// The peripheral's own divider, 1 to 1023; 0 without a result.
     [[nodiscard]] std::uint32_t getClkoutDiv() const { return m_clkoutDiv; }
-    /// MHz. Keeps its old value when a later run finds nothing. Reads 0 for a peripheral of a
-    /// 2-PLL tree that takes the other domain's PLL: its frequency is `getVcoFreq` of that PLL
-    /// divided by `getClkoutDiv`.
+    /// MHz. Keeps its old value when a later run finds nothing or leaves the peripheral out. Reads
+    /// 0 for a peripheral of a 2-PLL tree that takes the other domain's PLL: its frequency is
+    /// `getVcoFreq` of that PLL divided by `getClkoutDiv`.
     [[nodiscard]] double getActualFreq() const { return m_actualFreq; }
 
     // For the solvers.
 
     [[nodiscard]] std::int32_t getPowerDomainIndex() const { return m_powerDomainIndex; }
-    /// Stores both and works out the actual frequency, which stays when no PLL has that name.
+    /// Stores both and works out the actual frequency, which stays when no PLL has that name or the
+    /// divider is 0.
     void setPllResult(const std::string& pllName, std::uint32_t divider);
 
 private:

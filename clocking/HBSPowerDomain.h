@@ -14,9 +14,9 @@ namespace hbs_clocking {
 
 class HBSPeripheral;
 
-/// Owned by its solver, made by `addPowerDomain` or `createPllConfig`; owns its PLLs. A clock
-/// reaches a peripheral of another domain only through a cross-domain divider. The name
-/// "NOC_DOMAIN" marks the domain of the NOC clock.
+/// Owned by its solver, made by `addPowerDomain` or `createPllConfig`; owns its PLLs. Which clocks
+/// of other domains its peripherals may take, and through which dividers, is told by each solver.
+/// The name "NOC_DOMAIN" marks the domain of the NOC clock.
 class TQ_EXPORT HBSPowerDomain {
 public:
     HBSPowerDomain(const std::string& name, std::int32_t index);

@@ -124,7 +124,6 @@ void HWHGenerator::writeExternalPort(
 }
 
 // Both forms own their texts, as their interface takes them by value.
-// NOLINTBEGIN(performance-unnecessary-value-param)
 HXMLWElement* HWHGenerator::addSignalPort(HXMLWElement* parent, std::string name, std::string dir,
                                           std::string sigIs, std::string left, std::string right,
                                           std::string extra, std::string polarity,
@@ -154,7 +153,6 @@ HXMLWElement* HWHGenerator::addPlainPort(HXMLWElement* parent, std::string name,
     return port;
 }
 
-// NOLINTEND(performance-unnecessary-value-param)
 
 HXMLWElement* HWHGenerator::addPortCommon(HXMLWElement& parent, const std::string& name,
                                           const std::string& dir, const std::string& sigIs,

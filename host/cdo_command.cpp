@@ -42,16 +42,21 @@ struct Verb {
 /// The script has no sequences to hand over, only their names.
 CdoSequence* const kNoSequence = nullptr;
 
+bool exists(const std::string& name) {
+    try {
+        HBSCdoSequenceMgr::getGlobal().getCdoSequenceWrapper(name);
+        return true;
+    } catch (const HTCErrors::command_failed&) {
+        return false;
+    }
+}
+
 std::optional<std::uint64_t> create(const Words& words) {
-    auto& manager = HBSCdoSequenceMgr::getGlobal();
-    std::vector<HBSCdoSequenceWrapper*> all;
-    manager.getCdoSeqWrapperColl(all);
     // The manager would let the old one go unreachable; in a script that is a slip of the pen.
-    for (const auto* wrapper : all)
-        if (wrapper->getName() == words[1])
-            throw HTCErrors::command_failed("sequence '" + words[1] +
-                                            "' exists already: delete it first");
-    manager.createCdoSequenceWrapper(words[1], kNoSequence);
+    if (exists(words[1]))
+        throw HTCErrors::command_failed("sequence '" + words[1] +
+                                        "' exists already: delete it first");
+    HBSCdoSequenceMgr::getGlobal().createCdoSequenceWrapper(words[1], kNoSequence);
     return std::nullopt;
 }
 
@@ -139,6 +144,19 @@ Words split(std::string& line, const std::string& place) {
     return words;
 }
 
+/// UTF-8 without control characters, save tabs and the carriage return of a foreign line end.
+bool isPlainText(const std::string& line) {
+    rapidjson::MemoryStream in(line.data(), line.size());
+    rapidjson::StringBuffer checked;
+    while (in.Tell() < line.size()) {
+        const auto next = static_cast<unsigned char>(in.Peek());
+        if ((next < 0x20U && next != '\t' && next != '\r') ||
+            !rapidjson::UTF8<>::Validate(in, checked))
+            return false;
+    }
+    return true;
+}
+
 const Verb& findVerb(const std::string& name, const std::string& place) {
     std::string known;
     for (const Verb& verb : kVerbs) {
@@ -162,6 +180,8 @@ Script Script::read(const std::string& path) {
 
 void Script::addLine(std::string line, std::size_t lineNumber, const std::string& path) {
     const std::string place = path + ":" + std::to_string(lineNumber);
+    if (!isPlainText(line))
+        throw BadInput(place + ": expected UTF-8 text without control characters");
     Words words = split(line, place);
     if (words.empty())
         return;
@@ -214,7 +234,7 @@ void Script::printJson(std::ostream& out) const {
         writer.Key("line");
         writer.Uint64(step.line);
         writer.Key("command");
-        writer.String(step.text.c_str());
+        writer.String(step.text.data(), static_cast<rapidjson::SizeType>(step.text.size()));
         writer.Key("ok");
         writer.Bool(!step.failure);
         if (step.number) {
@@ -223,7 +243,8 @@ void Script::printJson(std::ostream& out) const {
         }
         if (step.failure) {
             writer.Key("failure");
-            writer.String(step.failure->c_str());
+            writer.String(step.failure->data(),
+                          static_cast<rapidjson::SizeType>(step.failure->size()));
         }
         writer.EndObject();
     }

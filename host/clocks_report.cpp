@@ -33,14 +33,16 @@ using hbs_clocking::HBSPll;
 solveAlone(const ClockTree& tree, const ClockTree::Peripheral& peripheral, float maxErrorPercent) {
     ClockTree alone;
     alone.referenceMhz = tree.referenceMhz;
-    alone.domains = {{"DOMAIN", {{"PLL"}}}};
+    // The solvers of one and two PLLs never serve the NOC domain, alone or not.
+    const std::string domainName = tree.pllCount <= 2 ? peripheral.domain : "DOMAIN";
+    alone.domains = {{domainName, {{"PLL"}}}};
     const auto domain = std::find_if(tree.domains.begin(), tree.domains.end(),
                                      [&](const auto& d) { return d.name == peripheral.domain; });
     float& limitMhz = alone.domains.front().plls.front().maxMhz;
     limitMhz = 0.0F;
     for (const ClockTree::Pll& pll : domain->plls)
         limitMhz = std::max(limitMhz, pll.maxMhz);
-    alone.peripherals = {{"PERIPHERAL", "DOMAIN", peripheral.mhz, maxErrorPercent}};
+    alone.peripherals = {{"PERIPHERAL", domainName, peripheral.mhz, maxErrorPercent}};
     const auto solver = buildClockSolver(alone);
     if (!solver->runSolution())
         return std::nullopt;

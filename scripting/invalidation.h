@@ -2,6 +2,7 @@
 // calls `invalidate` has this; the library's other cached types leave their bindings in place.
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 #include "scripting/native_cache.h"
@@ -9,10 +10,18 @@
 
 namespace scripting {
 
+template <class NativeToScript>
+[[nodiscard]] bool isBound(const NativeToScript& nativeToScript,
+                           const typename NativeToScript::key_type& native,
+                           const typename NativeToScript::mapped_type& script) {
+    const auto [first, last] = nativeToScript.equal_range(native);
+    return std::any_of(first, last, [&](const auto& entry) { return entry.second == script; });
+}
+
 /// Ends every binding of `native`: takes each of its script objects out of `scriptToNative` and
 /// hands it to `release`, in table order, and empties its range in `nativeToScript` at the end. A
-/// script object that `scriptToNative` doesn't know goes to `corrupt`, which must not return; the
-/// range then stays.
+/// script object that only `nativeToScript` knows goes to `corrupt`, which must not return; the
+/// range then stays. One that a release before it has unbound from both tables is passed over.
 template <class NativeToScript, class ScriptToNative, class Release, class Corrupt>
 void endBindings(NativeToScript& nativeToScript, ScriptToNative& scriptToNative,
                  const typename NativeToScript::key_type& native, Release release,
@@ -24,8 +33,11 @@ void endBindings(NativeToScript& nativeToScript, ScriptToNative& scriptToNative,
         scripts.push_back(entry->second);
 
     for (const auto script : scripts) {
-        if (scriptToNative.erase(script) == 0)
+        if (scriptToNative.erase(script) == 0) {
+            if (!isBound(nativeToScript, native, script))
+                continue;
             corrupt();
+        }
         release(script);
     }
     nativeToScript.erase(native);

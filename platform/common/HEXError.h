@@ -6,7 +6,8 @@
 
 #include "tq_export.h"
 
-/// Every exception of the tool. `what()` is the full text for the user, without a line end.
+/// Every exception of the tool. `what()` is the full text for the user, without a line end;
+/// a NUL byte in the text ends what a reader of `what()` sees.
 class TQ_EXPORT HEXAll : public std::exception {
 public:
     explicit HEXAll(std::string text);

@@ -126,7 +126,6 @@ std::shared_ptr<HXMLWElement> HXMLWInterface::createRoot(const char* name) {
 }
 
 // The shared pointer and the path come by value, as the tool's library has it.
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void HXMLWInterface::writeToFile(std::shared_ptr<HXMLWElement> root, std::string path) {
     if (root == nullptr)
         raise(path, "there is no document");
