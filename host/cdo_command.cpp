@@ -44,8 +44,7 @@ CdoSequence* const kNoSequence = nullptr;
 
 bool exists(const std::string& name) {
     try {
-        HBSCdoSequenceMgr::getGlobal().getCdoSequenceWrapper(name);
-        return true;
+        return HBSCdoSequenceMgr::getGlobal().getCdoSequenceWrapper(name) != nullptr;
     } catch (const HTCErrors::command_failed&) {
         return false;
     }
