@@ -37,7 +37,9 @@ void HWHGenerator::generate(const std::string& connectivityFile, const std::stri
                                 : HUTEnv::getPWD() + HUTFile::getDirSeparator() + kDefaultFileName;
         HXMLWInterface::writeToFile(root, path);
     } catch (...) {
-        m_systemInfo.swap(m_systemInfoCopy);
+        // Keys were only added; the caller's own entries stay where they are.
+        std::erase_if(m_systemInfo,
+                      [&](const auto& entry) { return !m_systemInfoCopy.contains(entry.first); });
         throw;
     }
 }

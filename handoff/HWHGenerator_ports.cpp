@@ -153,7 +153,6 @@ HXMLWElement* HWHGenerator::addPlainPort(HXMLWElement* parent, std::string name,
     return port;
 }
 
-
 HXMLWElement* HWHGenerator::addPortCommon(HXMLWElement& parent, const std::string& name,
                                           const std::string& dir, const std::string& sigIs,
                                           const std::string& left, const std::string& right) {

@@ -60,7 +60,9 @@ const char* HXMLWElement::getName() const {
 }
 
 bool HXMLWElement::hasChild(const char* name) const {
-    return !pugi::xml_node(m_node).child(orEmpty(name)).empty();
+    const std::string_view asked = orEmpty(name);
+    return !asked.empty() &&
+           !pugi::xml_node(m_node).child(m_document.fitName(asked).c_str()).empty();
 }
 
 void HXMLWElement::getChildren(std::vector<std::shared_ptr<HXMLWElement>>& children) const {

@@ -32,6 +32,9 @@ struct Target {
 };
 
 Target findTarget(const std::string& path) {
+    // The system would cut the path at a NUL byte and write another file.
+    if (path.find('\0') != std::string::npos)
+        raise(path, EINVAL);
     std::error_code error;
     Target target{path, false, 0};
     // Through links, of which the last may lead to nothing yet.
@@ -58,6 +61,7 @@ Target findTarget(const std::string& path) {
 class NewFile : public pugi::xml_writer {
 public:
     NewFile(const std::string& path, const Target& target) : m_path(path), m_target(target) {
+        m_buffer.reserve(kBufferBytes); // ahead of the file, which would stay if this failed
         const std::filesystem::path folder = std::filesystem::path(target.path).parent_path();
         for (int number = 0; m_file < 0; ++number) {
             const std::string name =
@@ -67,7 +71,6 @@ public:
             if (m_file < 0 && errno != EEXIST)
                 raise(path, errno);
         }
-        m_buffer.reserve(kBufferBytes);
     }
     ~NewFile() override {
         if (m_file >= 0)

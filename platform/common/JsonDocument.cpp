@@ -99,8 +99,11 @@ public:
 private:
     static constexpr std::streamsize kBlockBytes = 1 << 16;
 
+    /// RapidJSON counts a text's bytes in 32 bits; a stream seems to end before they run out.
+    static constexpr std::size_t kMostBytes = 0xFFFFFFFFU - std::size_t{kBlockBytes};
+
     void fetch() {
-        if (m_stream.peek() == std::istream::traits_type::eof())
+        if (m_before + m_count > kMostBytes || m_stream.peek() == std::istream::traits_type::eof())
             return;
         // No more than the stream holds ready: damage further on would swallow the bytes before it.
         const std::streamsize ready =

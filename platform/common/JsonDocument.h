@@ -28,11 +28,11 @@ using JsonValue = rapidjson::GenericValue<rapidjson::UTF8<>, JsonPool>;
 ///     if (document.HasParseError())
 ///         complain(HCRapidJsonReadWriteUtils::GetErrorMsgFromDocument(document));
 ///
-/// Three things differ from a plain document. Values nested deeper than `kMostLevels` are a parse
-/// error (`kParseErrorTermination`), as a plain parse would run out of stack. Numbers with a
-/// fraction or an exponent are read with the C library's conversion, as RapidJSON's own arithmetic
-/// overflows on extreme exponents; what a double can't hold becomes infinite or zero. Exhausted
-/// memory raises `std::bad_alloc`.
+/// Four things differ from a plain document. A stream seems to end short of 4 GiB. Values nested
+/// deeper than `kMostLevels` are a parse error (`kParseErrorTermination`), as a plain parse would
+/// run out of stack. Numbers with a fraction or an exponent are read with the C library's
+/// conversion, as RapidJSON's own arithmetic overflows on extreme exponents; what a double can't
+/// hold becomes infinite or zero. Exhausted memory raises `std::bad_alloc`.
 class TQ_EXPORT JsonDocument
     : public rapidjson::GenericDocument<rapidjson::UTF8<>, JsonPool, JsonAllocator> {
 public:
