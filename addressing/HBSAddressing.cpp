@@ -33,10 +33,12 @@ std::unique_ptr<HABMBlock> readDefinition(const std::string& name) {
 /// Expands definitions with all that their stubs stand for.
 class Expansion {
 public:
-    /// Empty if the definition can't be read, or is one of those that are just being expanded.
+    /// Empty if the definition can't be read, is one of those that are just being expanded, or lies
+    /// beyond the bounds.
     std::unique_ptr<HABMBlock> expand(const std::string& vlnv) {
         const std::optional<std::string> name = hardblockName(vlnv);
-        if (!name || std::find(m_names.begin(), m_names.end(), *name) != m_names.end())
+        if (!name || std::find(m_names.begin(), m_names.end(), *name) != m_names.end() ||
+            m_names.size() >= kMostNested || m_expanded++ >= kMostExpanded)
             return nullptr;
         std::unique_ptr<HABMBlock> top = readDefinition(*name);
         if (!top)
@@ -66,6 +68,11 @@ private:
         stub.setBaseAddress(baseAddress);
     }
 
+    // Bounds for hostile data: a chain must not use up the stack, nor a fan of stubs the memory.
+    static constexpr std::size_t kMostNested = 2000;
+    static constexpr std::size_t kMostExpanded = 65536;
+
+    std::size_t m_expanded = 0;
     std::vector<std::string> m_names; ///< the hard blocks on the way from the top to here
 };
 

@@ -51,8 +51,9 @@ public:
     ///
     /// A VLNV that isn't "vendor:library:name:version" sends "@91-45@%s". A stub whose definition
     /// can't be read stays a stub, with no message, and so does one that names a definition which
-    /// is just being expanded around it: a ring of definitions ends there. A stub that can't be
-    /// merged sends
+    /// is just being expanded around it: a ring of definitions ends there. The same goes for one
+    /// nested below 2,000 others, and beyond 65,536 definitions read in one call. A stub that can't
+    /// be merged sends
     /// "@91-44@%s%s".
     [[nodiscard]] static const HABMBlock* createSubsystemDefinition(const std::string& vlnv,
                                                                     const std::string& context);

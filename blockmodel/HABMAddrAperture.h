@@ -13,7 +13,7 @@ public:
     HABMAddrAperture(const HABMAddrValue& start, const HABMAddrValue& size);
     /// Reads "START:SIZE", each as an HABMAddrValue. An empty text makes an empty aperture at 0;
     /// a text without a ":" one of which both are invalid.
-    explicit HABMAddrAperture(const std::string& text);
+    HABMAddrAperture(const std::string& text);
 
     [[nodiscard]] const HABMAddrValue& getStart() const { return m_start; }
     [[nodiscard]] const HABMAddrValue& getSize() const { return m_size; }

@@ -16,13 +16,19 @@ void complain(const std::string& path, const std::string& reason) {
     ComMsgMgr::sendMsg::eval(2, __FILE__, __LINE__, "hbs", 0x20000000, "@92-1@%s%s", path, reason);
 }
 
+/// RapidJSON counts the bytes of a text in 32 bits.
+constexpr std::streamoff kMostBytes = 0xFFFFFFFF;
+
 std::string contentOf(const HUTFile& file, const std::string& path) {
     if (!file.isFile())
         throw habm::bmj::Fault("it isn't a file");
     std::ifstream stream(path, std::ios::binary);
     std::string content;
     if (stream.seekg(0, std::ios::end)) {
-        content.resize(static_cast<std::size_t>(std::max<std::streamoff>(stream.tellg(), 0)));
+        const std::streamoff size = std::max<std::streamoff>(stream.tellg(), 0);
+        if (size > kMostBytes)
+            throw habm::bmj::Fault("it is too large");
+        content.resize(static_cast<std::size_t>(size));
         stream.seekg(0);
         stream.read(content.data(), static_cast<std::streamsize>(content.size()));
     }
