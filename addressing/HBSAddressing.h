@@ -53,8 +53,7 @@ public:
     /// can't be read stays a stub, with no message, and so does one that names a definition which
     /// is just being expanded around it: a ring of definitions ends there. The same goes for one
     /// nested below 2,000 others, and beyond 65,536 definitions read in one call. A stub that can't
-    /// be merged sends
-    /// "@91-44@%s%s".
+    /// be merged sends "@91-44@%s%s".
     [[nodiscard]] static const HABMBlock* createSubsystemDefinition(const std::string& vlnv,
                                                                     const std::string& context);
 
