@@ -27,7 +27,8 @@
 ///
 /// Every key may be left out, unknown keys are ignored. A value of an unsuitable type is skipped
 /// with the message "@90-8@%s%s" (the type and the key), wherever it stands, and the reading goes
-/// on: its key counts as left out, and a root that isn't an object holds nothing. Values nested
+/// on: its key counts as left out, a hard block, interface or pin whose body isn't an object stays
+/// empty, and a root that isn't an object holds nothing. Values nested
 /// deeper than 1000 levels are malformed.
 ///
 /// Hard blocks only grow in number and live, as the manager does, to the end of the process. Not
@@ -43,7 +44,7 @@ public:
     /// Appends the hard blocks of one metadata file; a file read twice gives them twice. False for
     /// a missing file (one line on the standard output), one that can't be read ("@90-4@%s" with
     /// the full path) and malformed JSON ("@90-2@%s" with the reason, then "@90-4@%s"); nothing is
-    /// added then.
+    /// added then, save what an exception such as exhausted memory interrupts.
     bool createHardBlocks(const std::string& file);
 
     /// The first hard block of that name; a null pointer and one line on the standard output if

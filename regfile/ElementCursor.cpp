@@ -92,7 +92,7 @@ std::string foldConverted(const DOMNode* top) {
     eachPiece(top, [&](const XMLCh* piece) { whole += piece; });
     const LocalText narrow(xercesc::XMLString::transcode(whole.c_str()));
     FoldedText folded;
-    for (const char* letter = narrow.get(); *letter != '\0'; ++letter)
+    for (const char* letter = narrow == nullptr ? "" : narrow.get(); *letter != '\0'; ++letter)
         folded.add(*letter);
     return folded.take();
 }

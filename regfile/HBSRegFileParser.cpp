@@ -8,13 +8,17 @@
 #include "regfile/RegFileFormat.h"
 #include "regfile/RegisterNumbers.h"
 
-#if defined(__has_feature)
+#if defined(__SANITIZE_ADDRESS__)
+#define TQ_ADDRESS_SANITIZER
+#elif defined(__has_feature)
 #if __has_feature(address_sanitizer)
+#define TQ_ADDRESS_SANITIZER
+#endif
+#endif
+#ifdef TQ_ADDRESS_SANITIZER
 #include <sanitizer/lsan_interface.h>
 #define TQ_KEEP_FOR_EVER(object) __lsan_ignore_object(object)
-#endif
-#endif
-#ifndef TQ_KEEP_FOR_EVER
+#else
 #define TQ_KEEP_FOR_EVER(object) static_cast<void>(object)
 #endif
 

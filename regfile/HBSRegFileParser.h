@@ -40,9 +40,10 @@ class ElementCursor;
 ///
 /// Texts are taken in the local code page, with white space trimmed and folded to one blank.
 ///
-/// Files may come from outside: external entities and DTDs are never fetched (a reference to one
-/// makes the file unreadable), expansion of entities is bounded, what isn't a regular file is never
-/// opened, and a protected file may unpack to at most 1 GiB.
+/// Files may come from outside: external entities and DTDs are never fetched (a reference to an
+/// external entity makes the file unreadable, and so do attribute lists, parameter entities and
+/// entities of more than 65,536 characters), expansion of entities is bounded, what isn't a regular
+/// file is never opened, and a protected file may unpack to at most 1 GiB.
 ///
 /// Not guarded: the first call in a process must not run beside another.
 class HBSRegFileParser {

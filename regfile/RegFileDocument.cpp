@@ -11,7 +11,10 @@
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/SecurityManager.hpp>
+#include <xercesc/validators/DTD/DTDElementDecl.hpp>
+#include <xercesc/validators/DTD/DTDEntityDecl.hpp>
 
+#include <algorithm>
 #include <cstring>
 #include <iostream>
 #include <new>
@@ -30,6 +33,7 @@ namespace {
 
 /// Far above what a description needs, far below what harms: nested entities stop within 10 ms.
 constexpr XMLSize_t kMostEntityExpansions = 1000;
+constexpr XMLSize_t kMostEntityCharacters = 1U << 16U;
 constexpr std::size_t kMostUnpackedBytes = std::size_t{1} << 30;
 
 /// Ends a parse that can't go on.
@@ -64,6 +68,23 @@ class NoEntities final : public xercesc::EntityResolver {
 public:
     xercesc::InputSource* resolveEntity(const XMLCh*, const XMLCh* systemId) override {
         throw Fault("the external entity '" + toText(systemId) + "' is not read");
+    }
+};
+
+/// A parser that refuses what the limit on expansions doesn't count: entities that a document type
+/// expands in itself (attribute defaults, parameter entities), and long texts given many times.
+class GuardedParser final : public xercesc::XercesDOMParser {
+public:
+    void startAttList(const xercesc::DTDElementDecl& /*element*/) override {
+        throw Fault("attribute lists are not read");
+    }
+    void entityDecl(const xercesc::DTDEntityDecl& entity, const bool isParameter,
+                    const bool isIgnored) override {
+        if (isParameter)
+            throw Fault("parameter entities are not read");
+        if (entity.getValueLen() > kMostEntityCharacters)
+            throw Fault("the entity '" + toText(entity.getName()) + "' is too long");
+        xercesc::XercesDOMParser::entityDecl(entity, isParameter, isIgnored);
     }
 };
 
@@ -111,7 +132,8 @@ std::string readProtected(const std::string& path) {
 
 void parseFile(xercesc::XercesDOMParser& parser, const std::string& path) {
     const HUTFile file(path);
-    if (file.exists() && !file.isFile())
+    // A path is cut at a NUL byte by the system, which would then open another file.
+    if ((file.exists() && !file.isFile()) || path.find('\0') != std::string::npos)
         throw Fault(path + " is not a regular file");
     if (!isl::iostreams::xp::is_encrypted(path.c_str())) {
         parser.parse(FileSource(path));
@@ -120,6 +142,14 @@ void parseFile(xercesc::XercesDOMParser& parser, const std::string& path) {
     const std::string content = readProtected(path);
     parser.parse(xercesc::MemBufInputSource(reinterpret_cast<const XMLByte*>(content.c_str()),
                                             std::strlen(content.c_str()), "mXML"));
+}
+
+/// Names and paths in a fault must not make a line of their own, or steer a terminal.
+std::string onOneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(),
+        [](char c) { return static_cast<unsigned char>(c) < 0x20U || c == '\x7F'; }, ' ');
+    return text;
 }
 
 /// Gives what is wrong with the file, or nothing.
@@ -145,7 +175,7 @@ struct RegFileDocument::Parser {
     FaultHandler faults;
     NoEntities entities;
     xercesc::SecurityManager limits;
-    xercesc::XercesDOMParser xml;
+    GuardedParser xml;
 
     Parser() {
         xml.setValidationScheme(xercesc::XercesDOMParser::Val_Never);
@@ -164,7 +194,7 @@ RegFileDocument::RegFileDocument(const std::string& path) {
     initializeXerces();
     m_parser = std::make_unique<Parser>();
     if (const auto fault = faultOf(m_parser->xml, path)) {
-        std::cerr << "Error parsing file: " << *fault << std::endl;
+        std::cerr << "Error parsing file: " << onOneLine(*fault) << std::endl;
         return;
     }
     if (const xercesc::DOMDocument* const document = m_parser->xml.getDocument())

@@ -42,7 +42,8 @@ TEST(HostileFile, WhatIsNoFileIsRefusedWithoutWaiting) {
     ASSERT_EQ(0, mkfifo(folder.file("fifo").c_str(), 0600));
     for (const auto& path :
          {folder.file("fifo"), folder.file("missing"), folder.file("a\xC3\xA4"),
-          folder.path().string(), std::string("/dev/zero"), std::string("file:///etc/passwd")})
+          folder.path().string(), std::string("/dev/zero"), std::string("file:///etc/passwd"),
+          folder.file("fifo") + std::string("\0x", 2)})
         expectRefused(path);
     support::CapturedError error;
     EXPECT_EQ(nullptr, hbs::HBSRegFileParser::parseFile(""));
@@ -58,6 +59,7 @@ TEST(HostileFile, ExternalEntitiesAreNotFetched) {
                                 inRegisters(reg("a", element("description", description))));
     };
     expectRefused(withDoctype("[<!ENTITY x SYSTEM '" + secret + "'>]", "&x;"));
+    expectRefused(withDoctype("[<!ENTITY x SYSTEM 'a\nforged line'>]", "&x;"));
     expectRefused(withDoctype("[<!ENTITY % x SYSTEM '" + secret + "'> %x;]", ""));
     for (const char* doctype : {"SYSTEM 'missing.dtd'", "[<!ENTITY x SYSTEM '/etc/passwd'>]"})
         EXPECT_NE(nullptr, hbs::HBSRegFileParser::parseFile(withDoctype(doctype, ""))) << doctype;
@@ -79,6 +81,12 @@ TEST(HostileFile, EntitiesExpandWithinBounds) {
                                 inRegisters(reg("a&e0;", element("description", reference))));
     };
     expectRefused(file("&e9;"));
+    const auto refusedType = [&](const std::string& declaration) {
+        expectRefused(folder.write("t.xml", "<!DOCTYPE a [" + entities + declaration + "]><a/>"));
+    };
+    refusedType("<!ATTLIST a b CDATA '&e9;'>");
+    refusedType("<!ENTITY % p '&#37;q;'> %p;");
+    refusedType("<!ENTITY x '" + std::string(65537, 'x') + "'>");
     const auto map = hbs::HBSRegFileParser::parseFile(file("&e0;"));
     ASSERT_NE(nullptr, map);
     ASSERT_NE(nullptr, map->getRegister("alol"));
