@@ -36,8 +36,8 @@ using ClkoutDivCombos = std::array<DividerRange, 6>;
 struct SearchStatistics {
     /// Combinations of multipliers; each stands for up to 15,552 settings of the dividers.
     std::uint64_t combinations = 0;
-    /// Settings of all multipliers and dividers whose sum of errors was computed. The rest was
-    /// proven to be worse.
+    /// Settings of all multipliers and dividers whose sum of errors was computed, counted at each
+    /// look. The rest was proven to be worse.
     std::uint64_t evaluatedTuples = 0;
 };
 
@@ -280,8 +280,7 @@ private:
                                              const std::vector<HBSPeripheral*>& noc,
                                              StepCandidates& candidates);
     [[nodiscard]] bool searchChunks(ComboSearch search, ComboResult& result) const;
-    void complainOfNocPeripherals(const ComboSearch& search, std::uint64_t first,
-                                  std::uint64_t last) const;
+    void complainOfNocPeripherals(const ComboSearch& search) const;
     void writeDecisions(const ComboSearch& search, const Tuple& tuple, ComboResult& result) const;
     void sendTimingMessage(std::size_t enabledCount,
                            std::chrono::steady_clock::time_point start) const;

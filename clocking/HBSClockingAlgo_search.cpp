@@ -164,6 +164,9 @@ bool HBSClockingAlgo::searchCombos(const TreeShape& shape,
     const ComboSearch search{shape, enabled, combos, tuples, tuples.knownSum(), true};
 
     const std::uint64_t n = combos.size();
+    // Here and not where the tuples are looked at, as the output belongs to the caller's thread.
+    if (!hasOneNoc)
+        complainOfNocPeripherals(search);
     bool found = false;
     if (n <= kMaxForOneThread)
         found = evaluateCombos(search, 0, n, result);
@@ -209,8 +212,6 @@ bool HBSClockingAlgo::searchChunks(ComboSearch search, ComboResult& result) cons
 
 bool HBSClockingAlgo::evaluateCombos(const ComboSearch& search, std::uint64_t first,
                                      std::uint64_t last, ComboResult& result) const {
-    if (getNocPeripherals().size() != 1)
-        complainOfNocPeripherals(search, first, last);
     if (!search.isSolvable)
         return false;
     const TupleSearch::Result found = search.tuples.search(first, last, search.knownSum);
@@ -222,11 +223,10 @@ bool HBSClockingAlgo::evaluateCombos(const ComboSearch& search, std::uint64_t fi
     return true;
 }
 
-void HBSClockingAlgo::complainOfNocPeripherals(const ComboSearch& search, std::uint64_t first,
-                                               std::uint64_t last) const {
+void HBSClockingAlgo::complainOfNocPeripherals(const ComboSearch& search) const {
     // Every tuple of dividers asks for the NOC divider, and every time is told what is wrong.
     const std::size_t crossTuples = buildCrossDivCombos().size();
-    search.combos.forEach(first, last, [&](const Combination& combination) {
+    search.combos.forEach(0, search.combos.size(), [&](const Combination& combination) {
         std::size_t tuples = crossTuples;
         for (const DividerRange& range : buildClkoutDivCombos(search.shape, combination))
             tuples *= range.size();

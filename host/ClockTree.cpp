@@ -88,7 +88,7 @@ private:
         peripheral.domain = m_file.string(domain);
         if (m_domainNames.count(peripheral.domain) == 0)
             m_file.fail(domain.offset, "there is no domain \"" + peripheral.domain + "\"");
-        constexpr double unlimited = std::numeric_limits<float>::max();
+        constexpr auto unlimited = static_cast<double>(std::numeric_limits<float>::max());
         peripheral.mhz = within(m_file.require(node, "mhz"), unlimited, "from 0 up");
         if (const JsonNode* error = node.find("max_error_percent"))
             peripheral.maxErrorPercent = within(*error, 100.0, "from 0 to 100");
@@ -121,7 +121,7 @@ private:
     }
 
     [[nodiscard]] float positive(const JsonNode& node) const {
-        constexpr double unlimited = std::numeric_limits<float>::max();
+        constexpr auto unlimited = static_cast<double>(std::numeric_limits<float>::max());
         const float value = within(node, unlimited, "above 0");
         if (value == 0.0F)
             m_file.fail(node.offset, "expected a number above 0");

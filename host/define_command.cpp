@@ -198,7 +198,7 @@ void printJson(const HABMBlock& block, const std::vector<HBSTableReport>& tables
 /// Writes the block where the definitions are read from, and gives the path. The library's own
 /// write wouldn't tell of a failure.
 std::string write(const HABMBlock& block, const std::string& place) {
-    const std::string path = place + "/" + block.getModuleName() + ".bmj";
+    std::string path = place + "/" + block.getModuleName() + ".bmj";
     if (!HABMBlock::writeTopBlock(HUTFile(path), block, true))
         throw BadInput(path + ": the file can't be written");
     return path;

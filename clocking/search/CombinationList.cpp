@@ -171,7 +171,8 @@ Combination CombinationList::at(std::uint64_t index) const {
                        !skip(counter.count(stage + 1, combination, nextPlace));
             });
         };
-        std::find_if(own.firsts.begin(), own.firsts.end(), place2);
+        // Stops at the one behind which the combination lies.
+        static_cast<void>(std::any_of(own.firsts.begin(), own.firsts.end(), place2));
         place = nextPlace;
     }
     return combination;

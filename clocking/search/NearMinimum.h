@@ -34,7 +34,7 @@ struct Tuple {
 
     [[nodiscard]] unsigned div(Role role) const { return 8U - divsBelow8[indexOf(role)]; }
     [[nodiscard]] unsigned cross(Role role) const { return 4U - crossesBelow4[indexOf(role)]; }
-    auto operator<=>(const Tuple&) const = default;
+    auto operator<=>(const Tuple&) const = default; // NOLINT(modernize-use-nullptr): none is here
 };
 
 /// Collects sums in any order and finds the end of their chain.

@@ -12,7 +12,8 @@ void runOnSharedExecutor(const std::string& name, unsigned count,
                          const std::function<void(unsigned)>& task) {
     static auto executor =
         std::make_unique<tf::Executor>(std::max(1U, std::thread::hardware_concurrency()));
-    if (executor->num_workers() != count && executor->num_topologies() == 0) {
+    // None is left where the last one's threads couldn't be made.
+    if (!executor || (executor->num_workers() != count && executor->num_topologies() == 0)) {
         executor.reset(); // its threads end before the new ones start
         executor = std::make_unique<tf::Executor>(count);
     }

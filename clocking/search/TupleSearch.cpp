@@ -76,7 +76,9 @@ float TupleSearch::sumOfFavourites() const {
     float sum = 0.0F;
     for (const float error : errors)
         sum += error;
-    return definitelyLess(sum, kWorstTotalError, kMargin) ? sum : kUnserved;
+    if (!definitelyLess(sum, kWorstTotalError, kMargin))
+        return kUnserved;
+    return sum;
 }
 
 TupleSearch::Result TupleSearch::search(std::uint64_t first, std::uint64_t last,
