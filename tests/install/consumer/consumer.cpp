@@ -1,20 +1,44 @@
 // A program of a user of the installed library: one call into each island.
 
-#include <HPAParamMgr.h>
+#include <HEXError.h>
+#include <addressing/HBSAddressing.h>
+#include <blockmodel/HABM.h>
 #include <cdo/HBSCdoSequenceMgr.h>
-#include <clocking/HBSClockingAlgo1Pll.h>
+#include <clocking/HBSClockingAlgo6Pll.h>
 #include <clocking/HBSClockingAlgoMgr.h>
+#include <handoff/HBSGenerateService.h>
 #include <hardblock/HBSHardBlockDataMgr.h>
+#include <regfile/HBSRegFileParser.h>
 #include <scripting/native_cache.h>
 #include <scripting/py_native_cache.h>
 
+namespace {
+
+bool refusesAMissingConnectivityFile() {
+    std::map<std::string, std::string> designParams;
+    std::map<std::string, std::string> systemInfo;
+    try {
+        HBSGenerateService::generateHWH(designParams, systemInfo, "none", "none.hwh");
+    } catch (const HEXError&) {
+        return true; // thrown in one library, caught in another program
+    }
+    return false;
+}
+
+bool reportsAnEmptyBlock() {
+    rapidjson::Document document;
+    HBSAddressing::generateSurfaceLevelAddressing(*HABMBlock::createTopBlock("empty"), document);
+    return document.IsObject() && document.ObjectEmpty();
+}
+
+} // namespace
+
 int main() {
-    if (HBSClockingAlgoMgr::getGlobal()->getClockingAlgo("none") != nullptr ||
-        hbs_clocking::HBSClockingAlgo1Pll("tree").is_result_found())
-        return 1;
-    if (HBSCdoSequenceMgr::getGlobal().getCdoSequence("none") != nullptr)
-        return 1;
-    if (HBSHardBlockDataMgr::getHardBlockDataMgr()->createHardBlocks("none"))
-        return 1;
-    return HPAParamMgr::getParamMgr()->getValueAsInt("general.maxThreads") > 0 ? 0 : 1;
+    const bool good = HBSClockingAlgoMgr::getGlobal()->getClockingAlgo("none") == nullptr &&
+                      !hbs_clocking::HBSClockingAlgo6Pll("tree").is_result_found() &&
+                      reportsAnEmptyBlock() && refusesAMissingConnectivityFile() &&
+                      HBSCdoSequenceMgr::getGlobal().getCdoSequence("none") == nullptr &&
+                      !HBSHardBlockDataMgr::getHardBlockDataMgr()->createHardBlocks("none") &&
+                      hbs::HBSRegFileParser::parseFile("") == nullptr;
+    return good ? 0 : 1;
 }
