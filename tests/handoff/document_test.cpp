@@ -138,24 +138,20 @@ TEST(Modules, FoldTheOutsideOfAPieceIntoItsInside) {
     EXPECT_THAT(root.values("MEMRANGE", {"INSTANCE"}), ElementsAre("a", "a", "a", "b", "d"));
 }
 
-class ExcludedSlaves
-    : public testing::TestWithParam<std::pair<const char*, std::vector<std::string>>> {};
-
-TEST_P(ExcludedSlaves, AreNamedWithTheirDieOnACoreOfSeveral) {
-    Job job;
-    job.system["ps_core_name"] = GetParam().first;
-    const Element root = job.run(
-        R"("s0": {"SDKNAME": "s", "SLR_NUMBER": "0"}, "s1": {"SDKNAME": "s", "SLR_NUMBER": "1"},
-           "t": {"SDKNAME": "t"}, "u": {"SDKNAME": "U"}, "nameless": {}, "other": {})",
-        R"("m": {"SDKNAME": "m", "excluded_slaves": ["s:1", "t", "u"]})");
-    EXPECT_EQ(GetParam().second, root.values("MEMRANGE", {"INSTANCE"}));
-    EXPECT_EQ(GetParam().second, root.values("PERIPHERAL", {"INSTANCE"}));
+TEST(Modules, ExcludedSlavesAreNamedWithTheirDieOnACoreOfSeveral) {
+    using Core = std::pair<const char*, std::vector<std::string>>;
+    for (const auto& [core, left] :
+         {Core{"tovak", {"", "", "s", "t", "U"}}, Core{"core", {"", "", "s", "s"}}}) {
+        Job job;
+        job.system["ps_core_name"] = core;
+        const Element root = job.run(
+            R"("s0": {"SDKNAME": "s", "SLR_NUMBER": "0"}, "s1": {"SDKNAME": "s", "SLR_NUMBER": "1"},
+               "t": {"SDKNAME": "t"}, "u": {"SDKNAME": "U"}, "nameless": {}, "other": {})",
+            R"("m": {"SDKNAME": "m", "excluded_slaves": ["s:1", "t", "u"]})");
+        EXPECT_EQ(left, root.values("MEMRANGE", {"INSTANCE"}));
+        EXPECT_EQ(left, root.values("PERIPHERAL", {"INSTANCE"}));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cores, ExcludedSlaves,
-    testing::Values(std::pair("tovak", std::vector<std::string>{"", "", "s", "t", "U"}),
-                    std::pair("core", std::vector<std::string>{"", "", "s", "s"})));
 
 TEST(Ports, TakeTheirFormFromTheExactKindOfSignal) {
     Job job;
@@ -173,53 +169,41 @@ TEST(Ports, TakeTheirFormFromTheExactKindOfSignal) {
                 ElementsAre("out INTERRUPT (none) m_f"));
 }
 
-struct Net {
-    const char* meaning;
-    const char* core;
-    std::string slaves;
-    std::vector<std::string> signals; ///< of all ports, external ones first
-
-    friend void PrintTo(const Net& net, std::ostream* out) { *out << net.meaning; }
-};
-
-class Signals : public testing::TestWithParam<Net> {};
-
-TEST_P(Signals, SpreadInTheOrderInWhichPortsAreVisited) {
-    Job job;
-    job.system["ps_core_name"] = GetParam().core;
-    EXPECT_EQ(GetParam().signals, job.run(GetParam().slaves, "").values("PORT", {"SIGNAME"}));
+TEST(Signals, SpreadInTheOrderInWhichPortsAreVisited) {
+    const auto one = [](const char* name, const char* portName, const std::string& ends = "") {
+        return module(name, port(portName, "", ends));
+    };
+    const struct {
+        const char* meaning;
+        std::string slaves;
+        std::vector<std::string> signals; ///< of all ports, external ones first
+        const char* core = "core";
+    } nets[] = {{"both ends list each other",
+                 one("m1", "A", end("m2", "B")) + "," + one("m2", "B", end("m1", "A")),
+                 {"m1_A", "m1_A"}},
+                {"a silent far end is named by the first that lists it",
+                 one("m1", "A", end("m2", "B")) + "," + one("m2", "B"),
+                 {"m1_A", "m1_A"}},
+                {"one net that was reached separately keeps two names",
+                 one("m1", "A") + "," + one("m2", "B") + "," +
+                     one("m3", "C", end("m2", "B") + "," + end("m1", "A")),
+                 {"m1_A", "m2_B", "m1_A"}},
+                {"two joins that give one text are one key",
+                 one("m", "x_y") + "," + one("m_x", "y"),
+                 {"m_x_y", "m_x_y"}},
+                {"two modules share an external port",
+                 one("m1", "A", end("core_top", "E")) + "," + one("m2", "B", end("core_top", "E")),
+                 {"m1_A", "m1_A", "m1_A"}},
+                {"without a core the top has a name of its own",
+                 one("m1", "A", end("yrel_top", "E") + "," + end("_top", "F")),
+                 {"m1_A", "m1_A"},
+                 ""}};
+    for (const auto& [meaning, slaves, signals, core] : nets) {
+        Job job;
+        job.system["ps_core_name"] = core;
+        EXPECT_EQ(signals, job.run(slaves, "").values("PORT", {"SIGNAME"})) << meaning;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Nets, Signals,
-    testing::Values(Net{"both ends list each other",
-                        "core",
-                        module("m1", port("A", "", end("m2", "B"))) + "," +
-                            module("m2", port("B", "", end("m1", "A"))),
-                        {"m1_A", "m1_A"}},
-                    Net{"a silent far end is named by the first that lists it",
-                        "core",
-                        module("m1", port("A", "", end("m2", "B"))) + "," +
-                            module("m2", port("B", "")),
-                        {"m1_A", "m1_A"}},
-                    Net{"one net that was reached separately keeps two names",
-                        "core",
-                        module("m1", port("A", "")) + "," + module("m2", port("B", "")) + "," +
-                            module("m3", port("C", "", end("m2", "B") + "," + end("m1", "A"))),
-                        {"m1_A", "m2_B", "m1_A"}},
-                    Net{"two joins that give one text are one key",
-                        "core",
-                        module("m", port("x_y", "")) + "," + module("m_x", port("y", "")),
-                        {"m_x_y", "m_x_y"}},
-                    Net{"two modules share an external port",
-                        "core",
-                        module("m1", port("A", "CLK", end("core_top", "E"))) + "," +
-                            module("m2", port("B", "", end("core_top", "E"))),
-                        {"m1_A", "m1_A", "m1_A"}},
-                    Net{"without a core the top has a name of its own",
-                        "",
-                        module("m1", port("A", "", end("yrel_top", "E") + "," + end("_top", "F"))),
-                        {"m1_A", "m1_A"}}));
 
 TEST(Texts, SurviveTheXmlWhateverTheyHold) {
     Job job;
