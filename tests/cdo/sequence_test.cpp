@@ -20,12 +20,16 @@ using support::expectThrows;
 constexpr unsigned kOpen = 100; // as the tool's commands give them
 constexpr unsigned kClose = 101;
 
+void expectFailure(const std::string& text, HBSCdoSequenceWrapper& wrapper, const char* name,
+                   unsigned kind) {
+    expectThrows<command_failed>(text, [&] { wrapper.addMarker(name, kind); });
+}
+
 TEST(CdoMarkers, CloseInnermostFirstAndMayOpenAgain) {
     HBSCdoSequenceWrapper wrapper("boot", nullptr);
     wrapper.addMarker("a", kOpen);
     wrapper.addMarker("b", kOpen);
-    expectThrows<command_failed>("Marker 'a' not matched with last opened marker 'b'",
-                                 [&] { wrapper.addMarker("a", kClose); });
+    expectFailure("Marker 'a' not matched with last opened marker 'b'", wrapper, "a", kClose);
     wrapper.addMarker("b", kClose);
     wrapper.addMarker("a", kClose);
     wrapper.addMarker("b", kOpen);
@@ -33,28 +37,17 @@ TEST(CdoMarkers, CloseInnermostFirstAndMayOpenAgain) {
     EXPECT_NO_THROW(wrapper.markerCheck());
 }
 
-TEST(CdoMarkers, ViolationsAreNamedAndChangeNothing) {
+TEST(CdoMarkers, ViolationsAndOtherKindsChangeNothing) {
     HBSCdoSequenceWrapper wrapper("boot", nullptr);
-    expectThrows<command_failed>("Marker '%s' is not opened",
-                                 [&] { wrapper.addMarker("%s", kClose); });
+    expectFailure("Marker '%s' is not opened", wrapper, "%s", kClose);
     for (const char* name : {"a", "", "b"})
         wrapper.addMarker(name, kOpen);
-    expectThrows<command_failed>("Marker 'a' is already opened",
-                                 [&] { wrapper.addMarker("a", kOpen); });
-    expectThrows<command_failed>("Marker 'x' not matched with last opened marker 'b'",
-                                 [&] { wrapper.addMarker("x", kClose); });
+    expectFailure("Marker 'a' is already opened", wrapper, "a", kOpen);
+    expectFailure("Marker 'x' not matched with last opened marker 'b'", wrapper, "x", kClose);
+    for (const unsigned kind : {0U, 99U, 102U, ~0U})
+        EXPECT_NO_THROW(wrapper.addMarker("a", kind));
     for (int again = 0; again < 2; ++again)
         expectThrows<command_failed>("Marker 'b, , a' not closed", [&] { wrapper.markerCheck(); });
-}
-
-TEST(CdoMarkers, OtherKindsAreIgnored) {
-    HBSCdoSequenceWrapper wrapper("boot", nullptr);
-    wrapper.addMarker("a", kOpen);
-    for (const unsigned kind : {0U, 99U, 102U, ~0U}) {
-        EXPECT_NO_THROW(wrapper.addMarker("a", kind));
-        EXPECT_NO_THROW(wrapper.addMarker("b", kind));
-    }
-    expectThrows<command_failed>("Marker 'a' not closed", [&] { wrapper.markerCheck(); });
 }
 
 TEST(CdoSequences, AreFoundByNameAndByAddress) {

@@ -13,18 +13,12 @@ using namespace hardblock;
 TEST(HardBlockData, GivesTheStoredInterfaceForAnEqualName) {
     HardBlockData block("b");
     Interface* first = block.createInterface("i");
-    first->addParameter("p", "1");
     for (int i = 0; i < 1000; ++i)
         block.createInterface(std::to_string(i));
     first->setName("renamed");
     EXPECT_EQ(first, block.createInterface("i"));
     EXPECT_EQ(first, block.getInterfaceByName("i"));
     EXPECT_EQ(nullptr, block.getInterfaceByName("renamed"));
-    first->addParameter("p", "2");
-    EXPECT_EQ("1", first->getParameterByName("p"));
-    EXPECT_EQ("", first->getParameterByName("q"));
-    EXPECT_EQ(1,
-              std::distance(first->getParameterStartIterator(), first->getParameterEndIterator()));
 }
 
 TEST(MappedPort, GivesItsNameAwayWhenMoved) {

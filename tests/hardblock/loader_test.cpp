@@ -36,24 +36,19 @@ std::string pinText(const Pin& pin) {
            std::to_string(pin.getRightSize());
 }
 
-struct PinCase {
-    const char* body;
-    const char* pin;
-};
-
 TEST(Loader, ReadsPinsOfEveryForm) {
-    for (const auto& [body, pin] : std::vector<PinCase>{
-             {"", "wire INOUT '' -1:-1"},
-             {R"("size_left": 7, "type": "VECTOR", "direction": "Out")", "vector OUT '' 7:-1"},
-             {R"("direction": "iN", "type": "bus", "x": 1)", "wire IN '' -1:-1"},
-             {R"("direction": "bidir", "default_val": -5)", "wire INOUT '-5' -1:-1"},
-             {R"("size_left": " +7x", "size_right": "abc")", "wire INOUT '' 7:0"},
-             {R"("size_left": "99999999999", "size_right": true)", "wire INOUT '' 0:1"},
-             {R"("size_left": 4294967301, "default_val": 0)", "wire INOUT '0' 5:-1"},
-             {R"("default_val": ["a", 1, "b", null])", "wire INOUT 'ab' -1:-1"},
-             {R"("default_val": "a\u0000b", "direction": "in\u0000")", "wire IN 'a' -1:-1"},
-             {R"("default_val": false, "default_val": 1)", "wire INOUT 'false' -1:-1"},
-         }) {
+    using Case = std::pair<const char*, const char*>;
+    for (const auto& [body, pin] :
+         {Case{"", "wire INOUT '' -1:-1"},
+          Case{R"("size_left": 7, "type": "VECTOR", "direction": "Out")", "vector OUT '' 7:-1"},
+          Case{R"("direction": "iN", "type": "bus", "x": 1)", "wire IN '' -1:-1"},
+          Case{R"("direction": "bidir", "default_val": -5)", "wire INOUT '-5' -1:-1"},
+          Case{R"("size_left": " +7x", "size_right": "abc")", "wire INOUT '' 7:0"},
+          Case{R"("size_left": "99999999999", "size_right": true)", "wire INOUT '' 0:1"},
+          Case{R"("size_left": 4294967301, "default_val": 0)", "wire INOUT '0' 5:-1"},
+          Case{R"("default_val": ["a", 1, "b", null])", "wire INOUT 'ab' -1:-1"},
+          Case{R"("default_val": "a\u0000b", "direction": "in\u0000")", "wire IN 'a' -1:-1"},
+          Case{R"("default_val": false, "default_val": 1)", "wire INOUT 'false' -1:-1"}}) {
         const Loaded loaded(R"({"b": {"pins": {"p": {)" + std::string(body) + "}}}}");
         EXPECT_TRUE(loaded.good);
         EXPECT_EQ(pin, pinText(**loaded.blocks.at(0)->getPinsStartIterator())) << body;

@@ -14,24 +14,16 @@ namespace {
 using namespace hardblock;
 
 TEST(SplitPortName, ReadsEveryRange) {
-    for (const auto& [text, expected] : std::vector<std::pair<std::string, std::string>>{
-             {"x[7:4]", "x 7:4 true"},
-             {"x[3]", "x 3:3 true"},
-             {"x", "x -1:-1 false"},
-             {"x[]", "x -1:-1 false"},
-             {"x[7", "x[7 -1:-1 false"},
-             {"x]7[3]", "x]7 -1:-1 false"},
-             {"x[1:2:3]", "x 1:3 true"},
-             {"x[7:]", "x 7:7 true"},
-             {"[:]", " 0:0 true"},
-             {"x[-1:5]", "x 5:5 true"},
-             {"x[5:-1]", "x 5:5 true"},
-             {"x[-1]", "x -1:-1 false"},
-             {"x[ \t+7a:q]y[1]", "x 7:0 true"},
-             {"x[+-7:- 7]", "x 0:0 true"},
-             {"x[2147483648:-2147483649]", "x 2147483647:-2147483648 true"},
-             {std::string("x[4\0", 4) + "5]", "x 4:4 true"},
-         }) {
+    using Case = std::pair<std::string, std::string>;
+    for (const auto& [text, expected] :
+         {Case{"x[7:4]", "x 7:4 true"}, Case{"x[3]", "x 3:3 true"}, Case{"x", "x -1:-1 false"},
+          Case{"x[]", "x -1:-1 false"}, Case{"x[7", "x[7 -1:-1 false"},
+          Case{"x]7[3]", "x]7 -1:-1 false"}, Case{"x[1:2:3]", "x 1:3 true"},
+          Case{"x[7:]", "x 7:7 true"}, Case{"[:]", " 0:0 true"}, Case{"x[-1:5]", "x 5:5 true"},
+          Case{"x[5:-1]", "x 5:5 true"}, Case{"x[-1]", "x -1:-1 false"},
+          Case{"x[ \t+7a:q]y[1]", "x 7:0 true"}, Case{"x[+-7:- 7]", "x 0:0 true"},
+          Case{"x[2147483648:-2147483649]", "x 2147483647:-2147483648 true"},
+          Case{std::string("x[4\0", 4) + "5]", "x 4:4 true"}}) {
         std::string name;
         int right = -1;
         int left = -1;
@@ -42,34 +34,22 @@ TEST(SplitPortName, ReadsEveryRange) {
     }
 }
 
-struct LookUp {
-    const char* port;
-    const char* mapped;
-    const char* asked;
-    const char* answer;
-};
-
 TEST(PortMap, AnswersForOneMapping) {
-    for (const LookUp& c : std::vector<LookUp>{
-             {"A[7:4]", "X[3:0]", "A[6]", "X[2]"},
-             {"A[7:4]", "X[3:0]", "A[7:4]", "X[0]"},
-             {"A[7:4]", "X[3:0]", "A[3]", ""},
-             {"A[7:4]", "X[3:0]", "A", ""},
-             {"A[4:7]", "X[3:0]", "A[5]", ""},
-             {"B", "Y", "B", "Y"},
-             {"B", "Y", "B[5]", "Y[5]"},
-             {"C[2]", "Z", "C[2]", "Z"},
-             {"D[3:0]", "Z", "D[2]", "Z[2]"},
-             {"E", "W[4]", "E", "W[4]"},
-             {"E", "W[9:4]", "E[1]", "W[5]"},
-             {"F[3:-5]", "V[0]", "F", ""},
-             {"E", "W[2147483647]", "E[1]", "W[-2147483648]"},
-             {"G[2147483647:-2147483648]", "W[2147483647]", "G[2147483647]", "W[2147483646]"},
-         }) {
+    struct Case {
+        const char *port, *mapped, *asked, *answer;
+    };
+    for (const auto& [port, mapped, asked, answer] :
+         {Case{"A[7:4]", "X[3:0]", "A[6]", "X[2]"}, Case{"A[7:4]", "X[3:0]", "A[7:4]", "X[0]"},
+          Case{"A[7:4]", "X[3:0]", "A[3]", ""}, Case{"A[7:4]", "X[3:0]", "A", ""},
+          Case{"A[4:7]", "X[3:0]", "A[5]", ""}, Case{"B", "Y", "B", "Y"},
+          Case{"B", "Y", "B[5]", "Y[5]"}, Case{"C[2]", "Z", "C[2]", "Z"},
+          Case{"D[3:0]", "Z", "D[2]", "Z[2]"}, Case{"E", "W[4]", "E", "W[4]"},
+          Case{"E", "W[9:4]", "E[1]", "W[5]"}, Case{"F[3:-5]", "V[0]", "F", ""},
+          Case{"E", "W[2147483647]", "E[1]", "W[-2147483648]"},
+          Case{"G[2147483647:-2147483648]", "W[2147483647]", "G[2147483647]", "W[2147483646]"}}) {
         Interface interface("i");
-        interface.addPortMap(c.port, c.mapped);
-        EXPECT_EQ(c.answer, interface.getPortMapByName(c.asked))
-            << c.port << " " << c.mapped << " " << c.asked;
+        interface.addPortMap(port, mapped);
+        EXPECT_EQ(answer, interface.getPortMapByName(asked)) << port << " " << asked;
     }
 }
 
