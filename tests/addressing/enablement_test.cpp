@@ -50,51 +50,38 @@ TEST(TclInterpreter, LeavesTheLocaleAlone) {
     std::setlocale(LC_ALL, before.c_str());
 }
 
-struct Decision {
-    const char* expression;
-    bool isTrue;
-    bool isReported;
-
-    friend void PrintTo(const Decision& decision, std::ostream* out) {
-        *out << decision.expression;
-    }
-};
-
-class Decisions : public testing::TestWithParam<Decision> {};
-
-TEST_P(Decisions, FollowTheOrderOfTheRules) {
+TEST(EvalEnablement, FollowsTheOrderOfTheRules) {
     const auto block = blocks::top("decisions");
     HABMBlock& inner = blocks::sub(*block, "u0");
     blocks::setRegister(inner, "ONE", "0x1");
     blocks::setRegister(inner, "WIDE", "0xffffffffffffffff");
     blocks::setRegister(inner, "NONE", "");
-    const TclInterpreter tcl;
-    const support::CapturedMessages messages;
-    const auto [expression, isTrue, isReported] = GetParam();
-    EXPECT_EQ(isTrue, evalEnablement(tcl.get(), block.get(), "u0", expression));
-    EXPECT_EQ(isReported ? 1U : 0U, messages.all().size());
-    EXPECT_TRUE(evalEnablement(tcl.get(), block.get(), "", expression));
-    EXPECT_TRUE(evalEnablement(tcl.get(), block.get(), "u1", expression));
-    EXPECT_EQ(isReported ? 1U : 0U, messages.all().size());
+    struct Case {
+        const char* expression;
+        bool isTrue, isReported;
+    };
+    for (const auto& [expression, isTrue, isReported] :
+         {Case{"", true, false}, Case{"1 == 1", true, false}, Case{"1 == 2", false, false},
+          Case{"1 + 1", false, false}, Case{"get_nothing(", true, false},
+          Case{" get_nothing(", true, true}, Case{"1 +", true, true},
+          Case{"register_value(ONE)", true, false}, // expr makes a "1" of "0x1"
+          Case{"register_value(  ONE) == 1", true, false},
+          Case{"register_value(m/b/ONE) == 2", false, false},
+          Case{"register_value(ONE ) == 2", true, true},
+          Case{"register_value(ABSENT) == 1", true, true},
+          Case{"register_value(NONE) || register_value(ONE) == 2", true, true},
+          Case{"register_value(WIDE) == 18446744073709551615", true, false},
+          // The second reference moved under the scan, so that Tcl meets it.
+          Case{"register_value(ONE)==2 || register_value(ONE)==2", true, true},
+          Case{"[string length {a}] == 2", false, false}}) {
+        const TclInterpreter tcl;
+        const support::CapturedMessages messages;
+        EXPECT_EQ(isTrue, evalEnablement(tcl.get(), block.get(), "u0", expression)) << expression;
+        for (const char* nowhere : {"", "u1"})
+            EXPECT_TRUE(evalEnablement(tcl.get(), block.get(), nowhere, expression)) << expression;
+        EXPECT_EQ(isReported ? 1U : 0U, messages.all().size()) << expression;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Expressions, Decisions,
-    testing::Values(Decision{"", true, false}, Decision{"1 == 1", true, false},
-                    Decision{"1 == 2", false, false}, Decision{"1 + 1", false, false},
-
-                    Decision{"get_nothing(", true, false}, Decision{" get_nothing(", true, true},
-                    Decision{"1 +", true, true},
-                    Decision{"register_value(ONE)", true, false}, // expr makes a "1" of "0x1"
-                    Decision{"register_value(  ONE) == 1", true, false},
-                    Decision{"register_value(m/b/ONE) == 2", false, false},
-                    Decision{"register_value(ONE ) == 2", true, true},
-                    Decision{"register_value(ABSENT) == 1", true, true},
-                    Decision{"register_value(NONE) || register_value(ONE) == 2", true, true},
-                    Decision{"register_value(WIDE) == 18446744073709551615", true, false},
-                    // The second reference moved under the scan, so that Tcl meets it.
-                    Decision{"register_value(ONE)==2 || register_value(ONE)==2", true, true},
-                    Decision{"[string length {a}] == 2", false, false}));
 
 /// A registers, deep: /a with A=0x1f and B, /a/b with C.
 std::unique_ptr<HABMBlock> tree() {
@@ -151,30 +138,26 @@ TEST(LoadBlockNamespace, LoadsNothingBelowABadVlnv) {
 
 /// Names that would run "set ::ran 1", or set something that nobody meant, if they were quoted
 /// badly.
-class HostileNames : public testing::TestWithParam<std::string> {};
-
-TEST_P(HostileNames, OfInstancesAndRegistersAreReportedAndRunNothing) {
-    for (const bool isInstance : {true, false}) {
-        const auto block = blocks::top("hostile");
-        HABMBlock& inner = blocks::sub(*block, isInstance ? GetParam() : "u0");
-        inner.setModuleVlnv(blocks::vlnv("u0"));
-        blocks::setRegister(inner, isInstance ? "R" : GetParam(), "0x1");
-        blocks::setRegister(blocks::sub(*block, "good"), "R", "0x2");
-        const TclInterpreter tcl;
-        const support::CapturedMessages messages;
-        loadBlockNamespace(tcl.get(), block.get(), "");
-        ASSERT_EQ(1U, messages.all().size());
-        EXPECT_EQ(kTclError, messages.all().front().format);
-        EXPECT_EQ("0", value(tcl, "info exists ::ran"));
-        EXPECT_EQ("0", value(tcl, "info exists ::u0::registers"));
-        EXPECT_EQ("0x2", value(tcl, "set ::good::R")) << "siblings are loaded all the same";
-    }
+TEST(HostileNames, OfInstancesAndRegistersAreReportedAndRunNothing) {
+    for (const std::string& name :
+         {std::string("[set ::ran 1]"), std::string("a b"), std::string("a;set ::ran 1"),
+          std::string("a\nset ::ran 1"), std::string("$tcl_version"), std::string("a\\"),
+          std::string("a{ b"), std::string("a\0b", 3), std::string("} ; set ::ran 1 ; {")})
+        for (const bool isInstance : {true, false}) {
+            const auto block = blocks::top("hostile");
+            HABMBlock& inner = blocks::sub(*block, isInstance ? name : "u0");
+            inner.setModuleVlnv(blocks::vlnv("u0"));
+            blocks::setRegister(inner, isInstance ? "R" : name, "0x1");
+            blocks::setRegister(blocks::sub(*block, "good"), "R", "0x2");
+            const TclInterpreter tcl;
+            const support::CapturedMessages messages;
+            loadBlockNamespace(tcl.get(), block.get(), "");
+            ASSERT_EQ(1U, messages.all().size()) << name;
+            EXPECT_EQ(kTclError, messages.all().front().format);
+            EXPECT_EQ("0 0", value(tcl, "list [info exists ::ran] [info exists ::u0::registers]"));
+            EXPECT_EQ("0x2", value(tcl, "set ::good::R")) << "siblings are loaded all the same";
+        }
 }
-
-INSTANTIATE_TEST_SUITE_P(Names, HostileNames,
-                         testing::Values("[set ::ran 1]", "a b", "a;set ::ran 1", "a\nset ::ran 1",
-                                         "$tcl_version", "a\\", "a{ b", std::string("a\0b", 3),
-                                         "} ; set ::ran 1 ; {"));
 
 TEST(HostileNames, ThatAreOneWordAreCarried) {
     const auto block = blocks::top("odd");

@@ -38,7 +38,6 @@ TEST(PointerIndex, AnswersTheSameWhenItStartsHashing) {
     ASSERT_EQ(keys.size(), index.size());
     for (std::size_t i = 0; i < keys.size(); ++i) {
         EXPECT_EQ(&keys[i], index.keyAt(i));
-        ASSERT_NE(nullptr, index.find(&keys[i]));
         EXPECT_EQ(&elements[i], index.find(&keys[i])->front());
     }
 }

@@ -25,40 +25,29 @@ std::string replaced(const std::string& expression, const Values& values) {
     return references.text();
 }
 
-struct Pass {
-    const char* about;
-    std::string expression;
-    std::string text;
-
-    friend void PrintTo(const Pass& pass, std::ostream* out) { *out << pass.about; }
-};
-
-const std::string kLong(40, 'L');
-const std::string kLongReference = "register_value(" + kLong + ")";
-
-class ReferencePasses : public testing::TestWithParam<Pass> {};
-
-TEST_P(ReferencePasses, ReplaceWhatTheySee) {
+TEST(RegisterReferences, AreReplacedAsOnePassSeesThem) {
+    const std::string name(40, 'L');
     const Values values{
-        {"A", "0x1"}, {"B", "0x2"}, {"W", "0xffffffffffffffff"}, {kLong, "0x3"}, {"", "0x4"}};
-    EXPECT_EQ(GetParam().text, replaced(GetParam().expression, values));
+        {"A", "0x1"}, {"B", "0x2"}, {"W", "0xffffffffffffffff"}, {name, "0x3"}, {"", "0x4"}};
+    struct Case {
+        const char* about;
+        std::string expression, text;
+    };
+    for (const auto& [about, expression, text] :
+         {Case{"blanks in front are skipped", "register_value( \t\nA)", "0x1"},
+          Case{"blanks behind belong to the name", "register_value(A )", "register_value(A )"},
+          Case{"an empty name is a name", "register_value( )", "0x4"},
+          Case{"a reference that moved under the scan isn't seen",
+               "register_value(A)==1 && register_value(B)==2", "0x1==1 && register_value(B)==2"},
+          Case{"old copies stay for all that moved",
+               "register_value(" + name + ")+register_value(B)+register_value(B)", "0x3+0x2+0x2"},
+          Case{"a value longer than its reference keeps what follows",
+               "register_value(W) == 1 && register_value(A) == 1 ",
+               "0xffffffffffffffff == 1 && 0x1 == 1 "},
+          Case{"the search ends at the length of the start", "register_value(W)+register_value(A)",
+               "0xffffffffffffffff+register_value(A)"}})
+        EXPECT_EQ(text, replaced(expression, values)) << about;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Expressions, ReferencePasses,
-    testing::Values(
-        Pass{"blanks in front are skipped", "register_value( \t\nA)", "0x1"},
-        Pass{"blanks behind belong to the name", "register_value(A )", "register_value(A )"},
-        Pass{"an empty name is a name", "register_value( )", "0x4"},
-        Pass{"a reference that moved under the scan isn't seen",
-             "register_value(A)==1 && register_value(B)==2", "0x1==1 && register_value(B)==2"},
-        Pass{"old copies stay for all that moved",
-             kLongReference + "+register_value(B)+register_value(B)", "0x3+0x2+0x2"},
-        Pass{"a value longer than its reference keeps what follows",
-             "register_value(W) == 1 && register_value(A) == 1 ",
-             "0xffffffffffffffff == 1 && 0x1 == 1 "},
-        Pass{"the search ends at the length of the start", "register_value(W)+register_value(A)",
-             "0xffffffffffffffff+register_value(A)"}));
 
 /// The same pass made with the regular expression itself.
 std::string replacedByRegex(std::string buffer, const Values& values) {

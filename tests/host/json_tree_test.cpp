@@ -24,36 +24,23 @@ TEST(JsonTree, KnowsWhereEveryValueStarts) {
     EXPECT_EQ("f:3:16", file.place(file.root().find("b")->offset));
 }
 
-struct Complaint {
-    const char* content;
-    const char* text;
-
-    friend void PrintTo(const Complaint& complaint, std::ostream* out) {
-        *out << testing::PrintToString(complaint.content);
-    }
-};
-
-class JsonComplaints : public testing::TestWithParam<Complaint> {};
-
-TEST_P(JsonComplaints, NameThePlace) {
-    support::expectThrows<host::BadInput>(GetParam().text, [] {
-        const JsonFile file = JsonFile::parse("f", GetParam().content);
-        file.expectKeys(file.root(), {"k", "l"});
-        (void)file.number(file.require(file.root(), "k"));
-    });
+TEST(JsonTree, ComplainsWithThePlace) {
+    using Case = std::pair<const char*, const char*>;
+    for (const auto& [content, text] :
+         {Case{"", "f:1:1: The document is empty."},
+          Case{"{\n\"k\" 1}", "f:2:5: Missing a colon after a name of object member."},
+          Case{"{\"k\":\n \"1\"}", "f:2:2: expected a number, found a text"},
+          Case{"{\"m\":1}", "f:1:2: unknown key \"m\", expected one of: k, l"},
+          Case{"{\"k\":1,\n\"k\":2}", "f:2:1: the key \"k\" stands here a second time"},
+          Case{"{\"\\u001b[\":1}", "f:1:2: unknown key \"\\x1B[\", expected one of: k, l"},
+          Case{" {}", "f:1:2: the key \"k\" is missing"},
+          Case{"[]", "f:1:1: expected an object, found an array"}})
+        support::expectThrows<host::BadInput>(text, [json = content] {
+            const JsonFile file = JsonFile::parse("f", json);
+            file.expectKeys(file.root(), {"k", "l"});
+            (void)file.number(file.require(file.root(), "k"));
+        });
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Files, JsonComplaints,
-    testing::Values(
-        Complaint{"", "f:1:1: The document is empty."},
-        Complaint{"{\n\"k\" 1}", "f:2:5: Missing a colon after a name of object member."},
-        Complaint{"{\"k\":\n \"1\"}", "f:2:2: expected a number, found a text"},
-        Complaint{"{\"m\":1}", "f:1:2: unknown key \"m\", expected one of: k, l"},
-        Complaint{"{\"k\":1,\n\"k\":2}", "f:2:1: the key \"k\" stands here a second time"},
-        Complaint{"{\"\\u001b[\":1}", "f:1:2: unknown key \"\\x1B[\", expected one of: k, l"},
-        Complaint{" {}", "f:1:2: the key \"k\" is missing"},
-        Complaint{"[]", "f:1:1: expected an object, found an array"}));
 
 TEST(JsonTree, RefusesWhatIsNestedTooDeep) {
     EXPECT_NO_THROW(JsonFile::parse("f", std::string(200, '[') + std::string(200, ']')));
