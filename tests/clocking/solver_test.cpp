@@ -34,43 +34,34 @@ TEST_P(PlainReference, AgreesInEveryBitOfEveryField) {
 
 INSTANTIATE_TEST_SUITE_P(, PlainReference, testing::Values(1U, 2U));
 
-struct Worked {
-    std::vector<float> requests;
-    unsigned mul;
-    std::vector<unsigned> dividers;
-    double vcoFreq;
-
-    friend std::ostream& operator<<(std::ostream& out, const Worked& example) {
-        return out << "multiplier " << example.mul << ", requests " << example.requests.size();
-    }
-};
-
-class WorkedExample : public testing::TestWithParam<Worked> {};
-
-TEST_P(WorkedExample, ComesOutToTheDigit) {
-    const Worked& example = GetParam();
-    trees::Tree tree{33.333F, false, {2000.0F}, {}};
-    for (const float request : example.requests)
-        tree.peripherals.push_back({0, request, 100.0F, true});
-    const auto solver = trees::build(tree);
-    ASSERT_TRUE(solver->runSolution());
-    EXPECT_EQ(0.001F, solver->getToleranceFector());
-    const HBSPll* pll = solver->getPll("PLL0");
-    EXPECT_EQ(example.mul, pll->getVcoMul());
-    EXPECT_EQ(2U, pll->getClkoutDiv());
-    EXPECT_EQ(0U, pll->getCrossDomainDiv());
-    EXPECT_NEAR(example.vcoFreq, pll->getVcoFreq(), 0.0005);
-    for (std::size_t i = 0; i < example.dividers.size(); ++i) {
-        const HBSPeripheral* p = solver->getAllPeripherals()[i];
-        EXPECT_EQ(example.dividers[i], p->getClkoutDiv());
-        EXPECT_EQ(pll->getVcoFreq() / example.dividers[i], p->getActualFreq());
+TEST(OnePll, WorkedExamplesComeOutToTheDigit) {
+    struct Case {
+        std::vector<float> requests;
+        unsigned mul;
+        std::vector<unsigned> dividers;
+        double vcoFreq;
+    };
+    for (const auto& [requests, mul, dividers, vcoFreq] :
+         {Case{{100.0F}, 78, {13}, 1299.987}, Case{{100.0F, 250.0F}, 90, {15, 6}, 1499.985},
+          Case{{300.0F, 187.5F}, 90, {5, 8}, 1499.985}}) {
+        trees::Tree tree{33.333F, false, {2000.0F}, {}};
+        for (const float request : requests)
+            tree.peripherals.push_back({0, request});
+        const auto solver = trees::build(tree);
+        ASSERT_TRUE(solver->runSolution());
+        EXPECT_EQ(0.001F, solver->getToleranceFector());
+        const HBSPll* pll = solver->getPll("PLL0");
+        EXPECT_EQ(mul, pll->getVcoMul());
+        EXPECT_EQ(2U, pll->getClkoutDiv());
+        EXPECT_EQ(0U, pll->getCrossDomainDiv());
+        EXPECT_NEAR(vcoFreq, pll->getVcoFreq(), 0.0005);
+        for (std::size_t i = 0; i < dividers.size(); ++i) {
+            const HBSPeripheral* p = solver->getAllPeripherals()[i];
+            EXPECT_EQ(dividers[i], p->getClkoutDiv());
+            EXPECT_EQ(pll->getVcoFreq() / dividers[i], p->getActualFreq());
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(, WorkedExample,
-                         testing::Values(Worked{{100.0F}, 78, {13}, 1299.987},
-                                         Worked{{100.0F, 250.0F}, 90, {15, 6}, 1499.985},
-                                         Worked{{300.0F, 187.5F}, 90, {5, 8}, 1499.985}));
 
 TEST(TwoPll, CrossingPeripheralReadsNoActualFrequency) {
     // PLL 0 serves 100 MHz with the smaller error; PLL 1 has to serve 250 MHz as well.
@@ -115,53 +106,40 @@ TEST(Run, RefusedRunLeavesTheEarlierResultAndFailedRunClearsIt) {
               trees::describe(*solver));
 }
 
-struct Shape {
-    std::vector<unsigned> pllsPerDomain;
-    float referenceMhz;
-    std::string onePllText;
-    std::string twoPllText;
-
-    friend std::ostream& operator<<(std::ostream& out, const Shape& shape) {
-        for (const unsigned plls : shape.pllsPerDomain)
-            out << "domain of " << plls << ", ";
-        return out << "reference " << shape.referenceMhz;
-    }
-};
-
-class Validation : public testing::TestWithParam<Shape> {};
-
-TEST_P(Validation, SaysInOneLineWhatIsWrong) {
-    const auto complaint = [](HBSClockingAlgo&& solver) {
-        for (const unsigned plls : GetParam().pllsPerDomain) {
-            HBSPowerDomain* domain = solver.addPowerDomain("D");
-            for (unsigned i = 0; i < plls; ++i)
-                domain->addPll("PLL", false);
-        }
-        solver.setRefClkFreq(GetParam().referenceMhz);
-        CapturedOutput output;
-        const bool valid = solver.validateConfig();
-        const std::string text = output.text();
-        EXPECT_EQ(valid, text.empty());
-        return text;
+TEST(Validation, SaysInOneLineWhatIsWrong) {
+    const std::string noDomain = "No power domain added\n";
+    const std::string tooMany = "More than One power domain added\n";
+    const std::string notTwo = "Clocking object expects two plls with this config\n";
+    const std::string noPll = "No PLL added to power domain\n";
+    const std::string morePlls = "More than One PLL added to power domain\n";
+    struct Case {
+        std::vector<unsigned> pllsPerDomain;
+        float referenceMhz;
+        std::string onePllText, twoPllText;
     };
-    EXPECT_EQ(GetParam().onePllText, complaint(HBSClockingAlgo1Pll("")));
-    EXPECT_EQ(GetParam().twoPllText, complaint(HBSClockingAlgo2Pll("")));
+    for (const auto& [pllsPerDomain, referenceMhz, onePllText, twoPllText] :
+         {Case{{}, 0.0F, noDomain, noDomain}, Case{{1}, 1.0F, "", notTwo},
+          Case{{0}, 0.0F, noPll, notTwo}, Case{{2}, 0.0F, morePlls, notTwo},
+          Case{{1}, 0.0F, noPll, notTwo}, Case{{1}, std::nanf(""), "", notTwo},
+          Case{{1, 1}, 1.0F, tooMany, ""}, Case{{2, 0}, 0.0F, tooMany, noPll},
+          Case{{1, 2}, 0.0F, tooMany, morePlls},
+          Case{{1, 1}, 0.0F, tooMany, "Input freq. is not set\n"},
+          Case{{1, 1, 1}, 1.0F, tooMany, notTwo}}) {
+        HBSClockingAlgo1Pll one("");
+        HBSClockingAlgo2Pll two("");
+        for (auto [solver, text] :
+             {std::pair<HBSClockingAlgo*, std::string>{&one, onePllText}, {&two, twoPllText}}) {
+            for (const unsigned plls : pllsPerDomain) {
+                HBSPowerDomain* domain = solver->addPowerDomain("D");
+                for (unsigned i = 0; i < plls; ++i)
+                    domain->addPll("PLL", false);
+            }
+            solver->setRefClkFreq(referenceMhz);
+            CapturedOutput output;
+            EXPECT_EQ(text.empty(), solver->validateConfig());
+            EXPECT_EQ(text, output.text());
+        }
+    }
 }
-
-const std::string kNoDomain = "No power domain added\n";
-const std::string kTooMany = "More than One power domain added\n";
-const std::string kNotTwo = "Clocking object expects two plls with this config\n";
-const std::string kNoPll = "No PLL added to power domain\n";
-const std::string kMorePlls = "More than One PLL added to power domain\n";
-
-INSTANTIATE_TEST_SUITE_P(
-    , Validation,
-    testing::Values(Shape{{}, 0.0F, kNoDomain, kNoDomain}, Shape{{1}, 1.0F, "", kNotTwo},
-                    Shape{{0}, 0.0F, kNoPll, kNotTwo}, Shape{{2}, 0.0F, kMorePlls, kNotTwo},
-                    Shape{{1}, 0.0F, kNoPll, kNotTwo}, Shape{{1}, std::nanf(""), "", kNotTwo},
-                    Shape{{1, 1}, 1.0F, kTooMany, ""}, Shape{{2, 0}, 0.0F, kTooMany, kNoPll},
-                    Shape{{1, 2}, 0.0F, kTooMany, kMorePlls},
-                    Shape{{1, 1}, 0.0F, kTooMany, "Input freq. is not set\n"},
-                    Shape{{1, 1, 1}, 1.0F, kTooMany, kNotTwo}));
 
 } // namespace

@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "HSTStringUtils.h"
 #include "HUTEnv.h"
 #include "HUTFile.h"
 #include "HUTFileWriteStream.h"
@@ -109,14 +108,6 @@ TEST(WriteStream, ReplacesAFileAndTellsOfFailure) {
     EXPECT_FALSE(HUTFileWriteStream(folder.file("fifo"), 2).good());
     EXPECT_FALSE(HUTFileWriteStream(folder.file("none/file"), 2).good());
     EXPECT_FALSE(HUTFileWriteStream(path, 1).good());
-}
-
-TEST(StringUtils, KnowAsciiLettersAlone) {
-    EXPECT_EQ("AZ[`{\xE4", HSTStringUtils::to_upper("aZ[`{\xE4"));
-    EXPECT_TRUE(HSTStringUtils::istarts_with("0Xff", "0x"));
-    EXPECT_TRUE(HSTStringUtils::istarts_with("x", ""));
-    EXPECT_FALSE(HSTStringUtils::istarts_with("0", "0x"));
-    EXPECT_FALSE(HSTStringUtils::istarts_with("@", "`"));
 }
 
 } // namespace

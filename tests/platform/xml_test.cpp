@@ -27,36 +27,23 @@ std::string written(const std::shared_ptr<HXMLWElement>& root) {
     return support::readFile(folder.file("f")).substr(kHead.size());
 }
 
-struct TextForm {
-    std::string text;
-    const char* attribute;
-
-    friend void PrintTo(const TextForm& form, std::ostream* out) {
-        *out << testing::PrintToString(form.text);
+TEST(XmlElement, DividesATextAtTheFirstEqualsSign) {
+    using Case = std::pair<std::string, std::string>;
+    for (const auto& [text, attribute] :
+         {Case{"@K=v", "K=\"v\""}, Case{"@K = v", "K=\"v\""}, Case{"@K=", "K=\"\""},
+          Case{"@K = ", "K=\"\""}, Case{"@K= v ", "K=\" v \""}, Case{"@K =  v", "K=\" v\""},
+          Case{"@K=a=b = c,d", "K=\"a=b = c,d\""}, Case{"K=v", "K=\"v\""}, Case{"@K", "K=\"\""},
+          Case{"", "_=\"\""}, Case{"@=v", "_=\"v\""}, Case{"@1<K=v", "_1_K=\"v\""},
+          Case{"@K=\t\n\r", "K=\"&#09;&#10;&#13;\""},
+          Case{std::string("@K=a\0b\x1b", 7), "K=\"a\uFFFDb\uFFFD\""},
+          Case{"@K=é\xC3(\xF4\x90\x80\x80\xC0\xAF\xE2\x82",
+               "K=\"é\uFFFD(\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\""},
+          Case{"@K=<\"&'", "K=\"&lt;&quot;&amp;'\""}}) {
+        const auto root = HXMLWInterface::createRoot("R");
+        root->addProperty(text);
+        EXPECT_EQ("<R " + attribute + " />\n", written(root));
     }
-};
-
-class TextForms : public testing::TestWithParam<TextForm> {};
-
-TEST_P(TextForms, DivideAtTheFirstEqualsSign) {
-    const auto root = HXMLWInterface::createRoot("R");
-    root->addProperty(GetParam().text);
-    EXPECT_EQ("<R " + std::string(GetParam().attribute) + " />\n", written(root));
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Properties, TextForms,
-    testing::Values(TextForm{"@K=v", "K=\"v\""}, TextForm{"@K = v", "K=\"v\""},
-                    TextForm{"@K=", "K=\"\""}, TextForm{"@K = ", "K=\"\""},
-                    TextForm{"@K= v ", "K=\" v \""}, TextForm{"@K =  v", "K=\" v\""},
-                    TextForm{"@K=a=b = c,d", "K=\"a=b = c,d\""}, TextForm{"K=v", "K=\"v\""},
-                    TextForm{"@K", "K=\"\""}, TextForm{"", "_=\"\""}, TextForm{"@=v", "_=\"v\""},
-                    TextForm{"@1<K=v", "_1_K=\"v\""},
-                    TextForm{"@K=\t\n\r", "K=\"&#09;&#10;&#13;\""},
-                    TextForm{std::string("@K=a\0b\x1b", 7), "K=\"a\uFFFDb\uFFFD\""},
-                    TextForm{"@K=é\xC3(\xF4\x90\x80\x80\xC0\xAF\xE2\x82",
-                             "K=\"é\uFFFD(\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\""},
-                    TextForm{"@K=<\"&'", "K=\"&lt;&quot;&amp;'\""}));
 
 TEST(XmlElement, KeepsTheFirstPlaceAndTheLastValueOfAnAttribute) {
     const auto root = HXMLWInterface::createRoot("R");
@@ -102,12 +89,11 @@ TEST(XmlFile, IsLeftAloneWhereWritingFails) {
     fs::create_directory(folder.file("d"));
     ASSERT_EQ(0, mkfifo(folder.file("fifo").c_str(), 0600));
     fs::create_symlink("loop", folder.file("loop"));
-    const std::pair<const char*, const char*> cases[] = {
-        {"d", "Is a directory"},
-        {"fifo", "Not a regular file"},
-        {"none/f", "No such file or directory"},
-        {"loop", "Too many levels of symbolic links"}};
-    for (const auto& [name, cause] : cases) {
+    using Case = std::pair<const char*, const char*>;
+    for (const auto& [name, cause] :
+         {Case{"d", "Is a directory"}, Case{"fifo", "Not a regular file"},
+          Case{"none/f", "No such file or directory"},
+          Case{"loop", "Too many levels of symbolic links"}}) {
         const std::string path = folder.file(name);
         support::expectThrows<HEXError>("can't write '" + path + "': " + cause,
                                         [&] { HXMLWInterface::writeToFile(root, path); });

@@ -10,43 +10,26 @@ namespace {
 using namespace hbs::regfile;
 
 TEST(RegisterNumbers, EveryTextReadsAsHexadecimal) {
-    const std::pair<const char*, std::uint64_t> cases[] = {
-        {"", 0},
-        {"1024", 0x1024},
-        {"0x1aF", 0x1AF},
-        {"0X1aF", 0x1AF},
-        {"12x34", 0x34},
-        {"0x1X2", 2},
-        {"12x", 0},
-        {"FFFFFFFFFFFFFFFF", UINT64_MAX},
-        {"0x123456789ABCDEF012", 0x3456789ABCDEF012},
-        {"1 2", UINT64_MAX},
-        {"12h", UINT64_MAX},
-        {"-1", UINT64_MAX},
-        {"\xC3\xA4", UINT64_MAX},
-    };
-    for (const auto& [text, value] : cases)
+    using Case = std::pair<const char*, std::uint64_t>;
+    for (const auto& [text, value] :
+         {Case{"", 0}, Case{"1024", 0x1024}, Case{"0x1aF", 0x1AF}, Case{"0X1aF", 0x1AF},
+          Case{"12x34", 0x34}, Case{"0x1X2", 2}, Case{"12x", 0},
+          Case{"FFFFFFFFFFFFFFFF", UINT64_MAX}, Case{"0x123456789ABCDEF012", 0x3456789ABCDEF012},
+          Case{"1 2", UINT64_MAX}, Case{"12h", UINT64_MAX}, Case{"-1", UINT64_MAX},
+          Case{"\xC3\xA4", UINT64_MAX}})
         EXPECT_EQ(value, hexValue(text)) << text;
 }
 
 TEST(RegisterNumbers, OffsetsAreAddedAndCut) {
     struct Case {
-        const char* offset;
-        const char* base;
-        const char* result;
+        const char *offset, *base, *result;
     };
-    for (const auto& [offset, base, result] : {
-             Case{"10", "F1000000", "0XF1000010"},
-             Case{"0x10", "0xF1000000", "0XF1000010"},
-             Case{"0x4", "0x100000000", "0X4"},
-             Case{"0x0", "0x0", "0X"},
-             Case{"", "", "0X"},
-             Case{"0x100 + 4", "", "0X100"},
-             Case{"0x1 00 + bad + 3", "", "0X100"},
-             Case{"+4", "0x10", "0X10"},
-             Case{"1 0", "0x1000", "0XFFF"},
-             Case{"bad!", "0", "0XFFFFFFFF"},
-         })
+    for (const auto& [offset, base, result] :
+         {Case{"10", "F1000000", "0XF1000010"}, Case{"0x10", "0xF1000000", "0XF1000010"},
+          Case{"0x4", "0x100000000", "0X4"}, Case{"0x0", "0x0", "0X"}, Case{"", "", "0X"},
+          Case{"0x100 + 4", "", "0X100"}, Case{"0x1 00 + bad + 3", "", "0X100"},
+          Case{"+4", "0x10", "0X10"}, Case{"1 0", "0x1000", "0XFFF"},
+          Case{"bad!", "0", "0XFFFFFFFF"}})
         EXPECT_EQ(result, absoluteOffset(offset, base)) << offset;
 }
 
