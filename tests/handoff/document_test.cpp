@@ -12,11 +12,8 @@
 
 namespace {
 
-using handoff_support::Element;
-using handoff_support::Job;
-using handoff_support::Texts;
+using namespace handoff_support;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 /// Sets a tool parameter while it lives.
 class Parameter {
@@ -71,21 +68,20 @@ TEST(Handoff, OfTheSampleDeviceIsTheOneMadeByHand) {
         << support::run("diff " TQ_SOURCE_DIR "/tests/handoff/golden.hwh " + folder.file("a"))
                .output;
     EXPECT_TRUE(expected == support::readFile(folder.file("b")));
-    EXPECT_EQ("LOMSYSTEM", handoff_support::readXml(folder.file("a")).name);
+    EXPECT_EQ("/LOMSYSTEM", readXml(folder.file("a")).at(0).path);
 }
 
 TEST(Handoff, WithoutMetadataHoldsTheSystemAndGainsTheKeysItAskedFor) {
     Job job;
     job.system = {{"package", "p"}};
-    const Element root = job.run("{}");
-    EXPECT_EQ("TIMESTAMP", root.attributes.at(2).first);
-    const char* const sections[] = {"STSTEMINFO", "EXTERNALPORTS", "EXTERNALINTERFACES", "MODULES"};
-    ASSERT_EQ(std::size(sections), root.children.size());
-    for (std::size_t i = 0; i < root.children.size(); ++i)
-        EXPECT_EQ(sections[i], root.children[i].name);
-    EXPECT_THAT(root.values("STSTEMINFO", {"ARCH", "DEVICE", "NAME", "PACKAGE", "SPEEDGRADE"}),
+    const Document document = job.run("{}");
+    std::string paths;
+    for (const Element& element : document)
+        paths += element.path.substr(10) + " ";
+    EXPECT_EQ(" /STSTEMINFO /EXTERNALPORTS /EXTERNALINTERFACES /MODULES ", paths);
+    EXPECT_TRUE(document.at(0).attributes.contains("TIMESTAMP"));
+    EXPECT_THAT(values(document, "STSTEMINFO", {"ARCH", "DEVICE", "NAME", "PACKAGE", "SPEEDGRADE"}),
                 ElementsAre("  _top p "));
-    EXPECT_THAT(root.children[3].children, IsEmpty());
     const Texts gained{
         {"device", ""}, {"family", ""}, {"package", "p"}, {"ps_core_name", ""}, {"speedgrade", ""}};
     EXPECT_EQ(gained, job.system);
@@ -98,7 +94,7 @@ TEST(Handoff, GoesToItsDefaultPlaceWhenNoneIsNamed) {
     std::filesystem::current_path(job.folder.path());
     HBSGenerateService::generateHWH(job.design, job.system, input, "");
     std::filesystem::current_path(before);
-    EXPECT_EQ("LOMSYSTEM", handoff_support::readXml(job.folder.file("ksb.hwh")).name);
+    EXPECT_EQ("/LOMSYSTEM", readXml(job.folder.file("ksb.hwh")).at(0).path);
 }
 
 TEST(Handoff, LeavesTheCallersMapsAsTheyWereWhenItFails) {
@@ -122,7 +118,7 @@ TEST(Handoff, LeavesTheCallersMapsAsTheyWereWhenItFails) {
 TEST(Modules, FoldTheOutsideOfAPieceIntoItsInside) {
     Job job;
     job.design = {{"OFF", "0"}, {"ALMOST", "00"}};
-    const Element root = job.run(
+    const Document document = job.run(
         R"("a_EXT": {"SDKNAME": "a", "MODTYPE": "outside", "ENPARAM": "ALMOST"},
            "a_INT": {"SDKNAME": "a", "MODTYPE": "inside", "isMasterOrSlave": "master"},
            "a_INT2": {"SDKNAME": "a", "MODTYPE": "later inside"},
@@ -132,10 +128,10 @@ TEST(Modules, FoldTheOutsideOfAPieceIntoItsInside) {
            "d_EXT": {"SDKNAME": "d", "MODTYPE": "alone"})",
         R"("m": {"SDKNAME": "0m", "CLASSIFICATION": "INTERFACE"},
            "n": {"SDKNAME": "0n", "CLASSIFICATION": "interface"})");
-    EXPECT_THAT(root.values("MODULE", {"INSTANCE", "MODTYPE"}),
+    EXPECT_THAT(values(document, "MODULE", {"INSTANCE", "MODTYPE"}),
                 ElementsAre("a later inside", "b inside", "d alone", "0n "));
     // The fold doesn't reach the memory maps: every enabled slave instance is a range.
-    EXPECT_THAT(root.values("MEMRANGE", {"INSTANCE"}), ElementsAre("a", "a", "a", "b", "d"));
+    EXPECT_THAT(values(document, "MEMRANGE", {"INSTANCE"}), ElementsAre("a", "a", "a", "b", "d"));
 }
 
 TEST(Modules, ExcludedSlavesAreNamedWithTheirDieOnACoreOfSeveral) {
@@ -144,28 +140,28 @@ TEST(Modules, ExcludedSlavesAreNamedWithTheirDieOnACoreOfSeveral) {
          {Core{"tovak", {"", "", "s", "t", "U"}}, Core{"core", {"", "", "s", "s"}}}) {
         Job job;
         job.system["ps_core_name"] = core;
-        const Element root = job.run(
+        const Document document = job.run(
             R"("s0": {"SDKNAME": "s", "SLR_NUMBER": "0"}, "s1": {"SDKNAME": "s", "SLR_NUMBER": "1"},
                "t": {"SDKNAME": "t"}, "u": {"SDKNAME": "U"}, "nameless": {}, "other": {})",
             R"("m": {"SDKNAME": "m", "excluded_slaves": ["s:1", "t", "u"]})");
-        EXPECT_EQ(left, root.values("MEMRANGE", {"INSTANCE"}));
-        EXPECT_EQ(left, root.values("PERIPHERAL", {"INSTANCE"}));
+        EXPECT_EQ(left, values(document, "MEMRANGE", {"INSTANCE"}));
+        EXPECT_EQ(left, values(document, "PERIPHERAL", {"INSTANCE"}));
     }
 }
 
 TEST(Ports, TakeTheirFormFromTheExactKindOfSignal) {
     Job job;
-    const Element root = job.run(module("m", port("a", "CLK") + "," + port("b", "INTR") + "," +
-                                                 port("c", "INTERRUPT") + "," + port("d", "clk") +
-                                                 "," + port("e", "") + "," +
-                                                 port("f", "INTERRUPT", end("core_top", "out"))),
-                                 "");
-    EXPECT_THAT(root.children[3].values("PORT", {"NAME", "SIGIS", "IRQID", "LEFT"}),
+    const Document document = job.run(
+        module("m", port("a", "CLK") + "," + port("b", "INTR") + "," + port("c", "INTERRUPT") +
+                        "," + port("d", "clk") + "," + port("e", "") + "," +
+                        port("f", "INTERRUPT", end("core_top", "out"))),
+        "");
+    EXPECT_THAT(values(document, "MODULES/MODULE/PORTS/PORT", {"NAME", "SIGIS", "IRQID", "LEFT"}),
                 ElementsAre("a CLK (none) ", "b INTR (none) ", "c INTERRUPT 7 ", "d clk (none) ",
                             "e undef (none) ", "f INTERRUPT 7 "));
-    EXPECT_THAT(root.children[3].values("CONNECTIONS", {}), testing::SizeIs(1));
+    EXPECT_THAT(values(document, "MODULES/MODULE/PORTS/PORT/CONNECTIONS", {}), testing::SizeIs(1));
     // At the top level an interrupt is a plain port.
-    EXPECT_THAT(root.children[1].values("PORT", {"NAME", "SIGIS", "IRQID", "SIGNAME"}),
+    EXPECT_THAT(values(document, "EXTERNALPORTS/PORT", {"NAME", "SIGIS", "IRQID", "SIGNAME"}),
                 ElementsAre("out INTERRUPT (none) m_f"));
 }
 
@@ -201,25 +197,23 @@ TEST(Signals, SpreadInTheOrderInWhichPortsAreVisited) {
     for (const auto& [meaning, slaves, signals, core] : nets) {
         Job job;
         job.system["ps_core_name"] = core;
-        EXPECT_EQ(signals, job.run(slaves, "").values("PORT", {"SIGNAME"})) << meaning;
+        EXPECT_EQ(signals, values(job.run(slaves, ""), "PORT", {"SIGNAME"})) << meaning;
     }
 }
 
 TEST(Texts, SurviveTheXmlWhateverTheyHold) {
     Job job;
     job.design = {{"D", std::string("1,<&>\"'\0.", 9)}};
-    const Element root = job.run(
+    const Document document = job.run(
         R"("i": {"SDKNAME": "\"<&>'\u00e9\u20ac\ud83d\ude00", "MODTYPE": " = \t\n\r x ",
            "IP_TYPE": "\u0001\u0000,\uFFFF)"
         "\xFF\xED\xA0\x80"
         R"(",
            "PARAMETERS": {"P,=": "D", "Q": "= x "}})",
         "");
-    const Element module = root.children[3].children[0];
-    EXPECT_EQ("\"<&>'é€😀", module.attribute("INSTANCE"));
-    EXPECT_EQ(" = \t\n\r x ", module.attribute("MODTYPE"));
-    EXPECT_EQ("��,�����", module.attribute("IPTYPE"));
-    EXPECT_THAT(root.values("PARAMETER", {"NAME", "VALUE"}),
+    EXPECT_THAT(values(document, "MODULE", {"INSTANCE", "MODTYPE", "IPTYPE"}),
+                ElementsAre("\"<&>'é€😀  = \t\n\r x  \uFFFD\uFFFD,\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"));
+    EXPECT_THAT(values(document, "PARAMETER", {"NAME", "VALUE"}),
                 ElementsAre("P,= 1,<&>\"'\uFFFD.", "Q = x "));
 }
 

@@ -20,72 +20,60 @@ std::string utf8(const XMLCh* text) {
     return {reinterpret_cast<const char*>(bytes.str()), bytes.length()};
 }
 
-class TreeBuilder : public xercesc::DefaultHandler {
+class Collector : public xercesc::DefaultHandler {
 public:
-    Element document;
+    Document document;
 
     void startElement(const XMLCh*, const XMLCh*, const XMLCh* name,
                       const xercesc::Attributes& attributes) override {
-        Element element{utf8(name), {}, {}};
+        m_path += "/" + utf8(name);
+        document.push_back({m_path, {}});
         for (XMLSize_t i = 0; i < attributes.getLength(); ++i)
-            element.attributes.emplace_back(utf8(attributes.getQName(i)),
-                                            utf8(attributes.getValue(i)));
-        m_open.back()->children.push_back(std::move(element));
-        m_open.push_back(&m_open.back()->children.back());
+            document.back().attributes[utf8(attributes.getQName(i))] = utf8(attributes.getValue(i));
     }
-    void endElement(const XMLCh*, const XMLCh*, const XMLCh*) override { m_open.pop_back(); }
+    void endElement(const XMLCh*, const XMLCh*, const XMLCh*) override {
+        m_path.resize(m_path.rfind('/'));
+    }
     void fatalError(const xercesc::SAXParseException& error) override {
         ADD_FAILURE() << "line " << error.getLineNumber() << ": " << utf8(error.getMessage());
     }
 
 private:
-    std::vector<Element*> m_open{&document};
+    std::string m_path;
 };
 
 } // namespace
 
-std::string Element::attribute(const std::string& key) const {
-    for (const auto& [attributeName, value] : attributes)
-        if (attributeName == key)
-            return value;
-    return "(none)";
-}
-
-std::vector<std::string> Element::values(const std::string& elements,
-                                         const std::vector<std::string>& keys) const {
+std::vector<std::string> values(const Document& document, const std::string& pathEnd,
+                                const std::vector<std::string>& keys) {
     std::vector<std::string> found;
-    for (const Element& child : children) {
-        if (child.name == elements) {
-            std::string line;
-            for (const auto& key : keys)
-                line += " " + child.attribute(key);
-            found.push_back(line.substr(keys.empty() ? 0 : 1));
-        }
-        const auto below = child.values(elements, keys);
-        found.insert(found.end(), below.begin(), below.end());
+    for (const auto& [path, attributes] : document) {
+        if (!("/" + path).ends_with("/" + pathEnd))
+            continue;
+        std::string line;
+        for (const auto& key : keys)
+            line += " " + (attributes.contains(key) ? attributes.at(key) : "(none)");
+        found.push_back(line.substr(keys.empty() ? 0 : 1));
     }
     return found;
 }
 
-Element readXml(const std::string& path) {
+Document readXml(const std::string& path) {
     xercesc::XMLPlatformUtils::Initialize();
-    TreeBuilder builder;
-    {
-        const std::unique_ptr<xercesc::SAX2XMLReader> reader(
-            xercesc::XMLReaderFactory::createXMLReader());
-        reader->setContentHandler(&builder);
-        reader->setErrorHandler(&builder);
-        reader->parse(path.c_str());
-    }
-    xercesc::XMLPlatformUtils::Terminate();
-    return builder.document.children.empty() ? Element() : builder.document.children.front();
+    Collector collector;
+    const std::unique_ptr<xercesc::SAX2XMLReader> reader(
+        xercesc::XMLReaderFactory::createXMLReader());
+    reader->setContentHandler(&collector);
+    reader->setErrorHandler(&collector);
+    reader->parse(path.c_str());
+    return collector.document;
 }
 
 std::string connectivity(const std::string& slaves, const std::string& masters) {
     return R"({"metadata": {"slaves": [{)" + slaves + R"(}], "masters": [{)" + masters + "}]}}";
 }
 
-Element Job::run(const std::string& content) {
+Document Job::run(const std::string& content) {
     const std::string input = folder.write("connectivity.json", content);
     const std::string output = folder.file("out.hwh");
     HBSGenerateService::generateHWH(design, system, input, output);

@@ -12,20 +12,18 @@ namespace handoff_support {
 
 using Texts = std::map<std::string, std::string>;
 
-/// An element of a document as Xerces reads it.
+/// An element as Xerces reads it.
 struct Element {
-    std::string name;
-    std::vector<std::pair<std::string, std::string>> attributes; ///< in file order
-    std::vector<Element> children;
-
-    [[nodiscard]] std::string attribute(const std::string& key) const;
-    /// For every element of that name below this one, in document order: the values of the given
-    /// attributes, joined by blanks.
-    [[nodiscard]] std::vector<std::string> values(const std::string& elements,
-                                                  const std::vector<std::string>& keys) const;
+    std::string path; ///< "/LOMSYSTEM/MODULES" …
+    Texts attributes;
 };
+using Document = std::vector<Element>; ///< in document order
 
-Element readXml(const std::string& path);
+Document readXml(const std::string& path);
+
+/// For every element whose path ends so: the values of the given attributes, joined by blanks.
+std::vector<std::string> values(const Document& document, const std::string& pathEnd,
+                                const std::vector<std::string>& keys);
 
 /// The text of a connectivity file with the given members of "slaves" and "masters".
 std::string connectivity(const std::string& slaves, const std::string& masters = "");
@@ -37,8 +35,8 @@ struct Job {
     Texts system{{"ps_core_name", "core"}};
 
     /// The document that comes out.
-    Element run(const std::string& content);
-    Element run(const std::string& slaves, const std::string& masters) {
+    Document run(const std::string& content);
+    Document run(const std::string& slaves, const std::string& masters) {
         return run(connectivity(slaves, masters));
     }
 };

@@ -180,35 +180,43 @@ TEST(Reader, RaisesForWhatIsNoJsonAndTouchesNothing) {
     EXPECT_EQ("", t.instances["s"]["A"]);
 }
 
-TEST(Reader, HasThreeFurtherOperations) {
+TEST(Reader, ReadsTextsOfThreeFurtherKindsOfFile) {
     const support::TempDir folder;
     HBSJsonReader reader;
+    using Read = bool (HBSJsonReader::*)(const std::string&, HWHTextMap&);
+    const struct {
+        Read read;
+        const char* content;
+        bool good;
+        HWHTextMap texts = {};
+    } cases[] = {
+        {&HBSJsonReader::parseMioRegisters, R"({"mio_registers": []})", false},
+        {&HBSJsonReader::parseMioRegisters,
+         R"({"mio_registers": {"r": "1", "s": 2}})",
+         true,
+         {{"r", "1"}, {"s", ""}}},
+        {&HBSJsonReader::parseHicUserParameters, R"({"hic_user_paramters": {}})", false},
+        {&HBSJsonReader::parseHicUserParameters, R"({"hic_user_paramters": {"parameters": []}})",
+         true},
+        {&HBSJsonReader::parseHicUserParameters,
+         R"({"hic_user_paramters": {"parameters": [{"a": "1"}, 5, {"a": "2"}]}})",
+         true,
+         {{"a", "2"}}},
+        {&HBSJsonReader::parseComponentParameters,
+         R"({"component": {"x": 1, "parameters": {"parameter": [{"name": "a", "value": {"string": "1"}},
+            {"value": {"string": "2"}, "name": "b"}, {"value": {}}]}}})",
+         true,
+         {{"", "2"}, {"a", "1"}, {"b", ""}}},
+        {&HBSJsonReader::parseComponentParameters, R"({"component": {"parameter": "x"}})", false},
+        {&HBSJsonReader::parseComponentParameters, "{", false}};
+    for (const auto& [read, content, good, expected] : cases) {
+        HWHTextMap texts;
+        EXPECT_EQ(good, (reader.*read)(folder.write("f", content), texts)) << content;
+        EXPECT_EQ(expected, texts) << content;
+    }
     HWHTextMap texts;
-    const auto file = [&](const char* content) { return folder.write("f", content); };
     EXPECT_FALSE(reader.parseMioRegisters("", texts));
-    EXPECT_FALSE(reader.parseMioRegisters(file(R"({"mio_registers": []})"), texts));
-    EXPECT_TRUE(reader.parseMioRegisters(file(R"({"mio_registers": {"r": "1", "s": 2}})"), texts));
-    EXPECT_THAT(texts, ElementsAre(Pair("r", "1"), Pair("s", "")));
     EXPECT_THROW((void)reader.parseMioRegisters("no file", texts), HEXError);
-
-    texts.clear();
-    EXPECT_FALSE(reader.parseHicUserParameters(file(R"({"hic_user_paramters": {}})"), texts));
-    EXPECT_TRUE(reader.parseHicUserParameters(
-        file(R"({"hic_user_paramters": {"parameters": [{"a": "1"}, 5, {"a": "2"}]}})"), texts));
-    EXPECT_THAT(texts, ElementsAre(Pair("a", "2")));
-    EXPECT_TRUE(reader.parseHicUserParameters(file(R"({"hic_user_paramters": {"parameters": []}})"),
-                                              texts));
-
-    texts.clear();
-    EXPECT_TRUE(
-        reader.parseComponentParameters(file(R"({"component": {"x": 1, "parameters": {"parameter": [
-            {"name": "a", "value": {"string": "1"}}, {"value": {"string": "2"}, "name": "b"},
-            {"value": {}}]}}})"),
-                                        texts));
-    EXPECT_THAT(texts, ElementsAre(Pair("", "2"), Pair("a", "1"), Pair("b", "")));
-    for (const char* content :
-         {"{", "{}", R"({"component": 1})", R"({"component": {"parameter": "x"}})"})
-        EXPECT_FALSE(reader.parseComponentParameters(file(content), texts)) << content;
     EXPECT_FALSE(reader.parseComponentParameters("no file", texts));
 }
 
