@@ -15,20 +15,6 @@ namespace {
 using namespace handoff_support;
 using testing::ElementsAre;
 
-/// Sets a tool parameter while it lives.
-class Parameter {
-public:
-    Parameter(std::string name, const std::string& value) : m_name(std::move(name)) {
-        HPAParamMgr::getParamMgr()->setValue(m_name, value);
-    }
-    ~Parameter() { HPAParamMgr::getParamMgr()->unsetValue(m_name); }
-    Parameter(const Parameter&) = delete;
-    Parameter& operator=(const Parameter&) = delete;
-
-private:
-    std::string m_name;
-};
-
 std::string port(const std::string& name, const std::string& kind,
                  const std::string& connections = "") {
     return R"({"NAME": ")" + name + R"(", "DIR": "O", "SIG_IS": ")" + kind +
@@ -44,7 +30,7 @@ std::string module(const std::string& name, const std::string& ports) {
 }
 
 TEST(Handoff, OfTheSampleDeviceIsTheOneMadeByHand) {
-    const Parameter noStamp("project.NoTimeStamp", "true");
+    HPAParamMgr::getParamMgr()->setValue("project.NoTimeStamp", "true");
     Texts design{{"SORREL_CPU_FREQMHZ", "1299.987"},
                  {"SORREL_DDR", "{CTRL_ACT_FREQMHZ 1599.975 RANKS 2}"},
                  {"SORREL_DDR_TIMING", "11,11,11,28"},
@@ -64,6 +50,7 @@ TEST(Handoff, OfTheSampleDeviceIsTheOneMadeByHand) {
     const support::TempDir folder;
     HBSGenerateService::generateHWH(design, system, input, folder.file("a"));
     HBSGenerateService::generateHWH(design, extraPairs, system, input, folder.file("b"));
+    HPAParamMgr::getParamMgr()->unsetValue("project.NoTimeStamp");
     EXPECT_TRUE(expected == support::readFile(folder.file("a")))
         << support::run("diff " TQ_SOURCE_DIR "/tests/handoff/golden.hwh " + folder.file("a"))
                .output;
@@ -98,7 +85,7 @@ TEST(Handoff, GoesToItsDefaultPlaceWhenNoneIsNamed) {
 }
 
 TEST(Handoff, LeavesTheCallersMapsAsTheyWereWhenItFails) {
-    const Parameter split("project.allowPSSubCoreSplit", "true");
+    HPAParamMgr::getParamMgr()->setValue("project.allowPSSubCoreSplit", "true");
     Job job;
     job.system = {{"ps_core_name", "tovak"}};
     const std::string good = job.folder.write("good.json", R"({"metadata": {}})");
@@ -113,6 +100,7 @@ TEST(Handoff, LeavesTheCallersMapsAsTheyWereWhenItFails) {
         EXPECT_EQ((Texts{{"ps_core_name", "tovak"}}), job.system) << input;
         EXPECT_FALSE(std::filesystem::exists(output));
     }
+    HPAParamMgr::getParamMgr()->unsetValue("project.allowPSSubCoreSplit");
 }
 
 TEST(Modules, FoldTheOutsideOfAPieceIntoItsInside) {

