@@ -1,5 +1,8 @@
 #include "clocking/HBSClockingAlgo.h"
 
+#include <algorithm>
+#include <iostream>
+
 #include "clocking/ClockingArithmetic.h"
 
 namespace hbs_clocking {
@@ -102,6 +105,27 @@ std::string HBSClockingAlgo::getPllNameAt(unsigned domainIndex, unsigned pllInde
     const HBSPowerDomain* domain = getPowerDomainAt(domainIndex);
     const HBSPll* pll = domain == nullptr ? nullptr : domain->getPllAt(pllIndex);
     return pll == nullptr ? std::string() : pll->getName();
+}
+
+std::vector<HBSPeripheral*> HBSClockingAlgo::startRun() {
+    std::vector<HBSPeripheral*> enabled = getEnabledPeripherals();
+    if (enabled.empty())
+        std::cout << "No peripheral enabled\n";
+    else if (!validateConfig())
+        enabled.clear();
+    else
+        resetResults();
+    return enabled;
+}
+
+const char* HBSClockingAlgo::faultOfPllCounts(const char* severalText) const {
+    const auto anyDomain = [this](auto&& test) {
+        return std::any_of(m_powerDomains.begin(), m_powerDomains.end(),
+                           [&test](const auto& domain) { return test(domain->getPllCount()); });
+    };
+    if (anyDomain([](std::size_t plls) { return plls == 0; }))
+        return "No PLL added to power domain\n";
+    return anyDomain([](std::size_t plls) { return plls > 1; }) ? severalText : nullptr;
 }
 
 void HBSClockingAlgo::resetResults() {

@@ -151,6 +151,13 @@ public:
     [[nodiscard]] std::int32_t getPowerDomainIndex(const std::string& name) const;
 
 protected:
+    /// What a run starts with: the enabled peripherals, of a tree that has its shape and no earlier
+    /// result any more. None, after a line that says why and with the earlier result left, for a
+    /// tree that can't be solved as it stands.
+    [[nodiscard]] std::vector<HBSPeripheral*> startRun();
+    /// The complaint about a tree whose domains haven't one PLL each, or null. A domain without any
+    /// comes first, wherever it stands; `severalText` is for a domain with more than one.
+    [[nodiscard]] const char* faultOfPllCounts(const char* severalText) const;
     /// Name of a PLL by the positions of its domain and within it; empty where there is none.
     [[nodiscard]] std::string getPllNameAt(unsigned domainIndex, unsigned pllIndex) const;
 

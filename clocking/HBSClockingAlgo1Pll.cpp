@@ -6,15 +6,6 @@
 
 namespace hbs_clocking {
 
-namespace {
-
-[[nodiscard]] bool refuse(const char* text) {
-    std::cout << text;
-    return false;
-}
-
-} // namespace
-
 HBSClockingAlgo1Pll::HBSClockingAlgo1Pll(const std::string& name) : HBSClockingAlgo(name) {
     m_pllCount = 1;
 }
@@ -22,19 +13,19 @@ HBSClockingAlgo1Pll::HBSClockingAlgo1Pll(const std::string& name) : HBSClockingA
 HBSClockingAlgo1Pll::~HBSClockingAlgo1Pll() = default;
 
 bool HBSClockingAlgo1Pll::validateConfig() const {
+    const char* fault = nullptr;
     if (m_powerDomains.empty())
-        return refuse("No power domain added\n");
-    if (m_powerDomains.size() > 1)
-        return refuse("More than One power domain added\n");
-    const std::size_t plls = m_powerDomains.front()->getPllCount();
-    if (plls == 0)
-        return refuse("No PLL added to power domain\n");
-    if (plls > 1)
-        return refuse("More than One PLL added to power domain\n");
+        fault = "No power domain added\n";
+    else if (m_powerDomains.size() > 1)
+        fault = "More than One power domain added\n";
+    else
+        fault = faultOfPllCounts("More than One PLL added to power domain\n");
     // Callers know the text of a missing PLL for a missing reference too.
-    if (m_refClkFreq == 0.0F)
-        return refuse("No PLL added to power domain\n");
-    return true;
+    if (fault == nullptr && m_refClkFreq == 0.0F)
+        fault = "No PLL added to power domain\n";
+    if (fault != nullptr)
+        std::cout << fault;
+    return fault == nullptr;
 }
 
 std::string HBSClockingAlgo1Pll::getPllNameByIndex(unsigned index) const {
@@ -44,14 +35,9 @@ std::string HBSClockingAlgo1Pll::getPllNameByIndex(unsigned index) const {
 }
 
 bool HBSClockingAlgo1Pll::runSolution() {
-    const std::vector<HBSPeripheral*> enabled = getEnabledPeripherals();
-    if (enabled.empty()) {
-        std::cout << "No peripheral enabled\n";
+    const std::vector<HBSPeripheral*> enabled = startRun();
+    if (enabled.empty())
         return false;
-    }
-    if (!validateConfig())
-        return false;
-    resetResults();
     for (const float tolerance : kToleranceLadder) {
         m_toleranceFactor = tolerance;
         MultiplierBitMap multiplierBits;

@@ -1,6 +1,5 @@
 #include "clocking/HBSClockingAlgo2Pll.h"
 
-#include <algorithm>
 #include <array>
 #include <iostream>
 
@@ -43,20 +42,14 @@ HBSClockingAlgo2Pll::HBSClockingAlgo2Pll(const std::string& name) : HBSClockingA
 HBSClockingAlgo2Pll::~HBSClockingAlgo2Pll() = default;
 
 bool HBSClockingAlgo2Pll::validateConfig() const {
-    const auto anyDomain = [this](auto&& test) {
-        return std::any_of(m_powerDomains.begin(), m_powerDomains.end(),
-                           [&test](const auto& domain) { return test(domain->getPllCount()); });
-    };
     const char* fault = nullptr;
     if (m_powerDomains.empty())
         fault = "No power domain added\n";
     else if (m_powerDomains.size() != 2)
         fault = "Clocking object expects two plls with this config\n";
-    else if (anyDomain([](std::size_t plls) { return plls == 0; }))
-        fault = "No PLL added to power domain\n";
-    else if (anyDomain([](std::size_t plls) { return plls > 1; }))
-        fault = "More than One PLL added to power domain\n";
-    else if (m_refClkFreq == 0.0F)
+    else
+        fault = faultOfPllCounts("More than One PLL added to power domain\n");
+    if (fault == nullptr && m_refClkFreq == 0.0F)
         fault = "Input freq. is not set\n";
     if (fault != nullptr)
         std::cout << fault;
@@ -71,14 +64,9 @@ std::string HBSClockingAlgo2Pll::getPllNameByIndex(unsigned index) const {
 }
 
 bool HBSClockingAlgo2Pll::runSolution() {
-    const std::vector<HBSPeripheral*> enabled = getEnabledPeripherals();
-    if (enabled.empty()) {
-        std::cout << "No peripheral enabled\n";
+    const std::vector<HBSPeripheral*> enabled = startRun();
+    if (enabled.empty())
         return false;
-    }
-    if (!validateConfig())
-        return false;
-    resetResults();
     for (const float tolerance : kToleranceLadder) {
         m_toleranceFactor = tolerance;
         MultiplierBitMap multiplierBits;

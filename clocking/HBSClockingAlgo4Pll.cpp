@@ -1,6 +1,5 @@
 #include "clocking/HBSClockingAlgo4Pll.h"
 
-#include <algorithm>
 #include <iostream>
 
 #include "clocking/search/ComboSearch.h"
@@ -14,19 +13,13 @@ HBSClockingAlgo4Pll::HBSClockingAlgo4Pll(const std::string& name) : HBSClockingA
 HBSClockingAlgo4Pll::~HBSClockingAlgo4Pll() = default;
 
 bool HBSClockingAlgo4Pll::validateConfig() const {
-    const auto anyDomain = [this](auto&& test) {
-        return std::any_of(m_powerDomains.begin(), m_powerDomains.end(),
-                           [&test](const auto& domain) { return test(domain->getPllCount()); });
-    };
     const char* fault = nullptr;
     if (m_powerDomains.empty())
         fault = "No power domain added\n";
     else if (m_powerDomains.size() > kDomains)
         fault = "More than four power domain added\n";
-    else if (anyDomain([](std::size_t plls) { return plls == 0; }))
-        fault = "No PLL added to power domain\n";
-    else if (anyDomain([](std::size_t plls) { return plls > 1; }))
-        fault = "More than Two PLL added to power domain\n";
+    else
+        fault = faultOfPllCounts("More than Two PLL added to power domain\n");
     if (fault != nullptr) {
         std::cout << fault;
         return false;

@@ -20,8 +20,6 @@ public:
     Stages() : HBSClockingAlgo1Pll("stages") {}
     using HBSClockingAlgo::collectNocMultipliers;
     using HBSClockingAlgo::collectPeripheralMultipliers;
-    using HBSClockingAlgo::findBestDivider;
-    using HBSClockingAlgo::findBestDividerInSlots;
 
     std::vector<unsigned> candidates(HBSPeripheral* p) {
         CandidateMap byPeripheral;
@@ -85,35 +83,6 @@ TEST(Candidates, NocRequestTakesDividedVcoClocksAtOrBelowItAndLocksItsDomain) {
     for (int mul = 25; mul <= 50; ++mul)
         expected += "Not a noc peripheral. continue...\n";
     EXPECT_EQ(expected + "NOC DOMAIN NOT FOUND\n", output.text());
-}
-
-TEST(Coverage, WordZeroNeverCountsAndTheLastWordWraps) {
-    const auto covers = [](unsigned mul, std::vector<unsigned> list) {
-        MultiplierBits combo{};
-        MultiplierBits need{};
-        setMultiplierBits({&mul, 1}, combo);
-        setMultiplierBits(list, need);
-        return anyCommonBit(combo, need);
-    };
-    EXPECT_FALSE(covers(30, {30, 31}));
-    EXPECT_TRUE(covers(32, {30, 32}));
-    EXPECT_TRUE(covers(160, {128}));
-    EXPECT_FALSE(covers(160, {159, 64}));
-}
-
-TEST(Choice, TiesGoToTheFirstClockAndAClockThatIsOffDropsOut) {
-    const Stages stages;
-    DividerChoice out;
-    EXPECT_EQ(0.0F, stages.findBestDivider(std::vector{200.0F, 100.0F}, 100.0F, out));
-    EXPECT_EQ(DividerChoice(0, 2), out);
-    EXPECT_TRUE(isNoDivider(stages.findBestDivider(std::vector{0.0F, 250.0F}, 100.0F, out)));
-    EXPECT_EQ(0.0F, stages.findBestDivider(std::vector{0.0F, 300.0F}, 100.0F, out));
-    EXPECT_EQ(DividerChoice(1, 3), out);
-    EXPECT_EQ(0.0F, stages.findBestDivider(std::vector{0.0F, 300.0F}, 0.0F, out));
-    EXPECT_EQ(DividerChoice(0, 1023), out);
-    const std::vector<ClockSlot> slots = {std::nullopt, std::pair{900.0F, 1U}};
-    EXPECT_EQ(0.0F, stages.findBestDividerInSlots(slots, 300.0F, out));
-    EXPECT_EQ(DividerChoice(1, 3), out);
 }
 
 TEST(CrossClocks, LimitEmptiesTheSlotAndDividersComeLargestFirst) {

@@ -63,22 +63,6 @@ TEST(OnePll, WorkedExamplesComeOutToTheDigit) {
     }
 }
 
-TEST(TwoPll, CrossingPeripheralReadsNoActualFrequency) {
-    // PLL 0 serves 100 MHz with the smaller error; PLL 1 has to serve 250 MHz as well.
-    trees::Tree tree{33.333F, true, {2000.0F, 2000.0F}, {{0, 100.0F}, {1, 100.0F}, {1, 250.0F}}};
-    auto solver = trees::build(tree);
-    ASSERT_TRUE(solver->runSolution());
-    const HBSPeripheral* crossing = solver->getPeripheral("P1");
-    EXPECT_EQ("PLL0", crossing->getPllName());
-    EXPECT_EQ(13U, crossing->getClkoutDiv());
-    EXPECT_EQ(0.0, crossing->getActualFreq());
-
-    tree.allowCross = false;
-    solver = trees::build(tree);
-    ASSERT_TRUE(solver->runSolution());
-    EXPECT_EQ("PLL1", solver->getPeripheral("P1")->getPllName());
-}
-
 TEST(Run, RefusedRunLeavesTheEarlierResultAndFailedRunClearsIt) {
     const auto solver = trees::build({33.333F, false, {2000.0F}, {{0, 100.0F}}});
     ASSERT_TRUE(solver->runSolution());
