@@ -1,8 +1,9 @@
 // The cost of one run of the small solvers, from 4 to 400 peripherals.
 //
 // "Fits" solves at the first tolerance. "Refused" has a request that nothing serves, so that the
-// candidate stage runs for all eight tolerances. "Loose" asks for 0 MHz alone, so that every
-// multiplier, or every pair of them, is tried.
+// candidate stage runs for all eight tolerances. "Loose" asks for 0 MHz, which every clock meets
+// without an error, and last for 2 MHz, which every multiplier serves with a small one: no
+// multiplier or pair of them drops out before the last peripheral has been looked at.
 
 #include <benchmark/benchmark.h>
 
@@ -63,9 +64,9 @@ void twoPlls(benchmark::State& state, float loneRequestMhz, bool loose) {
 
 TQ_CASE(onePll, Fits, 100.0F, false);
 TQ_CASE(onePll, Refused, 1e9F, false);
-TQ_CASE(onePll, Loose, 0.0F, true);
+TQ_CASE(onePll, Loose, 2.0F, true);
 TQ_CASE(twoPlls, Fits, 100.0F, false);
 TQ_CASE(twoPlls, Refused, 1e9F, false);
-TQ_CASE(twoPlls, Loose, 0.0F, true);
+TQ_CASE(twoPlls, Loose, 2.0F, true);
 
 } // namespace
