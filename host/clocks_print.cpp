@@ -116,8 +116,11 @@ void printClockTables(const ClockReport& report, std::ostream& out) {
         return;
     }
     if (!report.found) {
-        out << "No solution. The nearest that any multiplier gives each peripheral on its own:\n\n";
+        out << "No solution. The nearest that a PLL of its domain gives each peripheral on its "
+               "own:\n\n";
         printAlone(report, out);
+        if (report.takesOtherClocks)
+            out << "\nClocks of other domains aren't counted here.\n";
         return;
     }
     printPlls(report, out);

@@ -28,7 +28,9 @@ using hbs_clocking::HBSPll;
     return peripheral.getActualFreq();
 }
 
-/// Solves a peripheral as the only one of a tree of one PLL with its domain's limit.
+/// Solves a peripheral as the only one of a tree of one PLL with its domain's limit. The solvers of
+/// larger trees can't be asked: they don't run without a NOC peripheral, whose fault would then
+/// stand at every request.
 [[nodiscard]] std::optional<double>
 solveAlone(const ClockTree& tree, const ClockTree::Peripheral& peripheral, float maxErrorPercent) {
     ClockTree alone;
@@ -67,6 +69,7 @@ solveAlone(const ClockTree& tree, const ClockTree::Peripheral& peripheral, float
 ClockReport makeClockReport(const ClockTree& tree, const HBSClockingAlgo& solver) {
     ClockReport report;
     report.found = solver.is_result_found();
+    report.takesOtherClocks = tree.pllCount > 2 || (tree.pllCount == 2 && tree.allowCrossDomain);
     if (!report.found) {
         for (const ClockTree::Peripheral& peripheral : tree.peripherals)
             if (peripheral.enabled)

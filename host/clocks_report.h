@@ -32,7 +32,9 @@ struct ClockReport {
         unsigned divider = 0;
         std::optional<GivenClock> given; ///< none for a disabled peripheral
     };
-    /// What a peripheral of a tree without a solution could have if it were alone.
+    /// What a peripheral of a tree without a solution could have from one PLL under its domain's
+    /// highest limit, if nothing else were asked for. Clocks of other domains and the rules of the
+    /// NOC clock aren't counted: with them a tree may serve it better, or not at all.
     struct Alone {
         ClockTree::Peripheral request;
         std::optional<GivenClock> nearest; ///< none when no multiplier serves it
@@ -52,6 +54,7 @@ struct ClockReport {
     std::vector<Pll> plls;
     std::vector<Peripheral> peripherals; ///< as declared
     std::vector<Alone> alone;            ///< the enabled ones, as declared, without a solution
+    bool takesOtherClocks = false;       ///< whether peripherals may be fed by other domains' PLLs
 };
 
 /// The report of a solver that was built from the tree and has run.
