@@ -175,7 +175,7 @@ int run(const Options& options) {
 } // namespace
 
 void declareHandoff(CLI::App& app, int& status) {
-    auto* command = app.add_subcommand("handoff", "Write the hardware handoff document.");
+    auto* command = app.add_subcommand("handoff", "Writes the hardware handoff document");
     auto options = std::make_shared<Options>();
     command
         ->add_option(
@@ -184,12 +184,12 @@ void declareHandoff(CLI::App& app, int& status) {
             "name), \"split_by_cells\" (true or false)")
         ->required()
         ->type_name("JOB.json");
-    command->add_option("-o,--output", options->output, "where the document goes")
+    command->add_option("-o,--output", options->output, "Where the document goes")
         ->required()
         ->type_name("FILE");
     command->add_flag("--no-time-stamp", options->noTimeStamp,
-                      "leave the time out, so that equal jobs give equal files");
-    command->add_flag("--json", options->json, "report as JSON");
+                      "Leaves the time out, so that equal jobs give equal files");
+    command->add_flag("--json", options->json, "Prints JSON for programs");
     command->callback([options, &status] { status = run(*options); });
 }
 

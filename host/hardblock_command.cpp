@@ -317,12 +317,12 @@ int run(const Options& options) {
 void declareHardblock(CLI::App& app, int& status) {
     auto options = std::make_shared<Options>();
     CLI::App* command =
-        app.add_subcommand("hardblock", "Pins, interfaces and port maps of a hard block.");
+        app.add_subcommand("hardblock", "Lists the pins, interfaces and port maps of a hard block");
     command->add_option("FILE", options->file, "Hard block metadata (JSON)")->required();
     command->add_option("NAME", options->name, "Name of a hard block in it")->required();
     command->add_option("--port", options->port,
                         "INTERFACE:PORT, such as M_AXI:AWADDR[6]: what stands behind that bit");
-    command->add_flag("--json", options->json, "Print JSON");
+    command->add_flag("--json", options->json, "Prints JSON for programs");
     command->callback([options, &status] { status = run(*options); });
 }
 
