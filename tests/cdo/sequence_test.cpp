@@ -1,7 +1,6 @@
 // Named sequences and the nesting of their markers.
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <vector>

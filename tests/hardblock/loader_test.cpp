@@ -1,7 +1,6 @@
 // Metadata texts: what each form of a value stores, and which messages come in which order.
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <sstream>
 #include <string>

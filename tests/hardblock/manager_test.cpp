@@ -1,7 +1,6 @@
 // The manager: its scan of a data area at the first use, and files added later.
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <sys/stat.h>
 

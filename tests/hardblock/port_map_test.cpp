@@ -1,4 +1,4 @@
-// Port texts, and what stands behind a bit of a port.
+// Port texts, what stands behind a bit of a port, and interfaces found by their name.
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "hardblock/Interface.h"
+#include "hardblock/HardBlockData.h"
 #include "hardblock/splitPortName.h"
 
 namespace {
@@ -82,6 +82,17 @@ TEST(PortMap, KeepsMappingsAsNumbersAndAsText) {
     map.setName("renamed");
     interface.addPortMap("A[9]", "Z");
     EXPECT_EQ("A", map.getName());
+}
+
+TEST(HardBlockData, GivesTheStoredInterfaceForAnEqualName) {
+    HardBlockData block("b");
+    Interface* first = block.createInterface("i");
+    for (int i = 0; i < 1000; ++i)
+        block.createInterface(std::to_string(i));
+    first->setName("renamed");
+    EXPECT_EQ(first, block.createInterface("i"));
+    EXPECT_EQ(first, block.getInterfaceByName("i"));
+    EXPECT_EQ(nullptr, block.getInterfaceByName("renamed"));
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 // place.
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <fstream>
 

@@ -92,17 +92,6 @@ TEST(ClockReport, NamesTheRequestThatIsOutOfReach) {
     EXPECT_FALSE(parsed.boolean(parsed.require(alone[4], "within_reach")));
 }
 
-TEST(ClockReport, SaysWhyASaturatedDividerCountsAsNoError) {
-    for (const auto& [mhz, note] : {std::pair("0", true), std::pair("100", false)}) {
-        const host::ClockTree tree = read(with("100", mhz));
-        const auto solver = host::buildClockSolver(tree);
-        ASSERT_TRUE(solver->runSolution());
-        std::ostringstream table;
-        host::printClockTables(host::makeClockReport(tree, *solver), table);
-        EXPECT_EQ(note, table.str().find("A divider of 1023") != std::string::npos);
-    }
-}
-
 TEST(ClocksWord, ExitsTwoForWhatItCanNotUseAndSaysItOnStandardError) {
     const support::TempDir dir;
     const std::string program = HBS_PROGRAM;
@@ -114,21 +103,6 @@ TEST(ClocksWord, ExitsTwoForWhatItCanNotUseAndSaysItOnStandardError) {
               refused.error);
     EXPECT_EQ(2, support::run(program + " clocks " + dir.file("none.json")).status);
     EXPECT_EQ(2, support::run(program + " clocks").status);
-}
-
-TEST(ClockPicture, ShowsEachPllAndServedPeripheralOfALargeTree) {
-    const std::string file = std::string(TQ_SOURCE_DIR) + "/examples/clocks/radio_frontend.json";
-    const host::ClockTree tree = host::readClockTree(host::JsonFile::read(file));
-    std::vector<float> steps;
-    const auto solver = host::buildClockSolver(tree, [&](float step) { steps.push_back(step); });
-    ASSERT_TRUE(solver->runSolution());
-    EXPECT_EQ(solver->getToleranceFector(), steps.back());
-    std::ostringstream picture;
-    host::printClockPicture(host::makeClockReport(tree, *solver), tree.referenceMhz, picture);
-    for (const auto& peripheral : tree.peripherals)
-        EXPECT_THAT(picture.str(), HasSubstr(">" + peripheral.name + "<"));
-    for (const hbs_clocking::HBSPll* pll : solver->getAllPlls())
-        EXPECT_THAT(picture.str(), HasSubstr(">" + pll->getName() + "<"));
 }
 
 } // namespace

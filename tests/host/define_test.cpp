@@ -1,7 +1,6 @@
 // The word define, as a person and a program meet it.
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "HUTFile.h"
 #include "blockmodel/HABM.h"

@@ -1,7 +1,6 @@
 // The word hardblock of the program, run as a person runs it.
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 

@@ -46,12 +46,6 @@ TEST(JsonTree, ReadsNumbersTooSmallForADoubleAndRefusesTooLarge) {
     EXPECT_THROW(JsonFile::parse("f", "[1e999]"), host::BadInput);
 }
 
-TEST(JsonTree, NamesTheFileThatCantBeRead) {
-    for (const char* path : {"/tmp", "/nowhere", ""})
-        support::expectThrows<host::BadInput>("'" + std::string(path) + "': the file can't be read",
-                                              [&] { JsonFile::read(path); });
-}
-
 TEST(Program, FailsWhenItsOutputCantBeWritten) {
     const auto result = support::run(HBS_PROGRAM " --version >/dev/full");
     EXPECT_EQ(1, result.status);
@@ -59,17 +53,12 @@ TEST(Program, FailsWhenItsOutputCantBeWritten) {
 }
 
 TEST(Table, AlignsByCharactersAndNumbersKeepThePoint) {
-    host::Table table({{"name"}, {"MHz", host::Table::Align::Right}, {"x"}});
-    table.addRow({"µ", "1.5", ""});
-    table.addRow({"longer", "12.25", "y"});
+    host::Table table({{"name"}, {"MHz", host::Table::Align::Right}});
+    table.addRow({"µ", "1.5"});
+    table.addRow({"longer", "12.25"});
     std::ostringstream out;
     table.print(out);
-    EXPECT_EQ("name      MHz  x\n"
-              "------  -----  -\n"
-              "µ         1.5\n"
-              "longer  12.25  y\n",
-              out.str());
-    EXPECT_EQ("0.50", host::fixedText(0.5, 2));
+    EXPECT_EQ("name      MHz\n------  -----\nµ         1.5\nlonger  12.25\n", out.str());
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 // Paths, folders, environment, written files and strings of the common library.
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <sys/stat.h>
 
@@ -83,13 +82,6 @@ TEST(Env, TakesTheFirstDataDirectoryThatHoldsThePath) {
     EXPECT_EQ("", HUTEnv::getOBLDataDir("mirrel"));
     unsetenv("TQ_DATA_PATH");
     EXPECT_EQ("", HUTEnv::getOBLDataDir("sce/x"));
-}
-
-TEST(Env, StampsTheTime) {
-    std::string stamp = "old";
-    HUTEnv::getTimeStamp(stamp);
-    EXPECT_THAT(stamp, testing::MatchesRegex("2[0-9]{3}-[01][0-9]-[0-3][0-9] "
-                                             "[0-2][0-9]:[0-5][0-9]:[0-6][0-9]"));
 }
 
 TEST(WriteStream, ReplacesAFileAndTellsOfFailure) {

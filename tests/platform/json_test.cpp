@@ -63,13 +63,4 @@ TEST(JsonAllocator, RaisesWhereMemoryIsExhausted) {
                  std::bad_alloc);
 }
 
-TEST(JsonProperties, GiveTheFirstTextOfAName) {
-    rapidjson::Document document;
-    document.Parse(R"({"ab": "long", "a": "first", "a": "second", "n": 1})");
-    EXPECT_EQ("first", Utils::GetStringProperty(document, "a"));
-    EXPECT_EQ("", Utils::GetStringProperty(document, "n"));
-    EXPECT_EQ("", Utils::GetStringProperty(document, "none"));
-    EXPECT_EQ("", Utils::GetStringProperty(rapidjson::Value(1), "a"));
-}
-
 } // namespace

@@ -7,7 +7,6 @@
 #include <boost/iostreams/filter/gzip.hpp>
 #include <boost/iostreams/filtering_stream.hpp>
 
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -25,18 +24,6 @@ void flushAll() {
     std::cout.flush();
     std::cerr.flush();
     std::fflush(nullptr);
-}
-
-std::string readFromStart(int descriptor) {
-    std::string text;
-    std::array<char, 4096> buffer;
-    off_t position = 0;
-    ssize_t count = 0;
-    while ((count = pread(descriptor, buffer.data(), buffer.size(), position)) > 0) {
-        text.append(buffer.data(), static_cast<std::size_t>(count));
-        position += count;
-    }
-    return text;
 }
 
 } // namespace
@@ -57,7 +44,7 @@ CapturedStream::~CapturedStream() {
 std::string CapturedStream::text() {
     if (m_file >= 0) {
         flushAll();
-        m_text = readFromStart(m_file);
+        m_text = readFile("/proc/self/fd/" + std::to_string(m_file)); // from its start
         dup2(m_saved, static_cast<int>(m_which));
         close(m_saved);
         close(std::exchange(m_file, -1));
