@@ -58,13 +58,16 @@ struct HABMAddrValue::Wide {
     using Integer = boost::multiprecision::checked_uint128_t;
 
     static Integer of(const HABMAddrValue& value) {
-        return (Integer(value.m_high) << 64) | Integer(value.m_low);
+        return (Integer(value.highHalf()) << 64) | Integer(value.m_low);
     }
 
     static HABMAddrValue value(const Integer& number) {
         constexpr std::uint64_t kLowHalf = std::numeric_limits<std::uint64_t>::max();
+        const auto high = static_cast<std::uint64_t>(Integer(number >> 64));
+        if (high >= kValid)
+            return {};
         HABMAddrValue value(static_cast<std::uint64_t>(Integer(number & Integer(kLowHalf))));
-        value.m_high = static_cast<std::uint64_t>(Integer(number >> 64));
+        value.m_high |= high;
         return value;
     }
 
@@ -99,47 +102,49 @@ HABMAddrValue::HABMAddrValue(const std::string& text) {
 
     // Nearly every number is of 64 bits.
     const char* const end = digits.data() + digits.size();
-    const auto result = std::from_chars(digits.data(), end, m_low, hexadecimal ? 16 : 10);
-    m_valid = result.ec == std::errc() && result.ptr == end;
-    if (m_valid && shift == 0)
-        return;
-
-    *this = isAllDigits(digits, hexadecimal) ? Wide::parsed(digits, hexadecimal, shift)
-                                             : HABMAddrValue();
+    std::uint64_t number = 0;
+    const auto result = std::from_chars(digits.data(), end, number, hexadecimal ? 16 : 10);
+    if (result.ec == std::errc() && result.ptr == end && shift == 0)
+        *this = HABMAddrValue(number);
+    else
+        *this = isAllDigits(digits, hexadecimal) ? Wide::parsed(digits, hexadecimal, shift)
+                                                 : HABMAddrValue();
 }
 
 HABMAddrValue HABMAddrValue::plus(const HABMAddrValue& other) const {
-    if (!m_valid || !other.m_valid)
+    if (!isValid() || !other.isValid())
         return {};
     return Wide::calculated([&] { return Wide::Integer(Wide::of(*this) + Wide::of(other)); });
 }
 
 HABMAddrValue HABMAddrValue::minus(const HABMAddrValue& other) const {
-    if (!m_valid || !other.m_valid)
+    if (!isValid() || !other.isValid())
         return {};
     return Wide::calculated([&] { return Wide::Integer(Wide::of(*this) - Wide::of(other)); });
 }
 
 HABMAddrValue HABMAddrValue::roundUpPow2() const {
-    if (!m_valid)
+    if (!isValid())
         return {};
     const HABMAddrValue below = Wide::value(Wide::Integer(1) << log2());
     return below < *this ? below.plus(below) : below;
 }
 
 unsigned int HABMAddrValue::log2() const {
-    const std::uint64_t half = m_high != 0 ? m_high : m_low;
+    const std::uint64_t high = highHalf();
+    const std::uint64_t half = high != 0 ? high : m_low;
     if (half == 0)
         return 0;
-    return static_cast<unsigned>(std::bit_width(half)) - 1 + (m_high != 0 ? 64 : 0);
+    return static_cast<unsigned>(std::bit_width(half)) - 1 + (high != 0 ? 64 : 0);
 }
 
 std::string HABMAddrValue::getHexStringValue(const unsigned int& width) const {
     constexpr unsigned kMostBits = 128;
     const std::size_t leastDigits = (std::min(width, kMostBits) + 3) / 4;
-    if (m_high == 0)
+    if (highHalf() == 0)
         return "0x" + hexDigits(m_low, leastDigits);
-    return "0x" + hexDigits(m_high, leastDigits > 16 ? leastDigits - 16 : 0) + hexDigits(m_low, 16);
+    return "0x" + hexDigits(highHalf(), leastDigits > 16 ? leastDigits - 16 : 0) +
+           hexDigits(m_low, 16);
 }
 
 std::string HABMAddrValue::getPrettyHexStringValue(const unsigned int& width) const {
@@ -151,9 +156,9 @@ std::string HABMAddrValue::getPrettyHexStringValue(const unsigned int& width) co
 }
 
 std::string HABMAddrValue::getAbrvStringValue() const {
-    if (m_low == 0 && m_high == 0)
+    if (m_low == 0 && highHalf() == 0)
         return getHexStringValue(0);
-    const int zeros = m_low != 0 ? std::countr_zero(m_low) : 64 + std::countr_zero(m_high);
+    const int zeros = m_low != 0 ? std::countr_zero(m_low) : 64 + std::countr_zero(highHalf());
     const std::size_t unit =
         std::min<std::size_t>(static_cast<unsigned>(zeros) / kBitsPerUnit, kUnits.size());
     if (unit == 0)

@@ -1,15 +1,17 @@
-// An address or a data value of a device: a number of up to 128 bits, or the knowledge that there
+// An address or a data value of a device: a number of up to 127 bits, or the knowledge that there
 // is none.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <string>
 
 #include "tq_export.h"
 
-/// A value type. A 64-bit device needs 64 bits and the power of two above them; there is room for
-/// twice that. A value is either valid, and then holds a number, or invalid; a fresh value is
-/// invalid. Nothing here throws for its input: what can't be read or doesn't fit is invalid.
+/// A value type of 16 bytes, as a design holds millions. A 64-bit device needs 64 bits and the
+/// power of two above them; there is ample room for that. A value is either valid, and then holds a
+/// number, or invalid; a fresh value is invalid. Nothing here throws for its input: what can't be
+/// read or doesn't fit is invalid.
 ///
 ///     HABMAddrValue size("64K");
 ///     size.getHexStringValue(0);  // "0x10000"
@@ -22,27 +24,23 @@ public:
     /// Reads a text: "0x" or "0X" and hexadecimal digits of either case, or decimal digits, which
     /// one of the letters K, M, G, T, P and E (of either case) may follow for a multiple of 2^10,
     /// 2^20, … 2^60. Anything else is invalid: an empty text, a sign, a blank, a digit group mark,
-    /// a number beyond 128 bits.
+    /// a number beyond 127 bits.
     HABMAddrValue(const std::string& text);
-    constexpr explicit HABMAddrValue(std::uint64_t number) : m_low(number), m_valid(true) {}
+    constexpr explicit HABMAddrValue(std::uint64_t number) : m_high(kValid), m_low(number) {}
 
-    [[nodiscard]] bool isValid() const { return m_valid; }
+    [[nodiscard]] bool isValid() const { return m_high != 0; }
 
     /// Numeric order; an invalid value stands below every valid one and equals any invalid one.
-    bool operator<(const HABMAddrValue& other) const {
-        if (m_valid != other.m_valid)
-            return other.m_valid;
-        return m_high != other.m_high ? m_high < other.m_high : m_low < other.m_low;
-    }
+    bool operator<(const HABMAddrValue& other) const { return (*this <=> other) < 0; }
     bool operator==(const HABMAddrValue& other) const = default;
 
-    /// The sum and the difference; invalid if an operand is, or if the result is beyond 128 bits
+    /// The sum and the difference; invalid if an operand is, or if the result is beyond 127 bits
     /// or below zero.
     [[nodiscard]] HABMAddrValue plus(const HABMAddrValue& other) const;
     [[nodiscard]] HABMAddrValue minus(const HABMAddrValue& other) const;
 
     /// Smallest power of two that isn't below the value, 1 for 0; invalid for an invalid value and
-    /// for one above 2^127.
+    /// for one above 2^126.
     [[nodiscard]] HABMAddrValue roundUpPow2() const;
     /// Binary logarithm, rounded down; 0 for 0 and for an invalid value.
     [[nodiscard]] unsigned int log2() const;
@@ -59,7 +57,12 @@ public:
 private:
     struct Wide;
 
-    std::uint64_t m_high = 0; ///< both halves are 0 if invalid, so that comparing needn't ask
+    /// The top bit, so that the valid compare above the invalid, whose bits are all 0.
+    static constexpr std::uint64_t kValid = std::uint64_t{1} << 63;
+
+    std::strong_ordering operator<=>(const HABMAddrValue& other) const = default;
+    [[nodiscard]] std::uint64_t highHalf() const { return m_high & ~kValid; }
+
+    std::uint64_t m_high = 0;
     std::uint64_t m_low = 0;
-    bool m_valid = false;
 };

@@ -28,9 +28,10 @@ TEST(AddrValue, ReadsEveryAcceptedTextAndNoOther) {
         {"18446744073709551616", "0x10000000000000000", "16E"},
         {"0x0000000000000000000000000000000000000001", "0x1", "0x1"},
         {"00000000000000000000000000000000000000000000017", "0x11", "0x11"},
-        {"0xffffffffffffffffffffffffffffffff", "0xffffffffffffffffffffffffffffffff", nullptr},
+        {"0x7fffffffffffffffffffffffffffffff", "0x7fffffffffffffffffffffffffffffff", nullptr},
+        {"0x80000000000000000000000000000000", nullptr},
         {"0x100000000000000000000000000000000", nullptr},
-        {"340282366920938463463374607431768211456", nullptr},
+        {"170141183460469231731687303715884105728", nullptr},
         {"18446744073709551616E", "0x10000000000000000000000000000000", "18446744073709551616E"},
         {"999999999999999999999999999999999E", nullptr},
     };
@@ -64,7 +65,7 @@ TEST(AddrValue, RoundsUpToPowersOfTwo) {
         EXPECT_EQ(c.rounded, rounded.getHexStringValue(0)) << c.value;
         EXPECT_EQ(c.log2, rounded.log2()) << c.value;
     }
-    EXPECT_FALSE(HABMAddrValue("0xffffffffffffffffffffffffffffffff").roundUpPow2().isValid());
+    EXPECT_FALSE(HABMAddrValue("0x7fffffffffffffffffffffffffffffff").roundUpPow2().isValid());
     EXPECT_FALSE(HABMAddrValue().roundUpPow2().isValid());
     EXPECT_EQ(0U, HABMAddrValue().log2());
 }
@@ -72,7 +73,7 @@ TEST(AddrValue, RoundsUpToPowersOfTwo) {
 TEST(AddrValue, CalculatesOrdersAndPrintsTheInvalidAsLowest) {
     const HABMAddrValue none;
     const HABMAddrValue one(1);
-    const HABMAddrValue most("0xffffffffffffffffffffffffffffffff");
+    const HABMAddrValue most("0x7fffffffffffffffffffffffffffffff");
     EXPECT_TRUE(none < HABMAddrValue(0));
     EXPECT_FALSE(none < HABMAddrValue("?"));
     EXPECT_TRUE(HABMAddrValue("0xffffffffffffffff") < HABMAddrValue("0x10000000000000000"));
@@ -95,7 +96,7 @@ TEST(AddrAperture, EndsAtItsLastAddress) {
                                                                  {"0:16E", "0xffffffffffffffff"}};
     for (const auto& [text, last] : cases)
         EXPECT_EQ(last, HABMAddrAperture(text).getHighAddress().getHexStringValue(0)) << text;
-    for (const char* text : {"4K", "x:1", "1:x", ":", "0xffffffffffffffffffffffffffffffff:2"})
+    for (const char* text : {"4K", "x:1", "1:x", ":", "0x7fffffffffffffffffffffffffffffff:2"})
         EXPECT_FALSE(HABMAddrAperture(text).getHighAddress().isValid()) << text;
 }
 
