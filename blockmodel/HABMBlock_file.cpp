@@ -58,6 +58,7 @@ bool HABMBlock::writeTopBlock(const HUTFile& file, const HABMBlock& block, const
     // The paths in a file begin at its top block.
     const std::unique_ptr<HABMBlock> asTop =
         block.getParent() == nullptr ? nullptr : cloneTopBlock(block);
-    return habm::writeWholeFile(file.getFullPath(),
-                                habm::bmj::toText(asTop == nullptr ? block : *asTop), flag);
+    const HABMBlock& top = asTop == nullptr ? block : *asTop;
+    return habm::writeWholeFile(file.getFullPath(), flag,
+                                [&](const habm::Sink& sink) { habm::bmj::write(top, sink); });
 }

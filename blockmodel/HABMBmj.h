@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "blockmodel/HABMFileReplace.h"
+
 class HABMBlock;
 
 /// One JSON object: "format", "version" and "block", the top block.
@@ -25,7 +27,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-[[nodiscard]] std::string toText(const HABMBlock& top);
+/// Gives the text to the sink in pieces, so that it needs no more memory than one of them.
+void write(const HABMBlock& top, const Sink& sink);
 
 /// Raises `Fault` for a text that isn't a whole block of this version, and `std::bad_alloc`. The
 /// text is used up.

@@ -1,7 +1,9 @@
 // Writes a block as the text of a ".bmj" file.
 
+#include "JsonDocument.h"
 #include "rapidjson_headers.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -15,12 +17,12 @@ namespace {
 constexpr HABMAddrValue kZero(std::uint64_t{0});
 const HABMAddrAperture kEmptyAperture{""};
 
+/// Pieces that stay in the cache between making and writing them.
+constexpr std::size_t kPieceBytes = std::size_t{1} << 16;
+
 class BlockWriter {
 public:
-    std::string takeText() {
-        m_buffer.Put('\n');
-        return {m_buffer.GetString(), m_buffer.GetSize()};
-    }
+    explicit BlockWriter(const Sink& sink) : m_sink(sink) {}
 
     void file(const HABMBlock& top) {
         m_writer.StartObject();
@@ -29,9 +31,16 @@ public:
         key("block");
         block(top);
         m_writer.EndObject();
+        m_buffer.Put('\n');
+        giveOut();
     }
 
 private:
+    void giveOut() {
+        m_isTaken = m_isTaken && m_sink({m_buffer.GetString(), m_buffer.GetSize()});
+        m_buffer.Clear();
+    }
+
     void key(std::string_view name) { string(name); }
     void string(std::string_view text) {
         m_writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
@@ -82,8 +91,11 @@ private:
             return;
         key(name);
         m_writer.StartArray();
-        for (const auto& item : items)
+        for (const auto& item : items) {
             write(item);
+            if (m_buffer.GetSize() >= kPieceBytes)
+                giveOut();
+        }
         m_writer.EndArray();
     }
     /// An array of objects, with what `write` makes of each as its members.
@@ -205,16 +217,19 @@ private:
         text("target", assign.getTargetPath());
     }
 
-    rapidjson::StringBuffer m_buffer;
-    rapidjson::Writer<rapidjson::StringBuffer> m_writer{m_buffer};
+    using Buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, JsonAllocator>;
+
+    const Sink& m_sink;
+    bool m_isTaken = true; ///< all that was given out
+    Buffer m_buffer;
+    rapidjson::Writer<Buffer, rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator> m_writer{
+        m_buffer};
 };
 
 } // namespace
 
-std::string toText(const HABMBlock& top) {
-    BlockWriter writer;
-    writer.file(top);
-    return writer.takeText();
+void write(const HABMBlock& top, const Sink& sink) {
+    BlockWriter(sink).file(top);
 }
 
 } // namespace habm::bmj

@@ -35,6 +35,7 @@ public:
                      std::to_string(made.fetch_add(1)) + ".tmp";
             m_descriptor = ::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         } while (m_descriptor < 0 && errno == EEXIST);
+        m_isWhole = m_descriptor >= 0;
     }
     ~FreshFile() {
         if (m_descriptor < 0)
@@ -46,8 +47,9 @@ public:
     FreshFile(const FreshFile&) = delete;
     FreshFile& operator=(const FreshFile&) = delete;
 
-    bool write(std::string_view content) {
-        return m_descriptor >= 0 && writeAll(m_descriptor, content) && ::fsync(m_descriptor) == 0;
+    bool write(std::string_view piece) {
+        m_isWhole = m_isWhole && writeAll(m_descriptor, piece);
+        return m_isWhole;
     }
     void takeModeOf(const std::string& path) {
         struct stat status = {};
@@ -55,13 +57,15 @@ public:
             (void)!::fchmod(m_descriptor, status.st_mode & 07777U);
     }
     bool place(const std::string& path) {
-        m_isPlaced = ::rename(m_path.c_str(), path.c_str()) == 0;
+        m_isPlaced =
+            m_isWhole && ::fsync(m_descriptor) == 0 && ::rename(m_path.c_str(), path.c_str()) == 0;
         return m_isPlaced;
     }
 
 private:
     std::string m_path;
     int m_descriptor = -1;
+    bool m_isWhole; ///< so far
     bool m_isPlaced = false;
 };
 
@@ -76,7 +80,8 @@ void syncFolder(const fs::path& folder) {
 
 } // namespace
 
-bool habm::writeWholeFile(const std::string& path, std::string_view content, bool replaces) {
+bool habm::writeWholeFile(const std::string& path, bool replaces,
+                          const std::function<void(const Sink&)>& produce) {
     if (path.empty() || path.find('\0') != std::string::npos)
         return false;
     std::error_code error;
@@ -89,7 +94,8 @@ bool habm::writeWholeFile(const std::string& path, std::string_view content, boo
     FreshFile file(target);
     if (isThere)
         file.takeModeOf(target);
-    if (!file.write(content) || !file.place(target))
+    produce([&file](std::string_view piece) { return file.write(piece); });
+    if (!file.place(target))
         return false;
     const fs::path folder = fs::path(target).parent_path();
     syncFolder(folder.empty() ? fs::path(".") : folder);
