@@ -1,15 +1,25 @@
 // The block model as it grows: ten times the objects may take at most twelve times as long, and
-// reading a file at most four times what parsing its bytes takes. "per_object" is to stay level
-// from row to row; "of_parse" is the second ratio, measured in turns in one run.
+// reading a file at most four times what parsing its bytes takes. A row's time is the processor's,
+// per turn; "growth" is the ratio of its median to that of the row before, which has a tenth of the
+// objects, and "of_parse" the second ratio, measured in turns in one run. Each turn begins in the
+// same state whatever the size: its memory comes fresh from the system and nothing of the design is
+// left in the cache, as when a tool does the work once. Without that, small designs would seem
+// faster than they are, and the large ones to grow worse.
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
+#include <malloc.h>
+
+#include <algorithm>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "HUTFile.h"
 #include "addressing/HBSAddrParseUtil.h"
@@ -68,91 +78,133 @@ std::unique_ptr<HABMBlock> design(std::int64_t objects) {
     return top;
 }
 
-/// Seconds per object, for the eye to compare from row to row.
-void countObjects(benchmark::State& state) {
-    state.counters["per_object"] = benchmark::Counter(
-        static_cast<double>(state.range(0)),
-        benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+using Seconds = double;
+
+Seconds processorTime() {
+    timespec now = {};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<Seconds>(now.tv_sec) + 1e-9 * static_cast<Seconds>(now.tv_nsec);
 }
 
-void build(benchmark::State& state) {
-    for (auto _ : state) {
-        auto block = design(state.range(0));
-        state.PauseTiming();
-        block.reset();
-        state.ResumeTiming();
+/// Gives free memory back to the system and fills the cache with something else.
+void startAfresh() {
+    malloc_trim(0);
+    static std::vector<char> other(std::size_t{64} << 20);
+    for (std::size_t i = 0; i < other.size(); i += 64)
+        ++other[i];
+}
+
+template <class Work>
+Seconds timeOf(const Work& work) {
+    startAfresh();
+    const Seconds start = processorTime();
+    work();
+    return processorTime() - start;
+}
+
+Seconds middleOf(std::vector<Seconds>& times) {
+    const auto middle = times.begin() + std::ssize(times) / 2;
+    std::nth_element(times.begin(), middle, times.end());
+    return *middle;
+}
+
+/// The turns of one row.
+class Turns {
+public:
+    Turns(benchmark::State& state, const std::string& name) : m_state(state), m_name(name) {}
+    Turns(const Turns&) = delete;
+    Turns& operator=(const Turns&) = delete;
+    ~Turns() {
+        static std::map<std::pair<std::string, std::int64_t>, Seconds> medians;
+        const std::int64_t objects = m_state.range(0);
+        const Seconds now = medians[{m_name, objects}] = median();
+        m_state.counters["per_object"] = now / static_cast<double>(objects);
+        const auto before = medians.find({m_name, objects / 10});
+        if (before != medians.end())
+            m_state.counters["growth"] = now / before->second;
     }
-    countObjects(state);
+    template <class Work>
+    void add(const Work& work) {
+        m_times.push_back(timeOf(work));
+        m_state.SetIterationTime(m_times.back());
+    }
+
+    [[nodiscard]] Seconds median() { return middleOf(m_times); }
+
+private:
+    benchmark::State& m_state;
+    std::string m_name;
+    std::vector<Seconds> m_times;
+};
+
+void build(benchmark::State& state) {
+    Turns turns(state, "build");
+    for (auto _ : state) {
+        std::unique_ptr<HABMBlock> block;
+        turns.add([&] { block = design(state.range(0)); });
+    }
 }
 
 void write(benchmark::State& state) {
     const auto block = design(state.range(0));
+    const HUTFile file(folder().file("block.bmj"));
+    Turns turns(state, "write");
     for (auto _ : state)
-        HABMBlock::writeTopBlock(HUTFile(folder().file("block.bmj")), *block, true);
-    countObjects(state);
+        turns.add([&] { HABMBlock::writeTopBlock(file, *block, true); });
 }
 
 void read(benchmark::State& state) {
-    using Clock = std::chrono::steady_clock;
     const std::string path = folder().file("block.bmj");
     HABMBlock::writeTopBlock(HUTFile(path), *design(state.range(0)), true);
     std::ifstream stream(path, std::ios::binary);
     const std::string bytes((std::istreambuf_iterator<char>(stream)),
                             std::istreambuf_iterator<char>());
-    Clock::duration reading{};
-    Clock::duration parsing{};
+    std::vector<Seconds> parsing;
+    Turns turns(state, "read");
     for (auto _ : state) {
-        const auto start = Clock::now();
-        auto block = HABMBlock::readTopBlock(HUTFile(path));
-        reading += Clock::now() - start;
-        state.PauseTiming();
+        std::unique_ptr<HABMBlock> block;
+        turns.add([&] { block = HABMBlock::readTopBlock(HUTFile(path)); });
         block.reset();
-        const auto parseStart = Clock::now();
-        rapidjson::Document document;
-        document.Parse(bytes.data(), bytes.size());
-        benchmark::DoNotOptimize(document.HasParseError());
-        parsing += Clock::now() - parseStart;
-        state.ResumeTiming();
+        parsing.push_back(timeOf([&] {
+            rapidjson::Document document;
+            document.Parse(bytes.data(), bytes.size());
+            benchmark::DoNotOptimize(document.HasParseError());
+        }));
     }
-    countObjects(state);
-    state.counters["of_parse"] =
-        std::chrono::duration<double>(reading) / std::chrono::duration<double>(parsing);
+    state.counters["of_parse"] = turns.median() / middleOf(parsing);
 }
 
 void clone(benchmark::State& state) {
     const auto block = design(state.range(0));
+    Turns turns(state, "clone");
     for (auto _ : state) {
-        auto copy = HABMBlock::cloneTopBlock(*block);
-        state.PauseTiming();
-        copy.reset();
-        state.ResumeTiming();
+        std::unique_ptr<HABMBlock> copy;
+        turns.add([&] { copy = HABMBlock::cloneTopBlock(*block); });
     }
-    countObjects(state);
 }
 
 /// What configuring a design does: takes every second sub-block out, then the connections that
 /// lead nowhere, asking each interface for its connections.
+void pruneOnce(HABMBlock& block) {
+    bool removes = false;
+    for (HABMBlock* const subBlock : block.getSubBlocks())
+        if ((removes = !removes))
+            block.removeSubBlock(std::string(subBlock->getInstanceName()));
+    for (HABMInterfaceConnection* const line : block.findInterfaceConnections("", true))
+        if (!line->isValid())
+            line->getParent()->removeInterfaceConnection(std::string(line->getName()));
+    for (HABMBlock* const subBlock : block.getSubBlocks())
+        for (HABMInterface* const interface : subBlock->getInterfaces())
+            if (!interface->hasConnections())
+                subBlock->removeInterface(std::string(interface->getInterfaceName()));
+}
+
 void prune(benchmark::State& state) {
+    Turns turns(state, "prune");
     for (auto _ : state) {
-        state.PauseTiming();
-        auto block = design(state.range(0));
-        state.ResumeTiming();
-        bool removes = false;
-        for (HABMBlock* const subBlock : block->getSubBlocks())
-            if ((removes = !removes))
-                block->removeSubBlock(std::string(subBlock->getInstanceName()));
-        for (HABMInterfaceConnection* const line : block->findInterfaceConnections("", true))
-            if (!line->isValid())
-                line->getParent()->removeInterfaceConnection(std::string(line->getName()));
-        for (HABMBlock* const subBlock : block->getSubBlocks())
-            for (HABMInterface* const interface : subBlock->getInterfaces())
-                if (!interface->hasConnections())
-                    subBlock->removeInterface(std::string(interface->getInterfaceName()));
-        state.PauseTiming();
-        block.reset();
-        state.ResumeTiming();
+        const auto block = design(state.range(0));
+        turns.add([&] { pruneOnce(*block); });
     }
-    countObjects(state);
 }
 
 /// One hard block of so many registers, from its tables.
@@ -164,21 +216,25 @@ void tables(benchmark::State& state) {
                   << std::dec << "; reset=0x0\n";
     registers.close();
     const HUTFile place(fs::path(folder().file("hb")).parent_path().string());
-    for (auto _ : state)
-        benchmark::DoNotOptimize(HBSAddrParseUtil::buildHardblockDefinition(place, "hb", false));
-    countObjects(state);
+    Turns turns(state, "tables");
+    for (auto _ : state) {
+        std::unique_ptr<HABMBlock> block;
+        turns.add([&] { block = HBSAddrParseUtil::buildHardblockDefinition(place, "hb", false); });
+    }
 }
 
 constexpr std::int64_t kMost = 1000000;
 
-BENCHMARK(build)->RangeMultiplier(10)->Range(kMost / 100, kMost)->Unit(benchmark::kMillisecond);
-BENCHMARK(write)->RangeMultiplier(10)->Range(kMost / 100, kMost)->Unit(benchmark::kMillisecond);
-BENCHMARK(read)->RangeMultiplier(10)->Range(kMost / 100, kMost)->Unit(benchmark::kMillisecond);
-BENCHMARK(clone)->RangeMultiplier(10)->Range(kMost / 100, kMost)->Unit(benchmark::kMillisecond);
-BENCHMARK(prune)->RangeMultiplier(10)->Range(kMost / 100, kMost)->Unit(benchmark::kMillisecond);
-BENCHMARK(tables)
-    ->RangeMultiplier(10)
-    ->Range(kMost / 1000, kMost / 10)
-    ->Unit(benchmark::kMillisecond);
+void rows(benchmark::internal::Benchmark* work) {
+    work->RangeMultiplier(10)->Range(kMost / 100, kMost)->Unit(benchmark::kMillisecond);
+    work->UseManualTime()->MinTime(1);
+}
+
+BENCHMARK(build)->Apply(rows);
+BENCHMARK(write)->Apply(rows);
+BENCHMARK(read)->Apply(rows);
+BENCHMARK(clone)->Apply(rows);
+BENCHMARK(prune)->Apply(rows);
+BENCHMARK(tables)->Apply(rows);
 
 } // namespace
