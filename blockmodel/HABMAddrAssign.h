@@ -56,7 +56,7 @@ public:
     filterByAddrSpace(const std::vector<HABMAddrAssign*>& assigns, const HABMAddrSpace* space);
 
 private:
-    friend class HABMBlock;
+    friend class HABMObjectMaker;
     HABMAddrAssign(HABMBlock* parent, const std::string& name);
 
     HABMBlock* const m_parent;

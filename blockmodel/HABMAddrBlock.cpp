@@ -1,7 +1,5 @@
 #include "blockmodel/HABMAddrBlock.h"
 
-#include <memory>
-
 #include "blockmodel/HABMBlock.h"
 #include "blockmodel/HABMEnumText.h"
 #include "blockmodel/HABMMemoryMap.h"
@@ -33,14 +31,10 @@ std::string HABMAddrBlock::decodeMemoryType(MemoryType type) {
 }
 
 HABMRegister* HABMAddrBlock::createRegister(const std::string& name) {
-    if (!habm::isName(name))
-        return nullptr;
-    std::unique_ptr<HABMRegister> created(new HABMRegister(this, name));
-    const std::string_view key = created->getName();
-    HABMRegister* const added = m_registers.add(key, std::move(created));
-    if (added != nullptr)
-        m_parent->getParent()->forgetRegisterNames();
-    return added;
+    HABMRegister* const fresh = habm::isName(name) ? m_registers.create(name, this, name) : nullptr;
+    if (fresh != nullptr)
+        m_parent->getParent()->noteRegister(*fresh);
+    return fresh;
 }
 
 HABMRegister* HABMAddrBlock::getRegister(const std::string& name) const {

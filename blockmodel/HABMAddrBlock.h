@@ -47,7 +47,7 @@ public:
     [[nodiscard]] std::vector<HABMRegister*> getRegisters() const { return m_registers.all(); }
 
 private:
-    friend class HABMMemoryMap;
+    friend class HABMObjectMaker;
     HABMAddrBlock(HABMMemoryMap* parent, const std::string& name);
 
     HABMMemoryMap* const m_parent;

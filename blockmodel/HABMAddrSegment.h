@@ -37,7 +37,7 @@ public:
     void setMemoryType(const MemoryType& type) { m_memoryType = type; }
 
 private:
-    friend class HABMAddrSpace;
+    friend class HABMObjectMaker;
     HABMAddrSegment(HABMAddrSpace* parent, const std::string& name);
 
     HABMAddrSpace* const m_parent;

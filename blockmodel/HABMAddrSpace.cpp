@@ -1,7 +1,6 @@
 #include "blockmodel/HABMAddrSpace.h"
 
 #include <cstdint>
-#include <memory>
 
 #include "blockmodel/HABMBlock.h"
 #include "blockmodel/HABMPathText.h"
@@ -14,11 +13,7 @@ std::string HABMAddrSpace::getPath() const {
 }
 
 HABMAddrSegment* HABMAddrSpace::createAddrSegment(const std::string& name) {
-    if (!habm::isName(name))
-        return nullptr;
-    std::unique_ptr<HABMAddrSegment> created(new HABMAddrSegment(this, name));
-    const std::string_view key = created->getName();
-    return m_segments.add(key, std::move(created));
+    return habm::isName(name) ? m_segments.create(name, this, name) : nullptr;
 }
 
 HABMAddrSegment* HABMAddrSpace::getAddrSegment(const std::string& name) const {

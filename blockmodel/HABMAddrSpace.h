@@ -35,7 +35,7 @@ public:
     [[nodiscard]] std::vector<HABMAddrSegment*> getAddrSegments() const { return m_segments.all(); }
 
 private:
-    friend class HABMBlock;
+    friend class HABMObjectMaker;
     HABMAddrSpace(HABMBlock* parent, const std::string& name);
 
     HABMBlock* const m_parent;

@@ -8,40 +8,13 @@
 
 namespace {
 
-/// Adds what `make` makes under a name that is free, or gives what `flag` says.
-template <class Object, class Make, class NameOf>
-Object* created(HABMNamedStore<Object>& store, const std::string& name, bool flag, Make make,
-                NameOf nameOf) {
-    std::unique_ptr<Object> object(make());
-    const std::string_view key = nameOf(*object);
-    Object* const added = store.add(key, std::move(object));
-    return added == nullptr && flag ? store.find(name) : added;
-}
-
-template <class Object>
-std::string freeName(const HABMNamedStore<Object>& store, const char* stem, unsigned& next) {
-    std::string name;
-    do
-        name = stem + std::to_string(next++);
-    while (store.find(name) != nullptr);
-    return name;
-}
-
 /// Sets the value of a parameter or an attribute.
 template <class Entry>
 Entry* valueSet(HABMNamedStore<Entry>& store, const std::string& name, const std::string& value,
                 bool replaces) {
-    if (name.empty())
-        return nullptr;
-    Entry* entry = store.find(name);
-    if (entry != nullptr && !replaces)
-        return nullptr;
-    if (entry == nullptr) {
-        auto fresh = std::make_unique<Entry>(name);
-        const std::string_view key = fresh->getName();
-        entry = store.add(key, std::move(fresh));
-    }
-    entry->setValue(value);
+    Entry* const entry = name.empty() ? nullptr : store.createOrFind(name, replaces, name);
+    if (entry != nullptr)
+        entry->setValue(value);
     return entry;
 }
 
@@ -137,9 +110,7 @@ HABMBlock* HABMBlock::createSubBlock(const std::string& instance, const std::str
                                      const bool& flag) {
     if (!habm::isName(instance) || level() >= kMostLevels)
         return nullptr;
-    return created(
-        m_parts->subBlocks, instance, flag, [&] { return new HABMBlock(this, instance, module); },
-        [](const HABMBlock& block) -> std::string_view { return block.m_instanceName; });
+    return m_parts->subBlocks.createOrFind(instance, flag, this, instance, module);
 }
 
 HABMBlock* HABMBlock::getSubBlock(const std::string& instance) const {
@@ -154,8 +125,8 @@ std::unique_ptr<HABMBlock> HABMBlock::removeSubBlock(const std::string& instance
     const HABMBlock* const leaving = m_parts->subBlocks.find(instance);
     if (leaving == nullptr)
         return nullptr;
-    if (HABMConnectionIndex* const index = standingConnectionIndex())
-        index->removeBelow(*leaving);
+    HABMConnectionIndex::change(*this,
+                                [&](HABMConnectionIndex& index) { index.removeBelow(*leaving); });
     const std::string before = leaving->getInstancePath();
     std::unique_ptr<HABMBlock> block = m_parts->subBlocks.take(instance);
     block->m_parent = nullptr;
@@ -165,11 +136,7 @@ std::unique_ptr<HABMBlock> HABMBlock::removeSubBlock(const std::string& instance
 }
 
 HABMPort* HABMBlock::createPort(const std::string& name, const bool& flag) {
-    if (!habm::isName(name))
-        return nullptr;
-    return created(
-        m_parts->ports, name, flag, [&] { return new HABMPort(this, name); },
-        [](const HABMPort& port) -> std::string_view { return port.getPortName(); });
+    return habm::isName(name) ? m_parts->ports.createOrFind(name, flag, this, name) : nullptr;
 }
 
 HABMPort* HABMBlock::getPort(const std::string& name) const {
@@ -181,13 +148,7 @@ std::vector<HABMPort*> HABMBlock::getPorts() const {
 }
 
 HABMInterface* HABMBlock::createInterface(const std::string& name, const bool& flag) {
-    if (!habm::isName(name))
-        return nullptr;
-    return created(
-        m_parts->interfaces, name, flag, [&] { return new HABMInterface(this, name); },
-        [](const HABMInterface& interface) -> std::string_view {
-            return interface.getInterfaceName();
-        });
+    return habm::isName(name) ? m_parts->interfaces.createOrFind(name, flag, this, name) : nullptr;
 }
 
 HABMInterface* HABMBlock::getInterface(const std::string& name) const {
@@ -200,63 +161,6 @@ std::vector<HABMInterface*> HABMBlock::getInterfaces() const {
 
 bool HABMBlock::removeInterface(const std::string& name) {
     return m_parts->interfaces.take(name) != nullptr;
-}
-
-HABMPortConnection* HABMBlock::createPortConnection(const std::string& name, const bool& flag) {
-    const std::string chosen = name.empty() ? freeName(m_parts->portConnections, "port_connection_",
-                                                       m_parts->nextPortConnection)
-                                            : name;
-    const std::size_t before = m_parts->portConnections.size();
-    HABMPortConnection* const connection = created(
-        m_parts->portConnections, chosen, flag,
-        [&] { return new HABMPortConnection(this, chosen); },
-        [](const HABMPortConnection& c) -> std::string_view { return c.getName(); });
-    HABMConnectionIndex* const index = standingConnectionIndex();
-    if (index != nullptr && m_parts->portConnections.size() > before)
-        index->add(*connection);
-    return connection;
-}
-
-std::vector<HABMPortConnection*> HABMBlock::getPortConnections() const {
-    return m_parts->portConnections.all();
-}
-
-bool HABMBlock::removePortConnection(const std::string& name) {
-    const std::unique_ptr<HABMPortConnection> removed = m_parts->portConnections.take(name);
-    HABMConnectionIndex* const index = standingConnectionIndex();
-    if (removed != nullptr && index != nullptr)
-        index->remove(*removed);
-    return removed != nullptr;
-}
-
-HABMInterfaceConnection* HABMBlock::createInterfaceConnection(const std::string& name,
-                                                              const bool& flag) {
-    const std::string chosen =
-        name.empty() ? freeName(m_parts->interfaceConnections, "interface_connection_",
-                                m_parts->nextInterfaceConnection)
-                     : name;
-    const std::size_t before = m_parts->interfaceConnections.size();
-    HABMInterfaceConnection* const connection = created(
-        m_parts->interfaceConnections, chosen, flag,
-        [&] { return new HABMInterfaceConnection(this, chosen); },
-        [](const HABMInterfaceConnection& c) -> std::string_view { return c.getName(); });
-    HABMConnectionIndex* const index = standingConnectionIndex();
-    if (index != nullptr && m_parts->interfaceConnections.size() > before)
-        index->add(*connection);
-    return connection;
-}
-
-std::vector<HABMInterfaceConnection*> HABMBlock::getInterfaceConnections() const {
-    return m_parts->interfaceConnections.all();
-}
-
-bool HABMBlock::removeInterfaceConnection(const std::string& name) {
-    const std::unique_ptr<HABMInterfaceConnection> removed =
-        m_parts->interfaceConnections.take(name);
-    HABMConnectionIndex* const index = standingConnectionIndex();
-    if (removed != nullptr && index != nullptr)
-        index->remove(*removed);
-    return removed != nullptr;
 }
 
 HABMParameter* HABMBlock::setParameter(const std::string& name, const std::string& value,
@@ -280,63 +184,4 @@ HABMAttribute* HABMBlock::getAttribute(const std::string& name) const {
 
 std::vector<HABMAttribute*> HABMBlock::getAttributes() const {
     return m_parts->attributes.all();
-}
-
-HABMMemoryMap* HABMBlock::createMemoryMap(const std::string& name) {
-    if (!habm::isName(name))
-        return nullptr;
-    return created(
-        m_parts->memoryMaps, name, false, [&] { return new HABMMemoryMap(this, name); },
-        [](const HABMMemoryMap& map) -> std::string_view { return map.getName(); });
-}
-
-HABMMemoryMap* HABMBlock::getMemoryMap(const std::string& name) const {
-    return m_parts->memoryMaps.find(name);
-}
-
-std::vector<HABMMemoryMap*> HABMBlock::getMemoryMaps() const {
-    return m_parts->memoryMaps.all();
-}
-
-HABMAddrSpace* HABMBlock::createAddrSpace(const std::string& name) {
-    if (!habm::isName(name))
-        return nullptr;
-    return created(
-        m_parts->addrSpaces, name, false, [&] { return new HABMAddrSpace(this, name); },
-        [](const HABMAddrSpace& space) -> std::string_view { return space.getName(); });
-}
-
-HABMAddrSpace* HABMBlock::getAddrSpace(const std::string& name) const {
-    return m_parts->addrSpaces.find(name);
-}
-
-std::vector<HABMAddrSpace*> HABMBlock::getAddrSpaces() const {
-    return m_parts->addrSpaces.all();
-}
-
-HABMAddrAssign* HABMBlock::createAddrAssign(const std::string& name) {
-    if (!habm::isName(name))
-        return nullptr;
-    return created(
-        m_parts->addrAssigns, name, false, [&] { return new HABMAddrAssign(this, name); },
-        [](const HABMAddrAssign& assign) -> std::string_view { return assign.getName(); });
-}
-
-HABMAddrAssign* HABMBlock::getAddrAssign(const std::string& name) const {
-    return m_parts->addrAssigns.find(name);
-}
-
-std::vector<HABMAddrAssign*> HABMBlock::getAddrAssigns() const {
-    return m_parts->addrAssigns.all();
-}
-
-HABMConnectionIndex& HABMBlock::connectionIndex() {
-    HABMBlock& top = *getTopBlock();
-    if (top.m_parts->connectionIndex == nullptr)
-        top.m_parts->connectionIndex = std::make_unique<HABMConnectionIndex>(top);
-    return *top.m_parts->connectionIndex;
-}
-
-HABMConnectionIndex* HABMBlock::standingConnectionIndex() const {
-    return getTopBlock()->m_parts->connectionIndex.get();
 }

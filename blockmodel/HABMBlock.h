@@ -1,14 +1,17 @@
 // A block of a design: the root of the block model, and every node of its tree.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "blockmodel/HABMAddrValue.h"
 #include "tq_export.h"
 
 class HABMAddrAssign;
+class HABMAddrBlock;
 class HABMAddrSpace;
 class HABMAttribute;
 class HABMConnectionIndex;
@@ -191,6 +194,7 @@ private:
     friend class HABMAddrBlock;
     friend class HABMConnectionIndex;
     friend class HABMInterface;
+    friend class HABMObjectMaker;
     friend class HABMPort;
     struct Parts;
 
@@ -199,13 +203,16 @@ private:
     [[nodiscard]] int levelsBelow() const;
     void copyContent(const HABMBlock& from);
     void movePaths(const std::string& before, const std::string& after);
-    void forgetRegisterNames();
+    /// Keeps what is known of the bare names of the registers true.
+    void noteRegister(HABMRegister& fresh) noexcept;
+    [[nodiscard]] std::pair<std::size_t, std::size_t> rankOf(const HABMAddrBlock& block) const;
     [[nodiscard]] HABMRegister* registerByName(const std::string& name) const;
 
     /// The index of the design's connections, made if it doesn't stand yet.
     [[nodiscard]] HABMConnectionIndex& connectionIndex();
     /// The same, or null if it doesn't stand.
     [[nodiscard]] HABMConnectionIndex* standingConnectionIndex() const;
+    void forgetConnectionIndex() const;
 
     HABMBlock* m_parent;
     std::string m_instanceName;

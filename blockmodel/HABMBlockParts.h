@@ -27,11 +27,11 @@ struct HABMBlock::Parts {
     HABMAddrValue baseAddress{0};
     bool isStub = false;
 
-    HABMNamedStore<HABMBlock> subBlocks;
+    HABMNamedStore<HABMBlock, HABMLooseObjects> subBlocks;
     HABMNamedStore<HABMPort> ports;
-    HABMNamedStore<HABMInterface> interfaces;
-    HABMNamedStore<HABMPortConnection> portConnections;
-    HABMNamedStore<HABMInterfaceConnection> interfaceConnections;
+    HABMNamedStore<HABMInterface, HABMLooseObjects> interfaces;
+    HABMNamedStore<HABMPortConnection, HABMLooseObjects> portConnections;
+    HABMNamedStore<HABMInterfaceConnection, HABMLooseObjects> interfaceConnections;
     HABMNamedStore<HABMParameter> parameters;
     HABMNamedStore<HABMAttribute> attributes;
     HABMNamedStore<HABMMemoryMap> memoryMaps;
@@ -42,7 +42,8 @@ struct HABMBlock::Parts {
     unsigned nextPortConnection = 1;
     unsigned nextInterfaceConnection = 1;
 
-    /// This block's own registers by bare name, the first of each; made when first asked for.
+    /// This block's own registers by bare name, the first of each; made when first asked for and
+    /// kept true from then on.
     using RegistersByName = std::unordered_map<std::string_view, HABMRegister*>;
     std::unique_ptr<RegistersByName> registersByName;
     /// Of a top block alone; made when first asked for.

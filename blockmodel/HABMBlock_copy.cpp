@@ -154,8 +154,7 @@ bool HABMBlock::mergeTopBlock(HABMBlock& top, const std::string& path, const HAB
         *place->m_parts = std::move(before);
         throw; // the index is made anew when it is needed
     }
-    if (index != nullptr)
-        index->addBelow(*place);
     root.m_parts->connectionIndex = std::move(index);
+    HABMConnectionIndex::change(root, [&](HABMConnectionIndex& i) { i.addBelow(*place); });
     return true;
 }

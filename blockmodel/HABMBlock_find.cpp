@@ -1,6 +1,7 @@
 // Walks over a block and what lies below it, and looks up registers.
 
 #include <cstddef>
+#include <new>
 #include <string_view>
 
 #include "blockmodel/HABMBlockParts.h"
@@ -149,6 +150,21 @@ HABMRegister* HABMBlock::registerByName(const std::string& name) const {
     return found == m_parts->registersByName->end() ? nullptr : found->second;
 }
 
-void HABMBlock::forgetRegisterNames() {
-    m_parts->registersByName.reset();
+/// Where an address block comes among those of its block.
+std::pair<std::size_t, std::size_t> HABMBlock::rankOf(const HABMAddrBlock& block) const {
+    const HABMMemoryMap& map = *block.getParent();
+    return {m_parts->memoryMaps.positionOf(map.getName()), map.positionOf(block)};
+}
+
+void HABMBlock::noteRegister(HABMRegister& fresh) noexcept {
+    if (m_parts->registersByName == nullptr)
+        return;
+    try {
+        HABMRegister*& first =
+            m_parts->registersByName->try_emplace(fresh.getName(), &fresh).first->second;
+        if (rankOf(*fresh.getParent()) < rankOf(*first->getParent()))
+            first = &fresh;
+    } catch (const std::bad_alloc&) {
+        m_parts->registersByName.reset(); // it is made anew when it is needed
+    }
 }

@@ -96,3 +96,7 @@ void HABMConnectionIndex::countPort(const std::string& path, std::ptrdiff_t chan
 HABMConnectionIndex* HABMConnectionIndex::standing(const HABMBlock& block) {
     return block.standingConnectionIndex();
 }
+
+void HABMConnectionIndex::giveUp(const HABMBlock& block) {
+    block.forgetConnectionIndex();
+}

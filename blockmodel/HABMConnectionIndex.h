@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <new>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -34,13 +35,26 @@ public:
     [[nodiscard]] std::vector<HABMInterfaceConnection*> withSource(const std::string& path) const;
     [[nodiscard]] std::vector<HABMInterfaceConnection*> withTarget(const std::string& path) const;
 
-    /// The index of the design of a block, or null if it doesn't stand.
-    [[nodiscard]] static HABMConnectionIndex* standing(const HABMBlock& block);
+    /// Changes the index of the design of a block, if it stands. If memory runs out meanwhile, the
+    /// index is given up, as it is made anew when it is next asked of.
+    template <class Change>
+    static void change(const HABMBlock& block, const Change& change) noexcept {
+        HABMConnectionIndex* const index = standing(block);
+        if (index == nullptr)
+            return;
+        try {
+            change(*index);
+        } catch (const std::bad_alloc&) {
+            giveUp(block);
+        }
+    }
 
 private:
     using ByAge = std::map<std::uint64_t, HABMInterfaceConnection*>;
     using ByPath = std::unordered_map<std::string, ByAge>;
 
+    static HABMConnectionIndex* standing(const HABMBlock& block);
+    static void giveUp(const HABMBlock& block);
     static void erase(ByPath& ends, const std::string& path, std::uint64_t age);
     static std::vector<HABMInterfaceConnection*> at(const ByPath& ends, const std::string& path);
     void countPort(const std::string& path, std::ptrdiff_t change);
@@ -54,20 +68,18 @@ private:
 template <class Connection>
 class HABMConnectionChange {
 public:
-    explicit HABMConnectionChange(Connection& connection)
-        : m_connection(connection),
-          m_index(HABMConnectionIndex::standing(*connection.getParent())) {
-        if (m_index != nullptr)
-            m_index->remove(connection);
+    explicit HABMConnectionChange(Connection& connection) : m_connection(connection) {
+        HABMConnectionIndex::change(*connection.getParent(), [&](HABMConnectionIndex& index) {
+            index.remove(m_connection);
+        });
     }
     ~HABMConnectionChange() {
-        if (m_index != nullptr)
-            m_index->add(m_connection);
+        HABMConnectionIndex::change(*m_connection.getParent(),
+                                    [&](HABMConnectionIndex& index) { index.add(m_connection); });
     }
     HABMConnectionChange(const HABMConnectionChange&) = delete;
     HABMConnectionChange& operator=(const HABMConnectionChange&) = delete;
 
 private:
     Connection& m_connection;
-    HABMConnectionIndex* m_index;
 };

@@ -1,6 +1,5 @@
 #include "blockmodel/HABMInterface.h"
 
-#include <memory>
 #include <unordered_set>
 
 #include "blockmodel/HABMBlock.h"
@@ -66,11 +65,8 @@ void HABMInterface::setApertures(const std::set<HABMAddrAperture>& apertures, co
 
 HABMPortMap* HABMInterface::createPortMap(const std::string& logicalPort,
                                           const std::string& physicalPort) {
-    if (logicalPort.empty())
-        return nullptr;
-    auto created = std::make_unique<HABMPortMap>(logicalPort, physicalPort);
-    const std::string_view key = created->getLogicalPort();
-    return m_portMaps.add(key, std::move(created));
+    return logicalPort.empty() ? nullptr
+                               : m_portMaps.create(logicalPort, logicalPort, physicalPort);
 }
 
 bool HABMInterface::hasConnections() const {

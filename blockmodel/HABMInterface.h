@@ -83,7 +83,7 @@ public:
     [[nodiscard]] std::vector<HABMInterface*> getTargetInterfaces();
 
 private:
-    friend class HABMBlock;
+    friend class HABMObjectMaker;
     HABMInterface(HABMBlock* parent, const std::string& name) : m_parent(parent), m_name(name) {}
 
     HABMBlock* const m_parent;

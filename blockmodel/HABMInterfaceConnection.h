@@ -46,6 +46,7 @@ public:
 private:
     friend class HABMBlock;
     friend class HABMConnectionIndex;
+    friend class HABMObjectMaker;
     HABMInterfaceConnection(HABMBlock* parent, const std::string& name);
     [[nodiscard]] HABMInterface* interfaceAt(const std::string& path) const;
     void moveEnds(const std::string& before, const std::string& after);

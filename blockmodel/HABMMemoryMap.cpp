@@ -1,7 +1,6 @@
 #include "blockmodel/HABMMemoryMap.h"
 
 #include <cstdint>
-#include <memory>
 
 #include "blockmodel/HABMBlock.h"
 #include "blockmodel/HABMPathText.h"
@@ -14,11 +13,7 @@ std::string HABMMemoryMap::getPath() const {
 }
 
 HABMAddrBlock* HABMMemoryMap::createAddrBlock(const std::string& name) {
-    if (!habm::isName(name))
-        return nullptr;
-    std::unique_ptr<HABMAddrBlock> created(new HABMAddrBlock(this, name));
-    const std::string_view key = created->getName();
-    return m_blocks.add(key, std::move(created));
+    return habm::isName(name) ? m_blocks.create(name, this, name) : nullptr;
 }
 
 HABMAddrBlock* HABMMemoryMap::getAddrBlock(const std::string& name) const {

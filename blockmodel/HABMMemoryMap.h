@@ -1,6 +1,7 @@
 // A memory map of a block: what a target interface offers, as address blocks.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,11 @@ public:
 
 private:
     friend class HABMBlock;
+    friend class HABMObjectMaker;
     HABMMemoryMap(HABMBlock* parent, const std::string& name);
+    [[nodiscard]] std::size_t positionOf(const HABMAddrBlock& block) const {
+        return m_blocks.positionOf(block.getName());
+    }
 
     HABMBlock* const m_parent;
     const std::string m_name;

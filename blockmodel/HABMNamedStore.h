@@ -1,61 +1,224 @@
 // Holds the objects of one kind that a parent owns: in the order in which they came, found by name.
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-/// Adding, finding and taking out cost a constant time on average, whatever the number of objects.
-/// The names must live in the objects themselves and stay as they are while they are in here. An
-/// object that is taken out leaves a hole, and the holes are closed when they outnumber the
-/// objects, so that emptying a large store costs no more than filling it.
-///
-/// The positions by name lie in one flat table, probed one slot after the other: designs have
-/// millions of names, and a node for each would double the work of making and destroying them.
+/// Makes the objects of the stores, whose constructors are for their owners alone.
+class HABMObjectMaker {
+public:
+    template <class Object, class... Arguments>
+    static Object* makeAt(void* place, Arguments&&... arguments) {
+        return ::new (place) Object(std::forward<Arguments>(arguments)...);
+    }
+    template <class Object, class... Arguments>
+    static std::unique_ptr<Object> makeNew(Arguments&&... arguments) {
+        return std::unique_ptr<Object>(new Object(std::forward<Arguments>(arguments)...));
+    }
+};
+
+/// Objects that stay until all go, such as the millions of registers of a design. They lie in
+/// chunks, side by side, of 1, 1, 2, 4, 8, 16, 16, … objects: one for each would cost an allocation
+/// and a release, and scatter what is walked over in order.
 template <class Object>
+class HABMKeptObjects {
+public:
+    HABMKeptObjects() = default;
+    HABMKeptObjects(HABMKeptObjects&& other) noexcept
+        : m_chunks(std::move(other.m_chunks)), m_size(std::exchange(other.m_size, 0)) {}
+    HABMKeptObjects& operator=(HABMKeptObjects&& other) noexcept {
+        std::swap(m_chunks, other.m_chunks);
+        std::swap(m_size, other.m_size);
+        return *this;
+    }
+    ~HABMKeptObjects() {
+        for (std::size_t position = 0; position < m_size; ++position)
+            at(position)->~Object();
+    }
+
+    /// Positions, and objects at them.
+    [[nodiscard]] std::size_t size() const { return m_size; }
+    [[nodiscard]] std::size_t count() const { return m_size; }
+    [[nodiscard]] Object* at(std::size_t position) const {
+        return &m_chunks[chunkOf(position)][placeOf(position)].object;
+    }
+
+    template <class... Arguments>
+    Object* add(Arguments&&... arguments) {
+        if (chunkOf(m_size) == m_chunks.size())
+            m_chunks.push_back(
+                std::unique_ptr<Slot[]>(new Slot[std::clamp<std::size_t>(m_size, 1, kLargest)]));
+        Object* const added =
+            HABMObjectMaker::makeAt<Object>(static_cast<void*>(&m_chunks.back()[placeOf(m_size)]),
+                                            std::forward<Arguments>(arguments)...);
+        ++m_size;
+        return added;
+    }
+
+private:
+    static constexpr std::size_t kLargest = 16;
+
+    union Slot {
+        Slot() {}  // NOLINT(modernize-use-equals-default): the object comes later
+        ~Slot() {} // NOLINT(modernize-use-equals-default)
+        Object object;
+    };
+
+    static std::size_t chunkOf(std::size_t position) {
+        constexpr std::size_t kSmaller = std::bit_width(kLargest - 1);
+        return position < kLargest ? static_cast<std::size_t>(std::bit_width(position))
+                                   : kSmaller + position / kLargest;
+    }
+    static std::size_t placeOf(std::size_t position) {
+        return position < kLargest ? position - std::bit_floor(position) : position % kLargest;
+    }
+
+    std::vector<std::unique_ptr<Slot[]>> m_chunks;
+    std::size_t m_size = 0;
+};
+
+/// Objects that can be taken out singly. One that is leaves a hole at its position.
+template <class Object>
+class HABMLooseObjects {
+public:
+    /// Positions, and objects at them.
+    [[nodiscard]] std::size_t size() const { return m_objects.size(); }
+    [[nodiscard]] std::size_t count() const { return m_count; }
+    /// Null for a hole.
+    [[nodiscard]] Object* at(std::size_t position) const { return m_objects[position].get(); }
+
+    template <class... Arguments>
+    Object* add(Arguments&&... arguments) {
+        m_objects.push_back(
+            HABMObjectMaker::makeNew<Object>(std::forward<Arguments>(arguments)...));
+        ++m_count;
+        return m_objects.back().get();
+    }
+    std::unique_ptr<Object> take(std::size_t position) {
+        --m_count;
+        return std::move(m_objects[position]);
+    }
+    void closeHoles() { std::erase(m_objects, nullptr); }
+
+private:
+    std::vector<std::unique_ptr<Object>> m_objects;
+    std::size_t m_count = 0;
+};
+
+/// Positions by the hash of their names, in one flat table that is probed one slot after the other:
+/// designs have millions of names, and a node for each would double the work of making and
+/// destroying them.
+class HABMNameTable {
+public:
+    using Hash = std::uint32_t;
+
+    static Hash hashOf(std::string_view name) {
+        return static_cast<Hash>(std::hash<std::string_view>()(name));
+    }
+    [[nodiscard]] bool empty() const { return m_slots.empty(); }
+    /// Whether so many positions leave free slots enough for short probes.
+    [[nodiscard]] bool hasRoomFor(std::size_t positions) const {
+        return 3 * m_slots.size() >= 4 * positions;
+    }
+    /// Empties the table and makes room for so many positions to double. It allocates only to grow.
+    void reset(std::size_t positions) { m_slots.assign(std::bit_ceil(2 * positions), Slot{}); }
+    /// There must be room.
+    void enter(Hash hash, std::size_t position) {
+        const std::size_t mask = m_slots.size() - 1;
+        std::size_t i = hash & mask;
+        while (m_slots[i].place != 0)
+            i = (i + 1) & mask;
+        m_slots[i] = {hash, static_cast<std::uint32_t>(position + 1)};
+    }
+    /// The position with this hash for which `holds` is true, or `none`.
+    template <class Holds>
+    [[nodiscard]] std::size_t find(Hash hash, std::size_t none, Holds holds) const {
+        const std::size_t mask = m_slots.size() - 1;
+        for (std::size_t i = hash & mask; m_slots[i].place != 0; i = (i + 1) & mask)
+            if (m_slots[i].hash == hash && holds(m_slots[i].place - 1))
+                return m_slots[i].place - 1;
+        return none;
+    }
+
+private:
+    struct Slot {
+        Hash hash = 0;
+        std::uint32_t place = 0; ///< position + 1; 0 in a free slot
+    };
+
+    std::vector<Slot> m_slots;
+};
+
+/// Adding, finding and taking out cost a constant time on average, whatever the number of objects.
+/// An object stays where it is in memory and keeps its name while it is in here. Holes are closed
+/// when they outnumber the objects, so that emptying a large store costs no more than filling it.
+template <class Object, template <class> class Objects = HABMKeptObjects>
 class HABMNamedStore {
 public:
-    /// Takes the object in, or gives null and destroys it if the name is taken.
-    Object* add(std::string_view name, std::unique_ptr<Object> object) {
-        if (find(name) != nullptr || m_entries.size() >= kMostEntries)
+    /// A new object of that name, made of the arguments; null if the name is taken.
+    template <class... Arguments>
+    Object* create(std::string_view name, Arguments&&... arguments) {
+        const std::size_t position = m_objects.size();
+        const bool isIndexed = position >= kMostSearched || !m_table.empty();
+        const HABMNameTable::Hash hash = isIndexed ? HABMNameTable::hashOf(name) : 0;
+        if (position >= kMostPositions || positionOf(name, hash) < position)
             return nullptr;
-        m_entries.push_back({name, std::move(object)});
-        ++m_count;
-        if (2 * m_entries.size() > m_slots.size())
-            indexNames();
-        else
-            enter(m_entries.size() - 1);
-        return m_entries.back().object.get();
-    }
-
-    [[nodiscard]] Object* find(std::string_view name) const {
-        const std::size_t position = positionOf(name);
-        return position < m_entries.size() ? m_entries[position].object.get() : nullptr;
-    }
-
-    /// Gives the object out, or null if none has this name.
-    std::unique_ptr<Object> take(std::string_view name) {
-        const std::size_t position = positionOf(name);
-        if (position >= m_entries.size())
-            return nullptr;
-        --m_count;
-        std::unique_ptr<Object> object = std::move(m_entries[position].object);
-        if (m_entries.size() > 2 * m_count + kMostSearched)
-            closeHoles();
+        if (isIndexed && !m_table.hasRoomFor(position + 1)) {
+            m_table.reset(position + 1);
+            enterAll();
+        }
+        Object* const object = m_objects.add(std::forward<Arguments>(arguments)...);
+        if (isIndexed)
+            m_table.enter(hash, position);
         return object;
     }
 
-    [[nodiscard]] std::size_t size() const { return m_count; }
-    [[nodiscard]] bool empty() const { return m_count == 0; }
+    /// The same; if the name is taken and `finds` is set, the object that has it.
+    template <class... Arguments>
+    Object* createOrFind(std::string_view name, bool finds, Arguments&&... arguments) {
+        Object* const fresh = create(name, std::forward<Arguments>(arguments)...);
+        return fresh == nullptr && finds ? find(name) : fresh;
+    }
+
+    /// The object of that name, or null.
+    [[nodiscard]] Object* find(std::string_view name) const {
+        const std::size_t position = positionOf(name);
+        return position < m_objects.size() ? m_objects.at(position) : nullptr;
+    }
+
+    /// Grows in the order of the objects; beyond the positions of all if none has this name.
+    [[nodiscard]] std::size_t positionOf(std::string_view name) const {
+        return positionOf(name, m_table.empty() ? 0 : HABMNameTable::hashOf(name));
+    }
+
+    /// Gives a loose object out, or null if none has this name.
+    std::unique_ptr<Object> take(std::string_view name) {
+        const std::size_t position = positionOf(name);
+        if (position >= m_objects.size())
+            return nullptr;
+        std::unique_ptr<Object> object = m_objects.take(position);
+        if (m_objects.size() > 2 * m_objects.count() + kMostSearched) {
+            m_objects.closeHoles();
+            m_table.reset(m_objects.size());
+            enterAll();
+        }
+        return object;
+    }
+
+    [[nodiscard]] std::size_t size() const { return m_objects.count(); }
 
     /// The objects in order, as a copy that outlives their removal.
     [[nodiscard]] std::vector<Object*> all() const {
         std::vector<Object*> objects;
-        objects.reserve(m_count);
+        objects.reserve(size());
         forEach([&](Object& object) { objects.push_back(&object); });
         return objects;
     }
@@ -63,82 +226,48 @@ public:
     /// Calls `visit` for each object in order. It mustn't add or take out.
     template <class Visit>
     void forEach(Visit&& visit) const {
-        for (const Entry& entry : m_entries)
-            if (entry.object != nullptr)
-                visit(*entry.object);
+        for (std::size_t position = 0; position < m_objects.size(); ++position)
+            if (Object* const object = m_objects.at(position))
+                visit(*object);
     }
 
 private:
-    struct Entry {
-        std::string_view name;          ///< of no meaning in a hole
-        std::unique_ptr<Object> object; ///< null in a hole
-    };
-
-    /// A hole keeps its slot until the table is made anew, so that a probe goes on over it.
-    struct Slot {
-        std::uint32_t hash = 0;
-        std::uint32_t place = 0; ///< position + 1; 0 in a free slot
-    };
-
-    /// Up to so many entries a search is faster, and smaller, than the table.
+    /// Up to so many objects a search is faster, and smaller, than the table.
     static constexpr std::size_t kMostSearched = 12;
-    static constexpr std::size_t kMostEntries = UINT32_MAX - 1;
+    static constexpr std::size_t kMostPositions = UINT32_MAX - 1;
 
-    static std::uint32_t hashOf(std::string_view name) {
-        return static_cast<std::uint32_t>(std::hash<std::string_view>()(name));
+    static std::string_view nameOf(const Object& object) {
+        if constexpr (requires { object.getInstanceName(); })
+            return object.getInstanceName();
+        else if constexpr (requires { object.getPortName(); })
+            return object.getPortName();
+        else if constexpr (requires { object.getInterfaceName(); })
+            return object.getInterfaceName();
+        else if constexpr (requires { object.getLogicalPort(); })
+            return object.getLogicalPort();
+        else
+            return object.getName();
     }
 
-    [[nodiscard]] bool holds(std::size_t position, std::string_view name) const {
-        return m_entries[position].object != nullptr && m_entries[position].name == name;
-    }
-
-    [[nodiscard]] std::size_t positionOf(std::string_view name) const {
-        if (!m_slots.empty())
-            return indexed(name);
+    [[nodiscard]] std::size_t positionOf(std::string_view name, HABMNameTable::Hash hash) const {
+        const auto holds = [&](std::size_t position) {
+            const Object* const object = m_objects.at(position);
+            return object != nullptr && nameOf(*object) == name;
+        };
+        if (!m_table.empty())
+            return m_table.find(hash, m_objects.size(), holds);
         std::size_t position = 0;
-        while (position < m_entries.size() && !holds(position, name))
+        while (position < m_objects.size() && !holds(position))
             ++position;
         return position;
     }
 
-    [[nodiscard]] std::size_t indexed(std::string_view name) const {
-        const std::uint32_t hash = hashOf(name);
-        const std::size_t mask = m_slots.size() - 1;
-        for (std::size_t i = hash & mask; m_slots[i].place != 0; i = (i + 1) & mask)
-            if (m_slots[i].hash == hash && holds(m_slots[i].place - 1, name))
-                return m_slots[i].place - 1;
-        return m_entries.size();
+    void enterAll() {
+        for (std::size_t position = 0; position < m_objects.size(); ++position)
+            if (const Object* const object = m_objects.at(position))
+                m_table.enter(HABMNameTable::hashOf(nameOf(*object)), position);
     }
 
-    void enter(std::size_t position) {
-        const std::uint32_t hash = hashOf(m_entries[position].name);
-        const std::size_t mask = m_slots.size() - 1;
-        std::size_t i = hash & mask;
-        while (m_slots[i].place != 0)
-            i = (i + 1) & mask;
-        m_slots[i] = {hash, static_cast<std::uint32_t>(position + 1)};
-    }
-
-    /// Makes the table anew, with a power of two of slots and room to grow.
-    void indexNames() {
-        m_slots.clear();
-        if (m_entries.size() <= kMostSearched)
-            return;
-        std::size_t count = 64;
-        while (count < 4 * m_entries.size())
-            count *= 2;
-        m_slots.resize(count);
-        for (std::size_t position = 0; position < m_entries.size(); ++position)
-            if (m_entries[position].object != nullptr)
-                enter(position);
-    }
-
-    void closeHoles() {
-        std::erase_if(m_entries, [](const Entry& entry) { return entry.object == nullptr; });
-        indexNames();
-    }
-
-    std::vector<Entry> m_entries;
-    std::size_t m_count = 0; ///< of the entries that are no holes
-    std::vector<Slot> m_slots;
+    Objects<Object> m_objects;
+    HABMNameTable m_table; ///< empty while there are few objects
 };

@@ -43,7 +43,7 @@ public:
     [[nodiscard]] bool hasConnections() const;
 
 private:
-    friend class HABMBlock;
+    friend class HABMObjectMaker;
     HABMPort(HABMBlock* parent, const std::string& name) : m_parent(parent), m_name(name) {}
 
     HABMBlock* const m_parent;

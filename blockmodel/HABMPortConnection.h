@@ -44,6 +44,7 @@ public:
 private:
     friend class HABMBlock;
     friend class HABMConnectionIndex;
+    friend class HABMObjectMaker;
     HABMPortConnection(HABMBlock* parent, const std::string& name)
         : m_parent(parent), m_name(name) {}
     [[nodiscard]] bool leadsToPort(const std::string& path) const;

@@ -46,7 +46,7 @@ public:
     void setValue(const HABMAddrValue& value) { m_value = value; }
 
 private:
-    friend class HABMAddrBlock;
+    friend class HABMObjectMaker;
     HABMRegister(HABMAddrBlock* parent, const std::string& name);
 
     HABMAddrBlock* const m_parent;

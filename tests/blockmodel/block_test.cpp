@@ -148,10 +148,16 @@ TEST(Block, RegistersAreFoundByPathPatternAndBareName) {
     EXPECT_EQ(nullptr, uart.findRegister("NEW", true));
     HABMRegister* const fresh = ctrl->getParent()->createRegister("NEW");
     EXPECT_EQ(fresh, uart.findRegister("NEW", true));
+    // The first in the order of the maps, not of making.
+    for (const char* owner : {"second", "first"}) {
+        const HABMRegister* const both =
+            uart.getMemoryMap(owner)->getAddrBlock("regs")->createRegister("BOTH");
+        EXPECT_EQ(both, uart.findRegister("BOTH", true));
+    }
 
-    EXPECT_EQ(3U, uart.findRegisters(uart.getInstancePath() + "*", false).size());
+    EXPECT_EQ(5U, uart.findRegisters(uart.getInstancePath() + "*", false).size());
     EXPECT_EQ(0U, top->findRegisters("*", false).size());
-    EXPECT_EQ(5U, top->findRegisters("", true).size());
+    EXPECT_EQ(7U, top->findRegisters("", true).size());
     EXPECT_THAT(top->findRegisters("/uart?/*/CTRL", true),
                 ElementsAre(other.findRegister("first/regs/CTRL", true),
                             other.findRegister("second/regs/CTRL", true)));
