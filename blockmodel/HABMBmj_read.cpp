@@ -1,135 +1,18 @@
 // Makes a block of the text of a ".bmj" file.
 
-#include "JsonDocument.h"
-#include "rapidjson_headers.h"
-
-#include <charconv>
 #include <cstdint>
 #include <set>
 #include <string_view>
-#include <system_error>
 
 #include "blockmodel/HABM.h"
 #include "blockmodel/HABMBmj.h"
+#include "blockmodel/HABMBmjSource.h"
 
 namespace habm::bmj {
 
 namespace {
 
-using Document = rapidjson::GenericDocument<rapidjson::UTF8<>, JsonPool, JsonAllocator>;
-
-// In place, as texts needn't be copied then; without recursion, as the nesting is anyone's; with
-// the numbers as texts, as their arithmetic overflows for extreme exponents.
-constexpr unsigned kParseFlags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
-                                 rapidjson::kParseNumbersAsStringsFlag;
-
 constexpr HABMAddrValue kZero(std::uint64_t{0});
-
-std::string_view textOf(const JsonValue& value) {
-    if (!value.IsString())
-        throw Fault("a text was expected");
-    return {value.GetString(), value.GetStringLength()};
-}
-
-std::string quoted(std::string_view text) {
-    constexpr std::size_t kMostShown = 60;
-    return "'" + std::string(text.substr(0, kMostShown)) + (text.size() > kMostShown ? "…'" : "'");
-}
-
-HABMAddrValue addressOf(const JsonValue& value) {
-    const std::string text(textOf(value));
-    const HABMAddrValue address(text);
-    if (!address.isValid() && !text.empty())
-        throw Fault(quoted(text) + " is no address");
-    return address;
-}
-
-/// An array of two texts.
-std::pair<const JsonValue*, const JsonValue*> pairOf(const JsonValue& value) {
-    if (!value.IsArray() || value.Size() != 2)
-        throw Fault("a pair was expected");
-    return {&value[0], &value[1]};
-}
-
-HABMAddrAperture apertureOf(const JsonValue& value) {
-    const auto [start, size] = pairOf(value);
-    return {addressOf(*start), addressOf(*size)};
-}
-
-/// The members of an object, taken one after the other. The keys stand in their order, or are
-/// missing; any other is a fault.
-class Members {
-public:
-    explicit Members(const JsonValue& object) : m_object(object) {
-        if (!object.IsObject())
-            throw Fault("an object was expected");
-    }
-
-    /// The value of the next member if it has this key, else null.
-    const JsonValue* take(std::string_view key) {
-        if (m_next == m_object.MemberCount())
-            return nullptr;
-        const auto& member = m_object.MemberBegin()[static_cast<std::ptrdiff_t>(m_next)];
-        if (textOf(member.name) != key)
-            return nullptr;
-        ++m_next;
-        return &member.value;
-    }
-    std::string text(std::string_view key) {
-        const JsonValue* const value = take(key);
-        return value == nullptr ? std::string() : std::string(textOf(*value));
-    }
-    HABMAddrValue address(std::string_view key, const HABMAddrValue& fresh) {
-        const JsonValue* const value = take(key);
-        return value == nullptr ? fresh : addressOf(*value);
-    }
-    HABMAddrAperture aperture(std::string_view key) {
-        const JsonValue* const value = take(key);
-        return value == nullptr ? HABMAddrAperture("") : apertureOf(*value);
-    }
-    unsigned number(std::string_view key, unsigned fresh) {
-        const JsonValue* const value = take(key);
-        if (value == nullptr)
-            return fresh;
-        const std::string_view text = textOf(*value);
-        unsigned number = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-        if (error != std::errc() || end != text.data() + text.size())
-            throw Fault(quoted(text) + " is no number for " + quoted(key));
-        return number;
-    }
-    /// The value whose text stands there. Texts that only an unknown value would explain are
-    /// faults.
-    template <class Value>
-    Value choice(std::string_view key, Value (*encode)(std::string), std::string (*decode)(Value)) {
-        const std::string name = text(key);
-        const Value value = encode(name);
-        if (!name.empty() && decode(value) != name)
-            throw Fault(quoted(name) + " is unknown as " + quoted(key));
-        return value;
-    }
-    template <class Visit>
-    void array(std::string_view key, Visit visit) {
-        const JsonValue* const value = take(key);
-        if (value == nullptr)
-            return;
-        if (!value->IsArray())
-            throw Fault("an array was expected as " + quoted(key));
-        for (const JsonValue& item : value->GetArray())
-            visit(item);
-    }
-    void end() const {
-        if (m_next != m_object.MemberCount())
-            throw Fault(
-                "the key " +
-                quoted(textOf(m_object.MemberBegin()[static_cast<std::ptrdiff_t>(m_next)].name)) +
-                " is unknown, repeated or out of place");
-    }
-
-private:
-    const JsonValue& m_object;
-    rapidjson::SizeType m_next = 0;
-};
 
 /// The object that was created, or the fault that the model refused it.
 template <class Object>
@@ -163,8 +46,8 @@ void readRegister(Members& in, HABMAddrBlock& block) {
 /// Reads an array of objects, each by `read` into `owner`.
 template <class Owner>
 void readEach(Members& in, std::string_view key, Owner& owner, void (*read)(Members&, Owner&)) {
-    in.array(key, [&](const JsonValue& item) {
-        Members members(item);
+    in.array(key, [&](Source& source) {
+        Members members(source);
         read(members, owner);
         members.end();
     });
@@ -211,12 +94,12 @@ void readInterface(Members& in, HABMBlock& block) {
     interface.setMemoryMapRef(in.text("memory_map"));
     interface.setAddrSpaceRef(in.text("address_space"));
     std::set<HABMAddrAperture> apertures;
-    in.array("apertures", [&](const JsonValue& item) { apertures.insert(apertureOf(item)); });
+    in.array("apertures", [&](Source& source) { apertures.insert(source.aperture()); });
     interface.setApertures(apertures, false);
-    in.array("port_maps", [&](const JsonValue& item) {
-        const auto [logical, physical] = pairOf(item);
-        const std::string key(textOf(*logical));
-        accepted(interface.createPortMap(key, std::string(textOf(*physical))), key);
+    in.array("port_maps", [&](Source& source) {
+        const auto [logical, physical] = source.pair(&Source::text);
+        const std::string key(logical);
+        accepted(interface.createPortMap(key, std::string(physical)), key);
     });
 }
 
@@ -228,7 +111,7 @@ void readPortConnection(Members& in, HABMBlock& block) {
                                            HABMPortConnection::decodeConnectionType));
     connection.setSourcePath(in.text("source"));
     std::set<std::string> targets;
-    in.array("targets", [&](const JsonValue& item) { targets.emplace(textOf(item)); });
+    in.array("targets", [&](Source& source) { targets.emplace(source.text()); });
     connection.setTargetPaths(targets);
 }
 
@@ -270,15 +153,12 @@ void readContent(Members& in, HABMBlock& block) {
     block.setModuleVlnv(in.text("vlnv"));
     block.setEnablement(in.text("enable"));
     block.setBaseAddress(in.address("base", kZero));
-    const JsonValue* const stub = in.take("stub");
-    if (stub != nullptr && !stub->IsBool())
-        throw Fault("true or false was expected as 'stub'");
-    block.setBlockStub(stub != nullptr && stub->GetBool());
+    block.setBlockStub(in.flag("stub"));
     const auto setter = [&](auto set) {
-        return [&block, set](const JsonValue& item) {
-            const auto [name, value] = pairOf(item);
-            const std::string key(textOf(*name));
-            accepted((block.*set)(key, std::string(textOf(*value)), false), key);
+        return [&block, set](Source& source) {
+            const auto [name, value] = source.pair(&Source::text);
+            const std::string key(name);
+            accepted((block.*set)(key, std::string(value), false), key);
         };
     };
     in.array("parameters", setter(&HABMBlock::setParameter));
@@ -293,36 +173,31 @@ void readContent(Members& in, HABMBlock& block) {
     readEach(in, "blocks", block, readSubBlock);
 }
 
-void parse(std::string& text, Document& document) {
-    // The parser takes a NUL byte for the end of the text.
-    if (text.find('\0') != std::string::npos)
-        throw Fault("it holds a NUL byte");
-    document.ParseInsitu<kParseFlags>(text.data());
-    if (document.HasParseError())
-        throw Fault(std::string(rapidjson::GetParseError_En(document.GetParseError())) + " (byte " +
-                    std::to_string(document.GetErrorOffset()) + ")");
-}
-
 } // namespace
 
 std::unique_ptr<HABMBlock> fromText(std::string& text) {
-    Document document;
-    parse(text, document);
-    Members file(document);
+    // The parser takes a NUL byte for the end of the text.
+    if (text.find('\0') != std::string::npos)
+        throw Fault("it holds a NUL byte");
+    Source source(text);
+    Members file(source);
     if (file.text("format") != kFormat)
         throw Fault("it isn't a block model file");
     const unsigned version = file.number("version", 0);
     if (version != kVersion)
         throw Fault("it is of version " + std::to_string(version) + ", and only version " +
                     std::to_string(kVersion) + " can be read");
-    const JsonValue* const block = file.take("block");
-    if (block == nullptr)
+    std::unique_ptr<HABMBlock> top;
+    file.take("block", [&] {
+        Members members(source);
+        top = HABMBlock::createTopBlock(members.text("module"));
+        readContent(members, *top);
+        members.end();
+    });
+    if (top == nullptr)
         throw Fault("it holds no block");
-    Members members(*block);
-    std::unique_ptr<HABMBlock> top = HABMBlock::createTopBlock(members.text("module"));
-    readContent(members, *top);
-    members.end();
     file.end();
+    source.expectEnd();
     return top;
 }
 

@@ -87,7 +87,8 @@ bool habm::writeWholeFile(const std::string& path, bool replaces,
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
     const bool isThere = fs::exists(status);
-    if (isThere && (!replaces || !fs::is_regular_file(status)))
+    const bool isUnknown = status.type() == fs::file_type::none; // such as links in a ring
+    if (isUnknown || (isThere && (!replaces || !fs::is_regular_file(status))))
         return false;
     const std::string target = isThere ? fs::canonical(path, error).string() : path;
 

@@ -1,0 +1,235 @@
+// Takes the text of a ".bmj" file apart.
+#pragma once
+
+#include "JsonDocument.h"
+#include "rapidjson_headers.h"
+
+#include <charconv>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "blockmodel/HABMAddrAperture.h"
+#include "blockmodel/HABMAddrValue.h"
+#include "blockmodel/HABMBmj.h"
+
+namespace habm::bmj {
+
+inline std::string quoted(std::string_view text) {
+    constexpr std::size_t kMostShown = 60;
+    return "'" + std::string(text.substr(0, kMostShown)) + (text.size() > kMostShown ? "…'" : "'");
+}
+
+/// A value that isn't an object or an array.
+struct Scalar {
+    enum class Kind { None, Text, Number, False, True, Null };
+
+    Kind kind = Kind::None;
+    std::string_view text{}; ///< of a text or a number
+};
+
+/// Takes a scalar from the parser, which gives numbers as texts.
+class ScalarHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, ScalarHandler> {
+public:
+    static bool Default() { return false; }
+    bool Null() { return take({Scalar::Kind::Null}); }
+    bool Bool(bool value) { return take({value ? Scalar::Kind::True : Scalar::Kind::False}); }
+    bool RawNumber(const char* digits, rapidjson::SizeType length, bool) {
+        return take({Scalar::Kind::Number, {digits, length}});
+    }
+    bool String(const char* bytes, rapidjson::SizeType length, bool) {
+        return take({Scalar::Kind::Text, {bytes, length}});
+    }
+    [[nodiscard]] const Scalar& found() const { return m_found; }
+
+private:
+    bool take(const Scalar& found) {
+        m_found = found;
+        return true;
+    }
+
+    Scalar m_found;
+};
+
+/// The text of a file, taken from its beginning to its end: a document of it would need more memory
+/// than the block that it becomes. The texts that it gives stay in place.
+class Source {
+public:
+    explicit Source(std::string& text) : m_stream(text.data()) {}
+
+    /// Goes past a mark if it comes next.
+    bool skips(char mark) {
+        rapidjson::SkipWhitespace(m_stream);
+        if (m_stream.Peek() != mark)
+            return false;
+        m_stream.Take();
+        return true;
+    }
+    void expect(char mark) {
+        if (!skips(mark))
+            throw Fault(std::string("a comma or '") + mark + "' was expected" + place());
+    }
+    void expectEnd() {
+        if (!skips('\0'))
+            throw Fault("nothing more was expected" + place());
+    }
+    /// The next value; of no kind if it is an object or an array.
+    Scalar scalar() {
+        rapidjson::SkipWhitespace(m_stream);
+        if (m_stream.Peek() == '{' || m_stream.Peek() == '[')
+            return {};
+        if (m_stream.Peek() == '\0')
+            throw Fault("it ends too early" + place());
+        ScalarHandler handler;
+        m_parser.Parse<kParseFlags>(m_stream, handler);
+        if (m_parser.HasParseError())
+            throw Fault(rapidjson::GetParseError_En(m_parser.GetParseErrorCode()) + place());
+        return handler.found();
+    }
+    std::string_view text() {
+        const Scalar found = scalar();
+        if (found.kind != Scalar::Kind::Text)
+            throw Fault("a text was expected");
+        return found.text;
+    }
+    std::string_view key() {
+        const std::string_view key = text();
+        if (!skips(':'))
+            throw Fault("a colon was expected" + place());
+        return key;
+    }
+    HABMAddrValue address() {
+        const std::string digits(text());
+        const HABMAddrValue address(digits);
+        if (!address.isValid() && !digits.empty())
+            throw Fault(quoted(digits) + " is no address");
+        return address;
+    }
+    /// What `read` makes of each of two values in an array.
+    template <class Read>
+    auto pair(Read read) {
+        const auto expectMark = [&](char mark) {
+            if (!skips(mark))
+                throw Fault("a pair was expected");
+        };
+        expectMark('[');
+        auto first = (this->*read)();
+        expectMark(',');
+        auto second = (this->*read)();
+        expectMark(']');
+        return std::pair(first, second);
+    }
+    HABMAddrAperture aperture() {
+        const auto [start, size] = pair(&Source::address);
+        return {start, size};
+    }
+
+private:
+    // In place, as texts needn't be copied then; with the numbers as texts, as their arithmetic
+    // overflows for extreme exponents.
+    static constexpr unsigned kParseFlags = rapidjson::kParseInsituFlag |
+                                            rapidjson::kParseNumbersAsStringsFlag |
+                                            rapidjson::kParseStopWhenDoneFlag;
+
+    std::string place() { return " (byte " + std::to_string(m_stream.Tell()) + ")"; }
+
+    rapidjson::InsituStringStream m_stream;
+    rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator> m_parser;
+};
+
+/// The members of an object, taken one after the other. The keys stand in their order, or are
+/// missing; any other is a fault.
+class Members {
+public:
+    explicit Members(Source& source) : m_source(source) {
+        if (!source.skips('{'))
+            throw Fault("an object was expected");
+        if (!source.skips('}'))
+            m_key = source.key();
+    }
+
+    /// Gives the value of the next member to `read`, if the member has this key.
+    template <class Read>
+    void take(std::string_view key, Read read) {
+        if (m_key != key)
+            return;
+        read();
+        if (m_source.skips(',')) {
+            m_key = m_source.key();
+        } else {
+            m_source.expect('}');
+            m_key.reset();
+        }
+    }
+    std::string text(std::string_view key) {
+        std::string text;
+        take(key, [&] { text = m_source.text(); });
+        return text;
+    }
+    HABMAddrValue address(std::string_view key, HABMAddrValue fresh) {
+        take(key, [&] { fresh = m_source.address(); });
+        return fresh;
+    }
+    HABMAddrAperture aperture(std::string_view key) {
+        HABMAddrAperture aperture("");
+        take(key, [&] { aperture = m_source.aperture(); });
+        return aperture;
+    }
+    unsigned number(std::string_view key, unsigned fresh) {
+        take(key, [&] {
+            const Scalar found = m_source.scalar();
+            const char* const end = found.text.data() + found.text.size();
+            const auto [stop, error] = std::from_chars(found.text.data(), end, fresh);
+            if (found.kind != Scalar::Kind::Number || error != std::errc() || stop != end)
+                throw Fault(quoted(found.text) + " is no number for " + quoted(key));
+        });
+        return fresh;
+    }
+    bool flag(std::string_view key) {
+        bool isSet = false;
+        take(key, [&] {
+            const Scalar::Kind kind = m_source.scalar().kind;
+            if (kind != Scalar::Kind::True && kind != Scalar::Kind::False)
+                throw Fault("true or false was expected as " + quoted(key));
+            isSet = kind == Scalar::Kind::True;
+        });
+        return isSet;
+    }
+    /// The value whose text stands there. Texts that only an unknown value would explain are
+    /// faults.
+    template <class Value>
+    Value choice(std::string_view key, Value (*encode)(std::string), std::string (*decode)(Value)) {
+        const std::string name = text(key);
+        const Value value = encode(name);
+        if (!name.empty() && decode(value) != name)
+            throw Fault(quoted(name) + " is unknown as " + quoted(key));
+        return value;
+    }
+    /// Lets `read` read each item of an array.
+    template <class Read>
+    void array(std::string_view key, Read read) {
+        take(key, [&] {
+            if (!m_source.skips('['))
+                throw Fault("an array was expected as " + quoted(key));
+            if (m_source.skips(']'))
+                return;
+            do
+                read(m_source);
+            while (m_source.skips(','));
+            m_source.expect(']');
+        });
+    }
+    void end() const {
+        if (m_key)
+            throw Fault("the key " + quoted(*m_key) + " is unknown, repeated or out of place");
+    }
+
+private:
+    Source& m_source;
+    std::optional<std::string_view> m_key; ///< of the next member, if there is one
+};
+
+} // namespace habm::bmj
