@@ -1,18 +1,11 @@
 // hbs cdo: what a script's lines report, and how the program ends.
 
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "support/support.h"
+#include "host/hbs.h"
 
 namespace {
 
 support::RunResult runScript(const std::string& content, const std::string& options = "") {
-    const support::TempDir folder;
-    folder.write("s.cdo", content);
-    return support::run("cd " + folder.path().string() + " && " HBS_PROGRAM " cdo s.cdo " +
-                        options);
+    return hbsOn("cdo", "s.cdo", content, options);
 }
 
 TEST(CdoCommand, ReportsEachFailureWithItsLineAndGoesOn) {
@@ -58,7 +51,7 @@ TEST(CdoCommand, RefusesAScriptItCannotRead) {
         EXPECT_EQ("", result.output);
         EXPECT_EQ(complaint, result.error);
     }
-    EXPECT_EQ(2, support::run(HBS_PROGRAM " cdo /").status);
+    EXPECT_EQ(2, hbs("cdo /").status);
     EXPECT_EQ(0, runScript("").status);
 }
 

@@ -1,25 +1,19 @@
 // The word define, as a person and a program meet it.
 
-#include <gmock/gmock.h>
-
 #include "HUTFile.h"
 #include "blockmodel/HABM.h"
-#include "support/support.h"
+#include "host/hbs.h"
 
 namespace {
 
 using testing::HasSubstr;
-
-support::RunResult define(const std::string& arguments) {
-    return support::run(std::string(HBS_PROGRAM) + " define " + arguments);
-}
 
 TEST(DefineWord, TellsWhatWasReadDroppedAndWritten) {
     const support::TempDir folder;
     folder.write("hb/data/ports.txt", "port=clk;typ=wire\nport=clk\ntype=wire\n");
     folder.write("hb/data/addrblocks.txt", "addrblock=regs;offset=0x1000;size=4K");
     folder.write("hb/data/connections.txt", "type=port;source=/clk;targets=/none/clk");
-    const auto result = define("--write " + folder.path().string() + " hb");
+    const auto result = hbs("define --write " + folder.path().string() + " hb");
     EXPECT_EQ(0, result.status);
     EXPECT_THAT(result.output, HasSubstr("data/ports.txt            3     1        2\n"));
     EXPECT_THAT(result.output, HasSubstr("data/registers.txt        -     -        -\n"));
@@ -31,7 +25,7 @@ TEST(DefineWord, TellsWhatWasReadDroppedAndWritten) {
     EXPECT_EQ("Unknown key 'typ'; the known keys are: direction left port right type\n",
               result.error);
     EXPECT_NE(nullptr, HABMBlock::readTopBlock(HUTFile(folder.file("hb/hb.bmj"))));
-    EXPECT_THAT(define("--json " + folder.path().string() + " hb").output,
+    EXPECT_THAT(hbs("define --json " + folder.path().string() + " hb").output,
                 HasSubstr("\"reason\": \"unusable or repeated name 'clk'\"\n"));
 }
 
@@ -46,7 +40,7 @@ TEST(DefineWord, RefusesWhatIsNoHardBlock) {
              {here + "/none hb", "expected a folder of hard blocks"},
              {here + " none", "none of the tables is there"},
              {"--write " + here + " hb", "hb.bmj: the file can't be written"}}) {
-        const auto result = define(arguments);
+        const auto result = hbs("define " + arguments);
         EXPECT_EQ(2, result.status) << arguments;
         EXPECT_THAT(result.error, HasSubstr(complaint));
     }

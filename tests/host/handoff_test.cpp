@@ -1,10 +1,6 @@
 // The word "handoff": summary, warnings, complaints.
 
-#include <gmock/gmock.h>
-
-#include <string>
-
-#include "support/support.h"
+#include "host/hbs.h"
 
 namespace {
 
@@ -14,7 +10,7 @@ using testing::StartsWith;
 const std::string kDevice = TQ_SOURCE_DIR "/examples/device/";
 
 support::RunResult handoff(const std::string& arguments) {
-    return support::run(HBS_PROGRAM " handoff " + arguments);
+    return hbs("handoff " + arguments);
 }
 
 TEST(HandoffWord, SumsUpTheSampleDeviceAndWarns) {

@@ -1,10 +1,6 @@
 // The word hardblock of the program, run as a person runs it.
 
-#include <gmock/gmock.h>
-
-#include <string>
-
-#include "support/support.h"
+#include "host/hbs.h"
 
 namespace {
 
@@ -16,14 +12,10 @@ constexpr const char* kMetadata = R"({"ps": {
  "interfaces": {"AXI": {"access_point": {"module": "noc", "ports": {},
    "parameters": {"W": 64}, "port_maps": {"x[3:0]": "A[7:4]"}}}}}})";
 
-support::RunResult hardblock(const std::string& arguments) {
-    return support::run(std::string(HBS_PROGRAM) + " hardblock " + arguments);
-}
-
 TEST(HardblockCommand, ListsABlockAndPointsOutUnknownKeys) {
     const support::TempDir folder;
     const std::string file = folder.write("f.json", kMetadata);
-    const auto result = hardblock(file + " ps");
+    const auto result = hbs("hardblock " + file + " ps");
     EXPECT_EQ(0, result.status);
     EXPECT_THAT(result.output, HasSubstr("D    INOUT      vector  [7:]\n"));
     EXPECT_THAT(result.output, HasSubstr("AXI        noc     W=64\n"));
@@ -35,7 +27,7 @@ TEST(HardblockCommand, ListsABlockAndPointsOutUnknownKeys) {
                   ":2:38: unknown key \"dir\" is ignored, known are: type, direction, "
                   "default_val, size_left, size_right\n",
               result.error);
-    EXPECT_THAT(hardblock(file + " ps --json").output, HasSubstr(R"("mapped": "x[3:0]")"));
+    EXPECT_THAT(hbs("hardblock " + file + " ps --json").output, HasSubstr(R"("mapped": "x[3:0]")"));
 }
 
 TEST(HardblockCommand, AnswersWithAStatus) {
@@ -55,7 +47,7 @@ TEST(HardblockCommand, AnswersWithAStatus) {
           Case{" cpu", 1, "", "no hard block \"cpu\" in "},
           Case{".bad ps", 2, "", "f.json.bad:2:8: Invalid value."},
           Case{".none ps", 2, "", "f.json.none: the file can't be read\n"}}) {
-        const auto result = hardblock(file + arguments);
+        const auto result = hbs("hardblock " + file + arguments);
         EXPECT_EQ(status, result.status) << arguments;
         EXPECT_THAT(result.output, HasSubstr(output)) << arguments;
         EXPECT_THAT(result.error, HasSubstr(error)) << arguments;

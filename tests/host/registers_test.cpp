@@ -1,18 +1,11 @@
 // hbs registers: what it lists, and what it says about files that weren't read whole.
 
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "support/support.h"
+#include "host/hbs.h"
 
 namespace {
 
 support::RunResult runOn(const std::string& content, const std::string& options = "") {
-    const support::TempDir folder;
-    folder.write("r.xml", content);
-    return support::run("cd " + folder.path().string() + " && " HBS_PROGRAM " registers r.xml " +
-                        options);
+    return hbsOn("registers", "r.xml", content, options);
 }
 
 std::string block(const std::string& registers) {
