@@ -2,7 +2,6 @@
 // is none.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <string>
 
@@ -31,7 +30,9 @@ public:
     [[nodiscard]] bool isValid() const { return m_high != 0; }
 
     /// Numeric order; an invalid value stands below every valid one and equals any invalid one.
-    bool operator<(const HABMAddrValue& other) const { return (*this <=> other) < 0; }
+    bool operator<(const HABMAddrValue& other) const {
+        return m_high != other.m_high ? m_high < other.m_high : m_low < other.m_low;
+    }
     bool operator==(const HABMAddrValue& other) const = default;
 
     /// The sum and the difference; invalid if an operand is, or if the result is beyond 127 bits
@@ -60,7 +61,6 @@ private:
     /// The top bit, so that the valid compare above the invalid, whose bits are all 0.
     static constexpr std::uint64_t kValid = std::uint64_t{1} << 63;
 
-    std::strong_ordering operator<=>(const HABMAddrValue& other) const = default;
     [[nodiscard]] std::uint64_t highHalf() const { return m_high & ~kValid; }
 
     std::uint64_t m_high = 0;

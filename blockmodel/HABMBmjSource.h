@@ -60,6 +60,8 @@ class Source {
 public:
     explicit Source(std::string& text) : m_stream(text.data()) {}
 
+    /// Where the next byte stands in the text.
+    [[nodiscard]] std::string place() { return "byte " + std::to_string(m_stream.Tell()); }
     /// Goes past a mark if it comes next.
     bool skips(char mark) {
         rapidjson::SkipWhitespace(m_stream);
@@ -70,11 +72,11 @@ public:
     }
     void expect(char mark) {
         if (!skips(mark))
-            throw Fault(std::string("a comma or '") + mark + "' was expected" + place());
+            throw Fault(std::string("a comma or '") + mark + "' was expected");
     }
     void expectEnd() {
         if (!skips('\0'))
-            throw Fault("nothing more was expected" + place());
+            throw Fault("nothing more was expected");
     }
     /// The next value; of no kind if it is an object or an array.
     Scalar scalar() {
@@ -82,11 +84,11 @@ public:
         if (m_stream.Peek() == '{' || m_stream.Peek() == '[')
             return {};
         if (m_stream.Peek() == '\0')
-            throw Fault("it ends too early" + place());
+            throw Fault("it ends too early");
         ScalarHandler handler;
         m_parser.Parse<kParseFlags>(m_stream, handler);
         if (m_parser.HasParseError())
-            throw Fault(rapidjson::GetParseError_En(m_parser.GetParseErrorCode()) + place());
+            throw Fault(rapidjson::GetParseError_En(m_parser.GetParseErrorCode()));
         return handler.found();
     }
     std::string_view text() {
@@ -98,7 +100,7 @@ public:
     std::string_view key() {
         const std::string_view key = text();
         if (!skips(':'))
-            throw Fault("a colon was expected" + place());
+            throw Fault("a colon was expected");
         return key;
     }
     HABMAddrValue address() {
@@ -133,8 +135,6 @@ private:
     static constexpr unsigned kParseFlags = rapidjson::kParseInsituFlag |
                                             rapidjson::kParseNumbersAsStringsFlag |
                                             rapidjson::kParseStopWhenDoneFlag;
-
-    std::string place() { return " (byte " + std::to_string(m_stream.Tell()) + ")"; }
 
     rapidjson::InsituStringStream m_stream;
     rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator> m_parser;

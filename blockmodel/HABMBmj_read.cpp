@@ -173,13 +173,7 @@ void readContent(Members& in, HABMBlock& block) {
     readEach(in, "blocks", block, readSubBlock);
 }
 
-} // namespace
-
-std::unique_ptr<HABMBlock> fromText(std::string& text) {
-    // The parser takes a NUL byte for the end of the text.
-    if (text.find('\0') != std::string::npos)
-        throw Fault("it holds a NUL byte");
-    Source source(text);
+std::unique_ptr<HABMBlock> readFile(Source& source) {
     Members file(source);
     if (file.text("format") != kFormat)
         throw Fault("it isn't a block model file");
@@ -199,6 +193,20 @@ std::unique_ptr<HABMBlock> fromText(std::string& text) {
     file.end();
     source.expectEnd();
     return top;
+}
+
+} // namespace
+
+std::unique_ptr<HABMBlock> fromText(std::string& text) {
+    // The parser takes a NUL byte for the end of the text.
+    if (text.find('\0') != std::string::npos)
+        throw Fault("it holds a NUL byte");
+    Source source(text);
+    try {
+        return readFile(source);
+    } catch (const Fault& fault) {
+        throw Fault(std::string(fault.what()) + " (at " + source.place() + ")");
+    }
 }
 
 } // namespace habm::bmj

@@ -67,8 +67,8 @@ private:
     static constexpr std::size_t kLargest = 16;
 
     union Slot {
-        Slot() {}  // NOLINT(modernize-use-equals-default): the object comes later
-        ~Slot() {} // NOLINT(modernize-use-equals-default)
+        Slot() {} // the store makes and destroys the object
+        ~Slot() {}
         Object object;
     };
 

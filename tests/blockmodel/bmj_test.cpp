@@ -90,7 +90,8 @@ TEST(BmjFile, SaysWhyItIsRefused) {
         if (messages.all().size() != 1)
             return "not one message";
         EXPECT_EQ("@92-1@%s%s", messages.all()[0].format);
-        return messages.all()[0].arguments[1];
+        const std::string& reason = messages.all()[0].arguments[1];
+        return reason.substr(0, reason.find(" (at byte "));
     };
     const std::string head = R"({"format":"tq block model","version":)";
     EXPECT_EQ("it isn't a block model file", reasonFor(R"({"block":{}})"));
