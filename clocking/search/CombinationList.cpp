@@ -21,7 +21,7 @@ namespace {
 class ContinuationCounter {
 public:
     explicit ContinuationCounter(std::span<const CombinationStage> stages)
-        : m_stages(stages), m_counts(stages.size()) {}
+        : m_stages(stages), m_counts(stages.size()), m_used(stages.size()) {}
 
     std::uint64_t count(std::size_t stage, const Combination& head, unsigned headWidth) {
         if (stage == m_stages.size())
@@ -30,6 +30,11 @@ public:
         if (isNew)
             entry->second = countAnew(stage, head, headWidth);
         return entry->second;
+    }
+
+    /// Values that occur in a combination counted so far: of a stage's first and second place.
+    [[nodiscard]] const std::array<MultiplierMask, 2>& used(std::size_t stage) const {
+        return m_used[stage];
     }
 
 private:
@@ -66,23 +71,36 @@ private:
             if (seconds.isEmpty())
                 continue;
             head[headWidth] = first;
+            std::uint64_t behindFirst = 0;
             if (!eachSecond) {
-                sum += seconds.size() * count(stage + 1, head, nextWidth);
-                continue;
+                behindFirst = seconds.size() * count(stage + 1, head, nextWidth);
+                if (behindFirst != 0)
+                    m_used[stage][1] |= seconds;
             }
-            for (const std::uint8_t second : own.seconds) {
-                if (!seconds.contains(second))
+            for (std::size_t i = 0; eachSecond && i < own.seconds.size(); ++i) {
+                if (!seconds.contains(own.seconds[i]))
                     continue;
-                head[headWidth + 1] = second;
-                sum += count(stage + 1, head, nextWidth);
+                head[headWidth + 1] = own.seconds[i];
+                const std::uint64_t behind = count(stage + 1, head, nextWidth);
+                behindFirst += behind;
+                if (behind != 0)
+                    m_used[stage][1].insert(own.seconds[i]);
             }
+            if (behindFirst != 0)
+                m_used[stage][0].insert(first);
+            sum += behindFirst;
         }
         return sum;
     }
 
     std::span<const CombinationStage> m_stages;
     std::vector<std::map<std::string, std::uint64_t>> m_counts;
+    std::vector<std::array<MultiplierMask, 2>> m_used;
 };
+
+void keepOnly(std::vector<std::uint8_t>& values, const MultiplierMask& used) {
+    std::erase_if(values, [&](std::uint8_t value) { return !used.contains(value); });
+}
 
 } // namespace
 
@@ -102,16 +120,27 @@ void CombinationStage::simplify() {
     needs = std::move(kept);
 }
 
-CombinationTails::CombinationTails(const CombinationStage& stage, const Combination& head)
+template <class IsServed>
+CombinationTails::CombinationTails(const CombinationStage& stage, const IsServed& isServed)
     : m_stage(stage) {
     if (stage.width() == 1)
         m_alphabet.insert(0);
     for (const std::uint8_t second : stage.seconds)
         m_alphabet.insert(second);
     for (const CoverNeed& need : stage.needs)
-        if (!isServedByHead(need, stage, head, static_cast<unsigned>(head.size())))
+        if (!isServed(need))
             m_missing.push_back(need.served);
 }
+
+CombinationTails::CombinationTails(const CombinationStage& stage, const Combination& head)
+    : CombinationTails(stage, [&](const CoverNeed& need) {
+          return isServedByHead(need, stage, head, static_cast<unsigned>(head.size()));
+      }) {}
+
+CombinationTails::CombinationTails(const CombinationStage& stage)
+    : CombinationTails(stage, [&](const CoverNeed& need) {
+          return need.headServes && !stage.headPlaces.empty();
+      }) {}
 
 MultiplierMask CombinationTails::seconds(unsigned first) const {
     MultiplierMask result = m_alphabet;
@@ -134,7 +163,12 @@ CombinationList CombinationList::extendedBy(CombinationStage stage) const {
     stage.simplify();
     result.m_width += stage.width();
     result.m_stages.push_back(std::move(stage));
-    result.m_size = ContinuationCounter(result.m_stages).count(0, {}, 0);
+    ContinuationCounter counter(result.m_stages);
+    result.m_size = counter.count(0, {}, 0);
+    for (std::size_t i = 0; i < result.m_stages.size(); ++i) {
+        keepOnly(result.m_stages[i].firsts, counter.used(i)[0]);
+        keepOnly(result.m_stages[i].seconds, counter.used(i)[1]);
+    }
     return result;
 }
 

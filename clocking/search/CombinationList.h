@@ -43,6 +43,8 @@ struct CombinationStage {
 class CombinationTails {
 public:
     CombinationTails(const CombinationStage& stage, const Combination& head);
+    /// All tails that there are behind some head, and maybe more: heads serve what they may serve.
+    explicit CombinationTails(const CombinationStage& stage);
 
     /// Second places that go with a first; for tails of one place it holds just 0, when the tail
     /// belongs to the list.
@@ -51,6 +53,9 @@ public:
     [[nodiscard]] std::uint64_t count(unsigned first) const { return seconds(first).size(); }
 
 private:
+    template <class IsServed>
+    CombinationTails(const CombinationStage& stage, const IsServed& isServed);
+
     const CombinationStage& m_stage;
     MultiplierMask m_alphabet;
     std::vector<MultiplierMask> m_missing;
@@ -58,7 +63,8 @@ private:
 
 /// A list of combinations in stages, in ascending order of their places. Two products and a filter
 /// of 65 multipliers per place stand for some 10^11 combinations; the list holds the places' values
-/// and needs only. Counting them costs about pairs × multipliers × needs.
+/// and needs only, and of the values those that occur. Counting the combinations costs about
+/// pairs × multipliers × needs.
 class CombinationList {
 public:
     CombinationList() = default;

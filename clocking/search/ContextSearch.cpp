@@ -32,9 +32,9 @@ void ContextSearch::search(const Context& context, NearMinimum& sums) {
     m_head = {context.main->mul, context.noc->mul};
     m_errorIds.clear();
     m_done.clear();
-    if (!boundContext())
-        return;
     const CombinationTails tails(m_problem.combinations.stages()[1], m_head);
+    if (!boundContext(tails))
+        return;
     const std::size_t count = m_table.options(Role::Own2First).all.size();
     for (std::size_t begin = 0; begin < count;) {
         const OwnGroup group = groupAt(begin);
@@ -47,7 +47,7 @@ bool ContextSearch::isOnEdge(unsigned places) const {
     return std::equal(m_head.begin(), m_head.begin() + places, m_range.first.begin());
 }
 
-bool ContextSearch::boundContext() {
+bool ContextSearch::boundContext(const CombinationTails& tails) {
     for (const unsigned domain : {2U, 3U})
         m_prices[domain] = m_bound.prices(domain);
     const float tolerance = m_problem.tolerance;
@@ -61,26 +61,29 @@ bool ContextSearch::boundContext() {
     computeSavings(firsts, 2, m_prices[2], m_firstSavings);
     computeSavings(firsts, 3, m_prices[3], m_acrossSavings);
     computeSavings(seconds, 2, m_prices[2], m_secondSavings);
-    m_best2 = {};
+    m_firsts2.clear();
     for (std::size_t i = 0; i < m_firstSavings.size(); ++i)
-        m_best2.offerFirst(firsts.all[i].mul, m_firstSavings[i] + m_acrossSavings[i]);
+        m_firsts2.offer(firsts.all[i].mul, m_firstSavings[i] + m_acrossSavings[i]);
+    m_firsts2.sort();
+    m_seconds2.clear();
     for (std::size_t i = 0; i < m_secondSavings.size(); ++i)
-        m_best2.offerSecond(seconds.all[i].mul, m_secondSavings[i]);
+        m_seconds2.offer(seconds.all[i].mul, m_secondSavings[i]);
+    m_seconds2.sort();
 
-    BestPair best3;
     SavingRow& savings = m_errors; // a row to work in
-    for (const Role role : {Role::Own3First, Role::Own3Second}) {
+    for (const auto& [role, byMultiplier] :
+         {std::pair(Role::Own3First, &m_firsts3), std::pair(Role::Own3Second, &m_seconds3)}) {
         const PllOptions& options = m_table.options(role);
         computeSavings(options, 3, m_prices[3], savings);
-        for (std::size_t i = 0; i < savings.size(); ++i) {
-            if (role == Role::Own3First)
-                best3.offerFirst(options.all[i].mul, savings[i]);
-            else
-                best3.offerSecond(options.all[i].mul, savings[i]);
-        }
+        byMultiplier->clear();
+        for (std::size_t i = 0; i < savings.size(); ++i)
+            byMultiplier->offer(options.all[i].mul, savings[i]);
+        byMultiplier->sort();
     }
-    m_best3 = static_cast<double>(best3.value());
-    return m_certain - static_cast<double>(m_best2.value()) - m_best3 <= ceiling();
+    m_best3Anyhow = static_cast<double>(largestTogether(
+        m_firsts3, m_seconds3, CombinationTails(m_problem.combinations.stages()[2])));
+    const auto best2 = static_cast<double>(largestTogether(m_firsts2, m_seconds2, tails));
+    return m_certain - best2 - m_best3Anyhow <= ceiling();
 }
 
 ContextSearch::OwnGroup ContextSearch::groupAt(std::size_t begin) const {
@@ -95,14 +98,22 @@ ContextSearch::OwnGroup ContextSearch::groupAt(std::size_t begin) const {
 void ContextSearch::searchGroup(const OwnGroup& group, const CombinationTails& tails) {
     const std::vector<PllOption>& options = m_table.options(Role::Own2First).all;
     const PllOption& own = options[group.begin];
-    const double saved = static_cast<double>(m_firstSavings[group.begin]) + group.acrossSaving +
-                         static_cast<double>(m_best2.secondFor(own.mul)) + m_best3;
-    if (m_certain - saved > ceiling())
+    const MultiplierMask allowed = tails.seconds(own.mul);
+    const double certain = m_certain - static_cast<double>(m_firstSavings[group.begin]) -
+                           group.acrossSaving -
+                           static_cast<double>(m_seconds2.largestAmong(allowed));
+    if (certain - m_best3Anyhow > ceiling())
         return;
     if (isOnEdge(2) && own.mul < m_range.first[2])
         return;
-    m_head[2] = own.mul;
-    collectSeconds(group, tails.seconds(own.mul));
+    if (m_head[2] != own.mul) {
+        m_head[2] = own.mul;
+        m_best3 = static_cast<double>(largestTogether(
+            m_firsts3, m_seconds3, CombinationTails(m_problem.combinations.stages()[2], m_head)));
+    }
+    if (certain - m_best3 > ceiling())
+        return;
+    collectSeconds(group, allowed);
     if (m_seconds.empty())
         return;
     for (std::size_t i = group.begin; i < group.end; ++i) {

@@ -63,7 +63,7 @@ private:
     /// Whether the range begins amid the settings behind the places of the head set so far. What
     /// comes before it must not stand for equals that come later.
     [[nodiscard]] bool isOnEdge(unsigned places) const;
-    [[nodiscard]] bool boundContext();
+    [[nodiscard]] bool boundContext(const CombinationTails& tails);
     [[nodiscard]] OwnGroup groupAt(std::size_t begin) const;
     void searchGroup(const OwnGroup& group, const CombinationTails& tails);
     void collectSeconds(const OwnGroup& group, const MultiplierMask& allowed);
@@ -89,8 +89,12 @@ private:
     SavingRow m_firstSavings;
     SavingRow m_acrossSavings;
     SavingRow m_secondSavings;
-    BestPair m_best2;
-    double m_best3 = 0.0;
+    MultiplierSavings m_firsts2; ///< across too
+    MultiplierSavings m_seconds2;
+    MultiplierSavings m_firsts3;
+    MultiplierSavings m_seconds3;
+    double m_best3Anyhow = 0.0; ///< what the own PLLs of domain 3 save, whatever the head
+    double m_best3 = 0.0;       ///< behind the head set so far
     ErrorRow m_errors;
     std::vector<Second> m_seconds;
     double m_leastSecondSum = 0.0;

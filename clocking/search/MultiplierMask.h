@@ -34,6 +34,11 @@ public:
             m_words[i] &= other.m_words[i];
         return *this;
     }
+    MultiplierMask& operator|=(const MultiplierMask& other) {
+        for (std::size_t i = 0; i < m_words.size(); ++i)
+            m_words[i] |= other.m_words[i];
+        return *this;
+    }
     bool operator==(const MultiplierMask&) const = default;
 
 private:

@@ -77,9 +77,10 @@ void OwnChoices::search(OwnChoiceList& list, const ErrorRow& before, const Combi
     const double prices = capPrices(m_prices, before, m_problem.tolerance);
     computeSavings(firsts, kDomain, m_prices, m_firstSavings);
     computeSavings(seconds, kDomain, m_prices, m_secondSavings);
-    BestPair best;
+    m_seconds.clear();
     for (std::size_t i = 0; i < seconds.all.size(); ++i)
-        best.offerSecond(seconds.all[i].mul, m_secondSavings[i]);
+        m_seconds.offer(seconds.all[i].mul, m_secondSavings[i]);
+    m_seconds.sort();
 
     m_distinct.clear();
     const double least = prices - list.budget;
@@ -87,15 +88,24 @@ void OwnChoices::search(OwnChoiceList& list, const ErrorRow& before, const Combi
     for (std::size_t i = 0; i < firsts.all.size(); ++i) {
         const PllOption& first = firsts.all[i];
         const double missing = least - static_cast<double>(m_firstSavings[i]);
-        if (missing > static_cast<double>(best.secondFor(first.mul)))
+        if (missing > static_cast<double>(m_seconds.largest()))
             continue;
-        const MultiplierMask allowed = tails.seconds(first.mul);
         m_withFirst = before;
         takeBetter(m_withFirst, first.errors[kDomain]);
-        for (std::size_t j = 0; j < seconds.all.size(); ++j) {
-            const PllOption& second = seconds.all[j];
-            if (missing > static_cast<double>(m_secondSavings[j]) ||
-                !allowed.contains(second.mul) || Muls{first.mul, second.mul} < from)
+        searchSeconds(list, first, tails.seconds(first.mul), missing, from);
+    }
+}
+
+void OwnChoices::searchSeconds(OwnChoiceList& list, const PllOption& first,
+                               const MultiplierMask& allowed, double missing, const Muls& from) {
+    const PllOptions& seconds = m_table.options(Role::Own3Second);
+    for (const auto& [saving, mul] : m_seconds.all()) {
+        if (missing > static_cast<double>(saving))
+            break; // those to come save less still
+        if (!allowed.contains(mul) || Muls{first.mul, static_cast<std::uint8_t>(mul)} < from)
+            continue;
+        for (const PllOption& second : seconds.of(mul)) {
+            if (missing > static_cast<double>(m_secondSavings[seconds.indexOf(second)]))
                 continue;
             m_errors = m_withFirst;
             takeBetter(m_errors, second.errors[kDomain]);

@@ -56,6 +56,10 @@ public:
 private:
     void search(OwnChoiceList& list, const ErrorRow& before, const Combination& head,
                 const Muls& from);
+    /// Those with this first, whose errors stand in `m_withFirst`, and a second that saves at least
+    /// what is missing.
+    void searchSeconds(OwnChoiceList& list, const PllOption& first, const MultiplierMask& allowed,
+                       double missing, const Muls& from);
     void add(OwnChoiceList& list, const PllOption& first, const PllOption& second);
 
     const SearchProblem& m_problem;
@@ -69,6 +73,7 @@ private:
     PriceRow m_prices;
     SavingRow m_firstSavings;
     SavingRow m_secondSavings;
+    MultiplierSavings m_seconds;
     ErrorRow m_errors;
     ErrorRow m_withFirst;
     std::unordered_map<std::string, std::size_t> m_distinct;

@@ -24,15 +24,10 @@ constexpr double kCloseEnough = 1e-5;
 
 } // namespace
 
-float BestPair::value() const {
-    if (m_first.best.mul != m_second.best.mul)
-        return m_first.best.saving + m_second.best.saving;
-    return std::max(m_first.best.saving + m_second.runnerUp.saving,
-                    m_first.runnerUp.saving + m_second.best.saving);
-}
-
 PriceBound::PriceBound(const SearchProblem& problem, const SourceTable& table)
-    : m_problem(problem), m_table(table) {
+    : m_problem(problem),
+      m_table(table), m_ownTails{CombinationTails(problem.combinations.stages()[1]),
+                                 CombinationTails(problem.combinations.stages()[2])} {
     // Each addition is off by 2^-24 of its result at most. A sum of n errors and one done in lanes
     // are off by less than 2n such steps; the savings, at most eight rows of them in n/4 + 4 steps
     // each, by less than 2n + 32.
@@ -54,7 +49,7 @@ PriceBound::PriceBound(const SearchProblem& problem, const SourceTable& table)
 void PriceBound::evaluate() {
     m_sumOfFarPrices = sumOf(m_prices[2]) + sumOf(m_prices[3]);
     m_sumOfPrices = sumOf(m_prices[0]) + sumOf(m_prices[1]) + m_sumOfFarPrices;
-    std::array<BestPair, 2> ownPairs;
+    std::array<MultiplierSavings, kRoles> byMultiplier;
     m_lowest = m_sumOfPrices;
     for (unsigned r = 0; r < kRoles; ++r) {
         const std::vector<PllOption>& options = m_table.options(static_cast<Role>(r)).all;
@@ -69,16 +64,17 @@ void PriceBound::evaluate() {
             m_savings[r][i] = near + far;
             m_farSavings[r][i] = far;
             largest = std::max(largest, near + far);
-            if (r == indexOf(Role::Own2First) || r == indexOf(Role::Own3First))
-                ownPairs[r / 2 - 1].offerFirst(options[i].mul, near + far);
-            else if (r >= indexOf(Role::Own2First))
-                ownPairs[r / 2 - 1].offerSecond(options[i].mul, near + far);
+            if (r >= indexOf(Role::Own2First))
+                byMultiplier[r].offer(options[i].mul, near + far);
         }
         if (r < indexOf(Role::Own2First))
             m_lowest -= static_cast<double>(largest);
+        byMultiplier[r].sort();
     }
-    m_ownSavings =
-        static_cast<double>(ownPairs[0].value()) + static_cast<double>(ownPairs[1].value());
+    m_ownSavings = 0.0;
+    for (unsigned pair = 0; pair < m_ownTails.size(); ++pair)
+        m_ownSavings += static_cast<double>(largestTogether(
+            byMultiplier[2 + 2 * pair], byMultiplier[3 + 2 * pair], m_ownTails[pair]));
     m_lowest -= m_ownSavings;
 }
 

@@ -16,6 +16,7 @@
 #include <span>
 #include <vector>
 
+#include "clocking/search/PairSavings.h"
 #include "clocking/search/SourceTable.h"
 
 namespace hbs_clocking {
@@ -32,44 +33,6 @@ using PriceRow = std::vector<float>;
             lanes[lane] += std::max(0.0F, price[i + lane] - std::fabs(errors[i + lane]));
     return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
 }
-
-/// The largest savings of the two PLLs of one domain, which never have the same multiplier.
-class BestPair {
-public:
-    void offerFirst(unsigned mul, float saving) { m_first.offer(mul, saving); }
-    void offerSecond(unsigned mul, float saving) { m_second.offer(mul, saving); }
-
-    /// Of both together.
-    [[nodiscard]] float value() const;
-    /// Of a second that goes with this first.
-    [[nodiscard]] float secondFor(unsigned firstMul) const {
-        return m_second.best.mul == firstMul ? m_second.runnerUp.saving : m_second.best.saving;
-    }
-
-private:
-    struct Entry {
-        unsigned mul = ~0U;
-        float saving = -kUnserved;
-    };
-    struct TopTwo { ///< of different multipliers, which are offered in groups
-        Entry best;
-        Entry runnerUp;
-
-        void offer(unsigned mul, float saving) {
-            if (best.mul == mul) {
-                best.saving = std::max(best.saving, saving);
-            } else if (saving > best.saving) {
-                runnerUp = best;
-                best = {mul, saving};
-            } else if (saving > runnerUp.saving) {
-                runnerUp = {mul, saving};
-            }
-        }
-    };
-
-    TopTwo m_first;
-    TopTwo m_second;
-};
 
 /// Good prices for one step, with the savings of every setting. Made once, then only read.
 class PriceBound {
@@ -89,7 +52,7 @@ public:
     [[nodiscard]] double farSaving(Role role, std::size_t option) const {
         return static_cast<double>(m_farSavings[indexOf(role)][option]);
     }
-    /// The best that the PLLs of domains 2 and 3 can save.
+    /// The best that the PLLs of domains 2 and 3 can save, with multipliers that go together.
     [[nodiscard]] double ownSavings() const { return m_ownSavings; }
     /// No sum lies below this.
     [[nodiscard]] double lowest() const { return m_lowest; }
@@ -117,6 +80,8 @@ private:
 
     const SearchProblem& m_problem;
     const SourceTable& m_table;
+    /// Of domains 2 and 3, behind whatever head.
+    std::array<CombinationTails, 2> m_ownTails;
     std::array<PriceRow, kDomains> m_prices;
     std::array<std::vector<float>, kRoles> m_savings;
     std::array<std::vector<float>, kRoles> m_farSavings;
