@@ -49,6 +49,18 @@ struct SetPll {
     unsigned cross;
 };
 
+/// Finds the best of all before the chunks are searched: one without a good combination would take
+/// long to find its own best, which doesn't count. Gives the tuples evaluated.
+std::uint64_t lookAhead(ComboSearch& search) {
+    const TupleSearch::Result ahead =
+        search.tuples.search(0, search.combos.size(), search.knownSum);
+    if (ahead.winner)
+        search.knownSum = static_cast<double>(ahead.winner->sum);
+    else
+        search.isSolvable = false;
+    return ahead.evaluatedTuples;
+}
+
 } // namespace
 
 bool HBSClockingAlgo::runLadder(const TreeShape& shape, const ComboBuilder& buildCombos) {
@@ -178,16 +190,10 @@ bool HBSClockingAlgo::searchCombos(const TreeShape& shape,
 
 bool HBSClockingAlgo::searchChunks(ComboSearch search, ComboResult& result) const {
     const std::uint64_t n = search.combos.size();
-    // A chunk without a good combination would take long to find its own best, which doesn't count.
-    // The best of all, found first, cuts that short.
-    const TupleSearch::Result ahead = search.tuples.search(0, n, search.knownSum);
-    if (ahead.winner)
-        search.knownSum = static_cast<double>(ahead.winner->sum);
-    else
-        search.isSolvable = false;
     const int wanted = HPAParamMgr::getParamMgr()->getValueAsInt("general.maxThreads");
     // A count below 1 makes no sense; it is taken as 1.
     const auto threads = static_cast<unsigned>(std::clamp(wanted, 1, kMaxThreads));
+    const std::uint64_t evaluatedAhead = threads > 1 ? lookAhead(search) : 0;
     const std::uint64_t chunk = n / threads;
     std::vector<ComboResult> parts(threads);
     runOnSharedExecutor("6pll_Clocking", threads, [&](unsigned i) {
@@ -196,7 +202,7 @@ bool HBSClockingAlgo::searchChunks(ComboSearch search, ComboResult& result) cons
 
     float best = kWorstTotalError;
     const ComboResult* winner = nullptr;
-    std::uint64_t evaluated = ahead.evaluatedTuples;
+    std::uint64_t evaluated = evaluatedAhead;
     for (const ComboResult& part : parts) {
         evaluated += part.evaluatedTuples;
         if (part.peripherals.empty() || !(best > part.total))

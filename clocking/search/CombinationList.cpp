@@ -251,6 +251,12 @@ void CombinationList::forEach(std::uint64_t first, std::uint64_t last,
     visit(visit, 0, 0, combination);
 }
 
+bool CombinationList::tailsDependOnHead() const {
+    return std::any_of(m_stages.begin(), m_stages.end(), [](const CombinationStage& stage) {
+        return !stage.headPlaces.empty() && !stage.needs.empty();
+    });
+}
+
 bool CombinationList::contains(const Combination& combination) const {
     unsigned place = 0;
     for (const CombinationStage& stage : m_stages) {

@@ -83,6 +83,8 @@ public:
     /// Calls `action` for each of a range, in order.
     void forEach(std::uint64_t first, std::uint64_t last,
                  const std::function<void(const Combination&)>& action) const;
+    /// Whether some stage looks at the places before it; if none does, the list is a product.
+    [[nodiscard]] bool tailsDependOnHead() const;
     [[nodiscard]] bool contains(const Combination& combination) const;
 
     [[nodiscard]] std::span<const CombinationStage> stages() const { return m_stages; }

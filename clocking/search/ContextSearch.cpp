@@ -18,7 +18,8 @@ namespace {
 ContextSearch::ContextSearch(const SearchProblem& problem, const SourceTable& table,
                              const PriceBound& bound, const CombinationRange& range)
     : m_problem(problem), m_table(table), m_bound(bound), m_range(range),
-      m_ownChoices(problem, table, bound), m_places(problem.requests.size()) {
+      m_ownChoices(problem, table, bound), m_places(problem.requests.size()),
+      m_tailsDependOnHead(problem.combinations.tailsDependOnHead()) {
     for (unsigned domain = 0; domain < kDomains; ++domain) {
         const std::vector<unsigned>& positions = table.domain(domain).positions;
         for (unsigned i = 0; i < positions.size(); ++i)
@@ -26,10 +27,28 @@ ContextSearch::ContextSearch(const SearchProblem& problem, const SourceTable& ta
     }
 }
 
+bool ContextSearch::isWorthSearching(const Context& context) {
+    const std::array<unsigned, 2> place = {context.main->mul, context.noc->mul};
+    std::string key;
+    for (const ErrorRow& errors : context.errors)
+        key += keyOf(errors);
+    // Where the range begins amid a context, what comes before it must not stand for equals that
+    // come later.
+    const bool onEdge = place[0] == m_range.first[0] && place[1] == m_range.first[1];
+    if (m_tailsDependOnHead || onEdge)
+        key.append({static_cast<char>(place[0]), static_cast<char>(place[1])});
+    const auto [entry, isNew] = m_searched.try_emplace(std::move(key), place);
+    if (!isNew && entry->second <= place)
+        return false;
+    entry->second = place;
+    return true;
+}
+
 void ContextSearch::search(const Context& context, NearMinimum& sums) {
     m_context = &context;
     m_sums = &sums;
     m_head = {context.main->mul, context.noc->mul};
+    updateCeiling();
     m_errorIds.clear();
     m_done.clear();
     const CombinationTails tails(m_problem.combinations.stages()[1], m_head);
@@ -41,6 +60,12 @@ void ContextSearch::search(const Context& context, NearMinimum& sums) {
         searchGroup(group, tails);
         begin = group.end;
     }
+}
+
+void ContextSearch::updateCeiling() {
+    Tuple place;
+    place.muls = m_head;
+    m_ceiling = m_bound.ceilingOf(m_sums->limitFrom(place));
 }
 
 bool ContextSearch::isOnEdge(unsigned places) const {
@@ -80,10 +105,10 @@ bool ContextSearch::boundContext(const CombinationTails& tails) {
             byMultiplier->offer(options.all[i].mul, savings[i]);
         byMultiplier->sort();
     }
-    m_best3Anyhow = static_cast<double>(largestTogether(
-        m_firsts3, m_seconds3, CombinationTails(m_problem.combinations.stages()[2])));
-    const auto best2 = static_cast<double>(largestTogether(m_firsts2, m_seconds2, tails));
-    return m_certain - best2 - m_best3Anyhow <= ceiling();
+    const CombinationTails anyTails3(m_problem.combinations.stages()[2]);
+    m_best3Anyhow = static_cast<double>(largestTogether(m_firsts3, m_seconds3, anyTails3).saving);
+    const auto best2 = static_cast<double>(largestTogether(m_firsts2, m_seconds2, tails).saving);
+    return m_certain - best2 - m_best3Anyhow <= m_ceiling;
 }
 
 ContextSearch::OwnGroup ContextSearch::groupAt(std::size_t begin) const {
@@ -101,17 +126,18 @@ void ContextSearch::searchGroup(const OwnGroup& group, const CombinationTails& t
     const MultiplierMask allowed = tails.seconds(own.mul);
     const double certain = m_certain - static_cast<double>(m_firstSavings[group.begin]) -
                            group.acrossSaving -
-                           static_cast<double>(m_seconds2.largestAmong(allowed));
-    if (certain - m_best3Anyhow > ceiling())
+                           static_cast<double>(m_seconds2.largestAmong(allowed).saving);
+    if (certain - m_best3Anyhow > m_ceiling)
         return;
     if (isOnEdge(2) && own.mul < m_range.first[2])
         return;
     if (m_head[2] != own.mul) {
         m_head[2] = own.mul;
-        m_best3 = static_cast<double>(largestTogether(
-            m_firsts3, m_seconds3, CombinationTails(m_problem.combinations.stages()[2], m_head)));
+        updateCeiling();
+        const CombinationTails tails3(m_problem.combinations.stages()[2], m_head);
+        m_best3 = static_cast<double>(largestTogether(m_firsts3, m_seconds3, tails3).saving);
     }
-    if (certain - m_best3 > ceiling())
+    if (certain - m_best3 > m_ceiling)
         return;
     collectSeconds(group, allowed);
     if (m_seconds.empty())
@@ -129,6 +155,7 @@ void ContextSearch::collectSeconds(const OwnGroup& group, const MultiplierMask& 
     ErrorRow withOwn = m_context->errors[2];
     takeBetter(withOwn, own.errors[2]);
     m_seconds.clear();
+    m_secondsKnown.clear();
     m_leastSecondSum = std::numeric_limits<double>::infinity();
     m_anyOnEdge = false;
     const bool isEdgeGroup = isOnEdge(3);
@@ -136,50 +163,54 @@ void ContextSearch::collectSeconds(const OwnGroup& group, const MultiplierMask& 
 
     const double inDomain3 = m_domain3Prices - group.acrossSaving - m_best3;
     const double missing = m_certain - static_cast<double>(m_firstSavings[group.begin]) -
-                           group.acrossSaving - m_best3 - ceiling();
-    for (std::size_t i = 0; i < seconds.all.size(); ++i) {
-        const PllOption& second = seconds.all[i];
-        if (missing > static_cast<double>(m_secondSavings[i]) || !allowed.contains(second.mul) ||
-            (isEdgeGroup && second.mul < edge))
+                           group.acrossSaving - m_best3 - m_ceiling;
+    for (const auto& [saving, mul] : m_seconds2.all()) {
+        if (missing > static_cast<double>(saving))
+            break; // those to come save less still
+        if (!allowed.contains(mul) || (isEdgeGroup && mul < edge))
             continue;
-        m_errors = withOwn;
-        takeBetter(m_errors, second.errors[2]);
-        if (!areAllServed(m_errors, m_problem.tolerance))
-            continue;
-        const double sum = sumForBound(m_errors);
-        if (m_context->nearSum + sum + inDomain3 > ceiling())
-            continue;
-        const auto nextId = static_cast<unsigned>(m_errorIds.size());
-        const unsigned id = m_errorIds.try_emplace(keyOf(m_errors), nextId).first->second;
-        // The first of several seconds with the same errors is the earliest.
-        const bool onEdge = isEdgeGroup && second.mul == edge;
-        const bool isKnown =
-            std::any_of(m_seconds.begin(), m_seconds.end(), [&](const Second& other) {
-                return other.id == id && other.isOnEdge == onEdge;
-            });
-        if (isKnown)
-            continue;
-        m_seconds.push_back({&second, id, onEdge, sum, m_errors});
+        for (const PllOption& second : seconds.of(mul)) {
+            if (missing > static_cast<double>(m_secondSavings[seconds.indexOf(second)]))
+                continue;
+            m_errors = withOwn;
+            takeBetter(m_errors, second.errors[2]);
+            if (!areAllServed(m_errors, m_problem.tolerance))
+                continue;
+            const double sum = sumForBound(m_errors);
+            if (m_context->nearSum + sum + inDomain3 <= m_ceiling)
+                addSecond(second, isEdgeGroup && mul == edge, sum);
+        }
+    }
+}
+
+void ContextSearch::addSecond(const PllOption& option, bool onEdge, double sum) {
+    const auto nextId = static_cast<unsigned>(m_errorIds.size());
+    const unsigned id = m_errorIds.try_emplace(keyOf(m_errors), nextId).first->second;
+    const auto [entry, isNew] = m_secondsKnown.try_emplace(2 * id + onEdge, m_seconds.size());
+    if (isNew) {
+        m_seconds.push_back({&option, id, onEdge, sum, m_errors});
         m_anyOnEdge = m_anyOnEdge || onEdge;
         m_leastSecondSum = std::min(m_leastSecondSum, sum);
+    } else if (&option < m_seconds[entry->second].option) {
+        m_seconds[entry->second].option = &option; // the same errors, earlier
     }
 }
 
 void ContextSearch::searchAcross(const PllOption& own, double acrossSaving, bool onEdge) {
     const double sumSoFar = m_context->nearSum + m_leastSecondSum;
-    if (sumSoFar + m_domain3Prices - acrossSaving - m_best3 > ceiling())
+    if (sumSoFar + m_domain3Prices - acrossSaving - m_best3 > m_ceiling)
         return;
     m_errors = m_context->errors[3];
     takeBetter(m_errors, own.errors[3]);
     const OwnChoices::Muls from =
         onEdge ? OwnChoices::Muls{m_range.first[4], m_range.first[5]} : OwnChoices::Muls{};
-    const OwnChoiceList& list = m_ownChoices.find(m_errors, m_head, ceiling() - sumSoFar, from);
+    const OwnChoiceList& list = m_ownChoices.find(m_errors, m_head, m_ceiling - sumSoFar, from);
     for (const Second& second : m_seconds) {
         if (second.isOnEdge != onEdge || comesTooLate(own, second, list.id))
             continue;
         for (const OwnChoice& choice : list.choices) {
             const double sum = m_context->nearSum + second.sum + choice.sum;
-            if (sum <= ceiling())
+            if (sum <= m_ceiling)
                 evaluate(own, second, choice);
         }
     }
@@ -222,6 +253,7 @@ void ContextSearch::evaluate(const PllOption& own, const Second& second, const O
         tuple.crossesBelow4[role] = static_cast<std::uint8_t>(4 - options[role]->cross);
     if (m_range.contains(tuple.muls))
         m_sums->offer(tuple, sum);
+    updateCeiling();
 }
 
 } // namespace hbs_clocking

@@ -1,9 +1,12 @@
 // The search behind one setting of the main and the NOC PLL: the own PLLs of domains 2 and 3.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <string>
 #include <unordered_map>
-#include <unordered_set>
+#include <utility>
+#include <vector>
 
 #include "clocking/search/NearMinimum.h"
 #include "clocking/search/OwnChoices.h"
@@ -37,6 +40,9 @@ public:
     ContextSearch(const SearchProblem& problem, const SourceTable& table, const PriceBound& bound,
                   const CombinationRange& range);
 
+    /// False if an earlier context, already searched, has the same errors, and with them the same
+    /// sums.
+    [[nodiscard]] bool isWorthSearching(const Context& context);
     void search(const Context& context, NearMinimum& sums);
 
     /// Tuples whose sum was computed.
@@ -58,8 +64,7 @@ private:
         ErrorRow errors;
     };
 
-    /// Bounds above this are of no interest.
-    [[nodiscard]] double ceiling() const { return m_bound.ceilingOf(m_sums->limit()); }
+    void updateCeiling();
     /// Whether the range begins amid the settings behind the places of the head set so far. What
     /// comes before it must not stand for equals that come later.
     [[nodiscard]] bool isOnEdge(unsigned places) const;
@@ -67,6 +72,8 @@ private:
     [[nodiscard]] OwnGroup groupAt(std::size_t begin) const;
     void searchGroup(const OwnGroup& group, const CombinationTails& tails);
     void collectSeconds(const OwnGroup& group, const MultiplierMask& allowed);
+    /// With the errors in `m_errors`.
+    void addSecond(const PllOption& option, bool onEdge, double sum);
     void searchAcross(const PllOption& own, double acrossSaving, bool onEdge);
     [[nodiscard]] bool comesTooLate(const PllOption& own, const Second& second, unsigned listId);
     void evaluate(const PllOption& own, const Second& second, const OwnChoice& choice);
@@ -77,12 +84,16 @@ private:
     const CombinationRange& m_range;
     OwnChoices m_ownChoices;
     std::vector<std::pair<unsigned, unsigned>> m_places; ///< domain and place of each peripheral
+    bool m_tailsDependOnHead; ///< what goes with a context is a matter of its multipliers
+    /// By errors: the earliest context that had them.
+    std::unordered_map<std::string, std::array<unsigned, 2>> m_searched;
     std::uint64_t m_evaluated = 0;
 
     // Of the context under way.
     const Context* m_context = nullptr;
     NearMinimum* m_sums = nullptr;
     Combination m_head{};
+    double m_ceiling = 0.0;                  ///< bounds above this are of no interest
     std::array<PriceRow, kDomains> m_prices; ///< of domains 2 and 3, capped
     double m_domain3Prices = 0.0;
     double m_certain = 0.0; ///< near sum and capped prices
@@ -97,6 +108,7 @@ private:
     double m_best3 = 0.0;       ///< behind the head set so far
     ErrorRow m_errors;
     std::vector<Second> m_seconds;
+    std::unordered_map<unsigned, std::size_t> m_secondsKnown; ///< by id and edge
     double m_leastSecondSum = 0.0;
     bool m_anyOnEdge = false;
     std::unordered_map<std::string, unsigned> m_errorIds;

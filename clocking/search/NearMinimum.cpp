@@ -1,6 +1,7 @@
 #include "clocking/search/NearMinimum.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <limits>
 
@@ -10,6 +11,16 @@ namespace hbs_clocking {
 
 NearMinimum::NearMinimum(double worst, bool isProven, double band)
     : m_worst(worst), m_isProven(isProven), m_band(band), m_limit(worst) {}
+
+double NearMinimum::limitFrom(const Tuple& place) const {
+    const auto behind = m_lows.lower_bound(place);
+    if (behind == m_lows.begin())
+        return m_limit;
+    const float lowest = std::prev(behind)->second;
+    if (lowest == 0.0F)
+        return -std::numeric_limits<double>::infinity(); // no sum is smaller
+    return std::min(m_limit, static_cast<double>(std::nextafter(lowest, 0.0F)));
+}
 
 void NearMinimum::offer(const Tuple& tuple, float sum) {
     if (static_cast<double>(sum) > m_limit || !definitelyLess(sum, kWorstTotalError, kMargin))

@@ -51,6 +51,8 @@ public:
 
     /// Sums above this play no part, nor will they.
     [[nodiscard]] double limit() const { return m_limit; }
+    /// The same for tuples at or behind this place: only a record low plays a part.
+    [[nodiscard]] double limitFrom(const Tuple& place) const;
     void offer(const Tuple& tuple, float sum);
 
     /// Whether the sums within the limit tell the winner. If not, a wider band must be searched.

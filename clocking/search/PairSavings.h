@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <span>
 #include <vector>
@@ -18,8 +19,8 @@ inline constexpr float kNoSaving = -std::numeric_limits<float>::infinity();
 class MultiplierSavings {
 public:
     struct Entry {
-        float saving;
-        unsigned mul;
+        float saving = kNoSaving;
+        unsigned mul = 0;
     };
 
     void clear() { m_entries.clear(); }
@@ -40,26 +41,35 @@ public:
     [[nodiscard]] float largest() const {
         return m_entries.empty() ? kNoSaving : m_entries.front().saving;
     }
-    [[nodiscard]] float largestAmong(const MultiplierMask& allowed) const {
+    /// The largest of these multipliers; `kNoSaving` and 0 if none is here.
+    [[nodiscard]] Entry largestAmong(const MultiplierMask& allowed) const {
         for (const Entry& entry : m_entries)
             if (allowed.contains(entry.mul))
-                return entry.saving;
-        return kNoSaving;
+                return entry;
+        return {};
     }
 
 private:
     std::vector<Entry> m_entries;
 };
 
-/// The most that a first and a second multiplier save which go together in these tails.
-[[nodiscard]] inline float largestTogether(const MultiplierSavings& firsts,
-                                           const MultiplierSavings& seconds,
-                                           const CombinationTails& tails) {
-    float largest = kNoSaving;
+/// A first and a second multiplier that go together.
+struct PairSaving {
+    float saving = kNoSaving;
+    std::array<unsigned, 2> muls{};
+};
+
+/// The pair that saves most of those in these tails.
+[[nodiscard]] inline PairSaving largestTogether(const MultiplierSavings& firsts,
+                                                const MultiplierSavings& seconds,
+                                                const CombinationTails& tails) {
+    PairSaving largest;
     for (const auto& [saving, mul] : firsts.all()) {
-        if (saving + seconds.largest() <= largest)
+        if (saving + seconds.largest() <= largest.saving)
             break; // those to come save less still
-        largest = std::max(largest, saving + seconds.largestAmong(tails.seconds(mul)));
+        const MultiplierSavings::Entry second = seconds.largestAmong(tails.seconds(mul));
+        if (saving + second.saving > largest.saving)
+            largest = {saving + second.saving, {mul, second.mul}};
     }
     return largest;
 }

@@ -68,13 +68,33 @@ public:
     }
 
 private:
-    void evaluate();
-    void improve();
-    [[nodiscard]] Favourites pickFavourites() const;
     /// One number per peripheral, laid out as the prices.
     using Counts = std::array<PriceRow, kDomains>;
-    /// How many of the favourites save something for each peripheral, less the one that it needs.
-    [[nodiscard]] Counts countSpareServers(const Favourites& favourites, double& sumOfErrors) const;
+    using Prices = std::array<PriceRow, kDomains>;
+    /// What a setting of each PLL does for the peripherals.
+    struct Service {
+        double sum = 0.0;    ///< of the errors; infinite if somebody isn't served
+        double capped = 0.0; ///< the same with no error above the tolerance
+        Counts spare;        ///< how many save something for each, less the one that it needs
+    };
+    /// How far the search for prices has come.
+    struct Ascent {
+        double sum;    ///< the least that favourites came to
+        double capped; ///< likewise
+        double lowest; ///< the highest bound found
+        Prices prices; ///< that gave it
+        double reach = 1.0;
+        unsigned idle = 0;
+    };
+
+    [[nodiscard]] Prices firstPrices() const;
+    void improve();
+    void evaluate();
+    void evaluate(Role role, MultiplierSavings& byMultiplier);
+    void keepBest(Ascent& ascent);
+    [[nodiscard]] Favourites pickFavourites() const;
+    [[nodiscard]] const PllOption* favourite(Role role, unsigned mul) const;
+    [[nodiscard]] Service serviceOf(const Favourites& favourites) const;
     /// Lowers the prices where servers are to spare and raises them where there are none.
     void movePrices(const Counts& spare, double step);
 
@@ -82,9 +102,11 @@ private:
     const SourceTable& m_table;
     /// Of domains 2 and 3, behind whatever head.
     std::array<CombinationTails, 2> m_ownTails;
-    std::array<PriceRow, kDomains> m_prices;
+    Prices m_prices;
     std::array<std::vector<float>, kRoles> m_savings;
     std::array<std::vector<float>, kRoles> m_farSavings;
+    std::array<PairSaving, 2> m_bestOwn;  ///< of domains 2 and 3
+    std::array<unsigned, 2> m_bestMuls{}; ///< of the main and the NOC PLL
     Favourites m_favourites{};
     double m_sumOfPrices = 0.0;
     double m_sumOfFarPrices = 0.0;

@@ -14,6 +14,18 @@ constexpr unsigned kRowsPerBlock = (kMaxMultiplier + 1) * kDividers * kCrossings
 
 } // namespace
 
+float* RowStore::add(std::size_t length) {
+    constexpr std::size_t usualPageLength = 4096;
+    if (m_pages.empty() || length > m_free) {
+        m_pageLength = std::max(length, usualPageLength);
+        m_pages.push_back(std::make_unique<float[]>(m_pageLength));
+        m_free = m_pageLength;
+    }
+    float* const row = m_pages.back().get() + (m_pageLength - m_free);
+    m_free -= length;
+    return row;
+}
+
 SourceTable::SourceTable(const SearchProblem& problem) : m_problem(problem) {
     for (unsigned i = 0; i < problem.requests.size(); ++i) {
         const SearchRequest& request = problem.requests[i];
@@ -108,18 +120,20 @@ const float* SourceTable::row(unsigned domain, Kind kind, const PllOption& optio
                               float freqMhz) {
     const DomainRequests& requests = m_domains[domain];
     Block& block = m_blocks[domain][kind];
-    if (block.isMade.empty()) {
-        block.values.resize(std::size_t{kRowsPerBlock} * requests.stride);
-        block.isMade.resize(kRowsPerBlock);
-    }
+    block.numbers.resize(kRowsPerBlock);
     const auto div = static_cast<unsigned>(std::countr_zero(unsigned{option.div}));
-    const unsigned index = (option.mul * kDividers + div) * kCrossings + cross;
-    float* values = block.values.data() + std::size_t{index} * requests.stride;
-    if (!block.isMade[index]) {
-        block.isMade[index] = true;
-        for (std::size_t i = 0; i < requests.positions.size(); ++i)
-            values[i] = entry(m_problem.requests[requests.positions[i]], kind, freqMhz);
+    std::uint16_t& number = block.numbers[(option.mul * kDividers + div) * kCrossings + cross];
+    if (number == 0) {
+        block.rows.push_back(makeRow(requests, kind, freqMhz));
+        number = static_cast<std::uint16_t>(block.rows.size());
     }
+    return block.rows[number - 1U];
+}
+
+const float* SourceTable::makeRow(const DomainRequests& requests, Kind kind, float freqMhz) {
+    float* const values = m_rows.add(requests.stride);
+    for (std::size_t i = 0; i < requests.positions.size(); ++i)
+        values[i] = entry(m_problem.requests[requests.positions[i]], kind, freqMhz);
     return values;
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -66,6 +67,19 @@ struct PllOptions {
     }
 };
 
+/// Hands out rows that stay where they are. Most trees need a small part of the rows that there
+/// could be.
+class RowStore {
+public:
+    /// All zeros.
+    [[nodiscard]] float* add(std::size_t length);
+
+private:
+    std::vector<std::unique_ptr<float[]>> m_pages;
+    std::size_t m_free = 0; ///< at the end of the last page
+    std::size_t m_pageLength = 0;
+};
+
 /// Made once per step, then only read. Costs about peripherals × multipliers × dividers ×
 /// cross-domain dividers.
 class SourceTable {
@@ -83,8 +97,8 @@ public:
 private:
     /// Clocks of one kind that come to one domain; rows are made when first asked for.
     struct Block {
-        std::vector<float> values;
-        std::vector<bool> isMade;
+        std::vector<std::uint16_t> numbers; ///< by clock: 1 and up, 0 for a row not made yet
+        std::vector<const float*> rows;
     };
     /// The NOC PLL has a divider of its own; barred peripherals tell two PLLs from the others.
     enum Kind : std::uint8_t { Common, NocClock, BarredSecond, kKinds };
@@ -94,6 +108,7 @@ private:
     void setRows(Role role, unsigned domain, PllOption& option, float freqMhz);
     [[nodiscard]] const float* row(unsigned domain, Kind kind, const PllOption& option,
                                    unsigned cross, float freqMhz);
+    [[nodiscard]] const float* makeRow(const DomainRequests& requests, Kind kind, float freqMhz);
     [[nodiscard]] float entry(const SearchRequest& request, Kind kind, float freqMhz) const;
     [[nodiscard]] bool repeatsAnother(const PllOptions& options, const PllOption& option) const;
 
@@ -101,6 +116,7 @@ private:
     std::array<DomainRequests, kDomains> m_domains;
     std::array<bool, kDomains> m_hasBarred{};
     std::array<std::array<Block, kKinds>, kDomains> m_blocks;
+    RowStore m_rows;
     std::array<PllOptions, kRoles> m_options;
     std::vector<float> m_nobody;
 };

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <string>
-#include <unordered_set>
 
 namespace hbs_clocking {
 
@@ -96,6 +94,11 @@ TupleSearch::Result TupleSearch::search(std::uint64_t first, std::uint64_t last,
         for (const Pair& pair : pairsIn(range)) {
             if (pair.bound > m_bound.ceilingOf(sums.limit()))
                 break;
+            Tuple place;
+            place.muls = {static_cast<std::uint8_t>(pair.main),
+                          static_cast<std::uint8_t>(pair.noc)};
+            if (pair.bound > m_bound.ceilingOf(sums.limitFrom(place)))
+                continue;
             searchPair(pair, contexts, sums);
         }
         result.evaluatedTuples += contexts.evaluatedTuples();
@@ -145,7 +148,6 @@ void TupleSearch::searchPair(const Pair& pair, ContextSearch& contexts, NearMini
     const PllOptions& mains = m_table.options(Role::Main);
     const PllOptions& nocs = m_table.options(Role::Noc);
     const double farRest = m_bound.sumOfFarPrices() - m_bound.ownSavings();
-    std::unordered_set<std::string> seen;
     Context context;
     for (const PllOption& main : mains.of(pair.main)) {
         for (const PllOption& noc : nocs.of(pair.noc)) {
@@ -156,11 +158,7 @@ void TupleSearch::searchPair(const Pair& pair, ContextSearch& contexts, NearMini
             if (!fillContext(context) ||
                 context.nearSum + farRest - farSavings > m_bound.ceilingOf(sums.limit()))
                 continue;
-            // Later dividers that come to the same errors come to the same sums.
-            std::string key;
-            for (const ErrorRow& errors : context.errors)
-                key += keyOf(errors);
-            if (seen.insert(std::move(key)).second)
+            if (contexts.isWorthSearching(context))
                 contexts.search(context, sums);
         }
     }
