@@ -54,10 +54,8 @@ private:
     /// Whether a later stage looks at this place.
     [[nodiscard]] bool isLookedAt(unsigned place, std::size_t stage) const {
         return std::any_of(m_stages.begin() + static_cast<std::ptrdiff_t>(stage) + 1,
-                           m_stages.end(), [place](const CombinationStage& later) {
-                               return std::count(later.headPlaces.begin(), later.headPlaces.end(),
-                                                 place) != 0;
-                           });
+                           m_stages.end(),
+                           [place](const CombinationStage& later) { return later.looksAt(place); });
     }
 
     [[nodiscard]] std::uint64_t countAnew(std::size_t stage, Combination head, unsigned headWidth) {
@@ -103,6 +101,10 @@ void keepOnly(std::vector<std::uint8_t>& values, const MultiplierMask& used) {
 }
 
 } // namespace
+
+bool CombinationStage::looksAt(unsigned place) const {
+    return std::count(headPlaces.begin(), headPlaces.end(), place) != 0;
+}
 
 void CombinationStage::simplify() {
     // Whoever serves the narrower need serves the wider one as well.

@@ -35,6 +35,7 @@ struct CombinationStage {
     std::vector<std::uint8_t> headPlaces; ///< places before the stage that count for the needs
 
     [[nodiscard]] unsigned width() const { return order == Order::Single ? 1 : 2; }
+    [[nodiscard]] bool looksAt(unsigned place) const;
     /// Leaves out needs that another one implies.
     void simplify();
 };

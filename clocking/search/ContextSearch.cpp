@@ -1,6 +1,7 @@
 #include "clocking/search/ContextSearch.h"
 
 #include <algorithm>
+#include <cassert>
 #include <limits>
 
 namespace hbs_clocking {
@@ -20,6 +21,7 @@ ContextSearch::ContextSearch(const SearchProblem& problem, const SourceTable& ta
     : m_problem(problem), m_table(table), m_bound(bound), m_range(range),
       m_ownChoices(problem, table, bound), m_places(problem.requests.size()),
       m_tailsDependOnHead(problem.combinations.tailsDependOnHead()) {
+    assert(!problem.combinations.stages()[2].looksAt(indexOf(Role::Own2Second)));
     for (unsigned domain = 0; domain < kDomains; ++domain) {
         const std::vector<unsigned>& positions = table.domain(domain).positions;
         for (unsigned i = 0; i < positions.size(); ++i)

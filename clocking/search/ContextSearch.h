@@ -92,6 +92,8 @@ private:
     // Of the context under way.
     const Context* m_context = nullptr;
     NearMinimum* m_sums = nullptr;
+    /// The places of the main and the NOC PLL and of domain 2's first. That of its second stays 0:
+    /// no stage looks at it.
     Combination m_head{};
     double m_ceiling = 0.0;                  ///< bounds above this are of no interest
     std::array<PriceRow, kDomains> m_prices; ///< of domains 2 and 3, capped
