@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <pugixml.hpp>
 #include <sstream>
 
 #include "host/ClockTree.h"
@@ -52,6 +53,26 @@ TEST(ClockTreeFile, ComplainsWithPlaceAndExpectation) {
         }
         EXPECT_THAT(complaint, testing::StartsWith(c.complaint)) << c.to;
     }
+}
+
+TEST(ClockPicture, IsWellFormedAndNamesAllOfALargeTree) {
+    const std::string file = std::string(TQ_SOURCE_DIR) + "/examples/clocks/radio_frontend.json";
+    const host::ClockTree tree = host::readClockTree(host::JsonFile::read(file));
+    std::vector<float> steps;
+    const auto solver = host::buildClockSolver(tree, [&](float step) { steps.push_back(step); });
+    ASSERT_TRUE(solver->runSolution());
+    EXPECT_EQ(solver->getToleranceFector(), steps.back());
+    std::ostringstream picture;
+    host::printClockPicture(host::makeClockReport(tree, *solver), tree.referenceMhz, picture);
+    pugi::xml_document document;
+    ASSERT_TRUE(document.load_string(picture.str().c_str()));
+    const auto names = [&](const std::string& name) {
+        return !document.select_nodes(("//text[.='" + name + "']").c_str()).empty();
+    };
+    for (const auto& peripheral : tree.peripherals)
+        EXPECT_TRUE(names(peripheral.name)) << peripheral.name;
+    for (const hbs_clocking::HBSPll* pll : solver->getAllPlls())
+        EXPECT_TRUE(names(pll->getName())) << pll->getName();
 }
 
 TEST(ClockReport, GivesTheFrequencyOfACrossingPeripheralThatTheLibraryReadsAsZero) {
