@@ -8,6 +8,9 @@ namespace hbs_clocking {
 
 namespace {
 
+/// Beyond this the contexts searched are forgotten, at the price of searching some again.
+constexpr std::size_t kMostSearchedBytes = 4U << 20U;
+
 [[nodiscard]] double largestOf(const SavingRow& savings, std::size_t begin, std::size_t end) {
     const auto first = savings.begin() + static_cast<std::ptrdiff_t>(begin);
     return static_cast<double>(
@@ -39,6 +42,11 @@ bool ContextSearch::isWorthSearching(const Context& context) {
     const bool onEdge = place[0] == m_range.first[0] && place[1] == m_range.first[1];
     if (m_tailsDependOnHead || onEdge)
         key.append({static_cast<char>(place[0]), static_cast<char>(place[1])});
+    m_searchedBytes += key.size();
+    if (m_searchedBytes > kMostSearchedBytes) {
+        m_searched.clear();
+        m_searchedBytes = key.size();
+    }
     const auto [entry, isNew] = m_searched.try_emplace(std::move(key), place);
     if (!isNew && entry->second <= place)
         return false;
@@ -88,24 +96,16 @@ bool ContextSearch::boundContext(const CombinationTails& tails) {
     computeSavings(firsts, 2, m_prices[2], m_firstSavings);
     computeSavings(firsts, 3, m_prices[3], m_acrossSavings);
     computeSavings(seconds, 2, m_prices[2], m_secondSavings);
-    m_firsts2.clear();
-    for (std::size_t i = 0; i < m_firstSavings.size(); ++i)
-        m_firsts2.offer(firsts.all[i].mul, m_firstSavings[i] + m_acrossSavings[i]);
-    m_firsts2.sort();
-    m_seconds2.clear();
-    for (std::size_t i = 0; i < m_secondSavings.size(); ++i)
-        m_seconds2.offer(seconds.all[i].mul, m_secondSavings[i]);
-    m_seconds2.sort();
+    m_firsts2.assign(firsts.all,
+                     [&](std::size_t i) { return m_firstSavings[i] + m_acrossSavings[i]; });
+    m_seconds2.assign(seconds.all, [&](std::size_t i) { return m_secondSavings[i]; });
 
     SavingRow& savings = m_errors; // a row to work in
     for (const auto& [role, byMultiplier] :
          {std::pair(Role::Own3First, &m_firsts3), std::pair(Role::Own3Second, &m_seconds3)}) {
         const PllOptions& options = m_table.options(role);
         computeSavings(options, 3, m_prices[3], savings);
-        byMultiplier->clear();
-        for (std::size_t i = 0; i < savings.size(); ++i)
-            byMultiplier->offer(options.all[i].mul, savings[i]);
-        byMultiplier->sort();
+        byMultiplier->assign(options.all, [&](std::size_t i) { return savings[i]; });
     }
     const CombinationTails anyTails3(m_problem.combinations.stages()[2]);
     m_best3Anyhow = static_cast<double>(largestTogether(m_firsts3, m_seconds3, anyTails3).saving);

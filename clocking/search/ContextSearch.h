@@ -40,8 +40,8 @@ public:
     ContextSearch(const SearchProblem& problem, const SourceTable& table, const PriceBound& bound,
                   const CombinationRange& range);
 
-    /// False if an earlier context, already searched, has the same errors, and with them the same
-    /// sums.
+    /// False if an earlier context, already searched and remembered, has the same errors, and with
+    /// them the same sums.
     [[nodiscard]] bool isWorthSearching(const Context& context);
     void search(const Context& context, NearMinimum& sums);
 
@@ -87,6 +87,7 @@ private:
     bool m_tailsDependOnHead; ///< what goes with a context is a matter of its multipliers
     /// By errors: the earliest context that had them.
     std::unordered_map<std::string, std::array<unsigned, 2>> m_searched;
+    std::size_t m_searchedBytes = 0; ///< of its keys
     std::uint64_t m_evaluated = 0;
 
     // Of the context under way.

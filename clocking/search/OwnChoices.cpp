@@ -77,10 +77,7 @@ void OwnChoices::search(OwnChoiceList& list, const ErrorRow& before, const Combi
     const double prices = capPrices(m_prices, before, m_problem.tolerance);
     computeSavings(firsts, kDomain, m_prices, m_firstSavings);
     computeSavings(seconds, kDomain, m_prices, m_secondSavings);
-    m_seconds.clear();
-    for (std::size_t i = 0; i < seconds.all.size(); ++i)
-        m_seconds.offer(seconds.all[i].mul, m_secondSavings[i]);
-    m_seconds.sort();
+    m_seconds.assign(seconds.all, [&](std::size_t i) { return m_secondSavings[i]; });
 
     m_distinct.clear();
     const double least = prices - list.budget;

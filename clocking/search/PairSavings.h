@@ -23,16 +23,16 @@ public:
         unsigned mul = 0;
     };
 
-    void clear() { m_entries.clear(); }
-    /// Settings of one multiplier come in a row.
-    void offer(unsigned mul, float saving) {
-        if (m_entries.empty() || m_entries.back().mul != mul)
-            m_entries.push_back({saving, mul});
-        else
-            m_entries.back().saving = std::max(m_entries.back().saving, saving);
-    }
-    /// Ends the offers.
-    void sort() {
+    /// From the settings of a PLL, those of one multiplier in a row, and what each of them saves.
+    template <class Options, class SavingAt>
+    void assign(const Options& options, const SavingAt& savingAt) {
+        m_entries.clear();
+        for (std::size_t i = 0; i < options.size(); ++i) {
+            if (m_entries.empty() || m_entries.back().mul != options[i].mul)
+                m_entries.push_back({savingAt(i), options[i].mul});
+            else
+                m_entries.back().saving = std::max(m_entries.back().saving, savingAt(i));
+        }
         std::sort(m_entries.begin(), m_entries.end(),
                   [](const Entry& a, const Entry& b) { return a.saving > b.saving; });
     }

@@ -135,9 +135,8 @@ void PriceBound::evaluate(Role role, MultiplierSavings& byMultiplier) {
                 (domain < 2 ? near : far) += savingOf(m_prices[domain], options[i].errors[domain]);
         m_savings[indexOf(role)][i] = near + far;
         m_farSavings[indexOf(role)][i] = far;
-        byMultiplier.offer(options[i].mul, near + far);
     }
-    byMultiplier.sort();
+    byMultiplier.assign(options, [&](std::size_t i) { return m_savings[indexOf(role)][i]; });
 }
 
 PriceBound::Favourites PriceBound::pickFavourites() const {

@@ -91,8 +91,8 @@ void SourceTable::addOption(Role role, PllOption option, float freqMhz) {
     }
     PllOptions& options = m_options[indexOf(role)];
     for (unsigned cross = kMaxCross; cross >= (crosses ? 1 : kMaxCross); --cross) {
-        const float crossMhz = freqMhz / static_cast<float>(cross);
-        if (isLimited && definitelyGreater(crossMhz, m_problem.maxCrossMhz, kMargin))
+        ClockSlot crossing = std::pair(freqMhz / static_cast<float>(cross), unsigned{option.div});
+        if (isLimited && exceedsCrossLimit(m_problem.maxCrossMhz, crossing, kMargin))
             continue;
         option.cross = static_cast<std::uint8_t>(cross);
         for (unsigned domain = 0; domain < kDomains; ++domain)

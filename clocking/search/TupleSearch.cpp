@@ -82,7 +82,7 @@ float TupleSearch::sumOfFavourites() const {
 TupleSearch::Result TupleSearch::search(std::uint64_t first, std::uint64_t last,
                                         double known) const {
     Result result;
-    if (first >= last)
+    if (first >= last || m_bound.lowest() > m_bound.ceilingOf(m_proven))
         return result;
     const CombinationRange range = rangeOf(first, last);
     for (double band = kFirstBand;; band *= kWider) {

@@ -5,10 +5,11 @@
 
 #include <cmath>
 #include <map>
+#include <optional>
 #include <random>
 
 #include "clocking/ClockingArithmetic.h"
-#include "clocking/search/OwnChoices.h"
+#include "clocking/search/TupleSearch.h"
 
 using namespace hbs_clocking;
 
@@ -154,6 +155,102 @@ TEST(OwnChoices, AreAllThatStayWithinTheBudgetEachAtItsFirstPlace) {
         found += actual.size();
     }
     EXPECT_GT(found, 100U);
+}
+
+/// A small step of a tree: six PLLs whose domains need help from one another, six that don't, four.
+SearchProblem smallProblemOf(std::mt19937& engine, unsigned variant) {
+    SearchProblem problem = problemOf(engine);
+    problem.outputDividers = [](Role, unsigned) { return DividerRange::from(2); };
+    // Multiples and equals of one another make ties.
+    for (SearchRequest& request : problem.requests)
+        request.mhz = std::array{80.0F, 40.0F, 37.5F, 100.0F, 33.3F}[engine() % 5];
+    using Order = CombinationStage::Order;
+    const std::vector<std::uint8_t> muls = {60, 75, 90};
+    MultiplierMask need;
+    need.insert(muls[engine() % 3]);
+    const CombinationList pairs({muls, {60, 80}, Order::Any, {}, {}});
+    if (variant == 0)
+        problem.combinations = pairs.extendedBy({muls, muls, Order::Different, {{need}}, {0}})
+                                   .extendedBy({muls, muls, Order::Ascending, {{need}}, {0, 2}});
+    else if (variant == 1)
+        problem.combinations =
+            pairs.timesList(CombinationList({muls, muls, Order::Different, {{need}}, {}}))
+                .timesList(CombinationList({muls, muls, Order::Ascending, {{need}}, {}}));
+    else
+        problem.combinations = pairs.extendedBy({muls, {}, Order::Single, {{need}}, {0, 1}})
+                                   .extendedBy({muls, {}, Order::Single, {{need}}, {0, 1, 2}});
+    if (variant == 2)
+        problem.shape = &kFourPllShape;
+    return problem;
+}
+
+using Sums = std::map<Tuple, float>;
+
+/// The sums of all settings of one combination, in the order of the enumeration.
+void addSums(const SearchProblem& problem, const SourceTable& table, const Combination& muls,
+             Sums& sums, std::array<const PllOption*, kRoles>& options, unsigned role = 0) {
+    if (role < kRoles) {
+        for (const PllOption& option : table.options(static_cast<Role>(role)).of(muls[role])) {
+            options[role] = &option;
+            addSums(problem, table, muls, sums, options, role + 1);
+        }
+        return;
+    }
+    std::vector<float> errors(problem.requests.size());
+    for (unsigned domain = 0; domain < kDomains; ++domain) {
+        const DomainRequests& requests = table.domain(domain);
+        ErrorRow row(requests.stride, 0.0F);
+        std::fill_n(row.begin(), requests.positions.size(), problem.tolerance);
+        for (const PllOption* option : options)
+            if (option->errors[domain] != nullptr)
+                takeBetter(row, option->errors[domain]);
+        if (!areAllServed(row, problem.tolerance))
+            return;
+        for (std::size_t i = 0; i < requests.positions.size(); ++i)
+            errors[requests.positions[i]] = row[i];
+    }
+    Tuple tuple{muls, {}, {}};
+    for (unsigned i = 0; i < kRoles; ++i)
+        tuple.divsBelow8[i] = static_cast<std::uint8_t>(8 - options[i]->div);
+    for (unsigned i = 0; i < tuple.crossesBelow4.size(); ++i)
+        tuple.crossesBelow4[i] = static_cast<std::uint8_t>(4 - options[i]->cross);
+    float sum = 0.0F;
+    for (const float error : errors)
+        sum += error;
+    sums.emplace(tuple, sum);
+}
+
+TEST(TupleSearch, FindsTheEndOfTheChainOfEveryRange) {
+    std::mt19937 engine(8);
+    int won = 0;
+    for (unsigned round = 0; round < 90; ++round) {
+        const SearchProblem problem = smallProblemOf(engine, round % 3);
+        const SourceTable table(problem);
+        const TupleSearch search(problem);
+        for (int range = 0; range < 4; ++range) {
+            const std::uint64_t first = engine() % problem.combinations.size();
+            const std::uint64_t last = first + 1 + engine() % (problem.combinations.size() - first);
+            Sums sums;
+            std::array<const PllOption*, kRoles> options{};
+            problem.combinations.forEach(first, last, [&](Combination muls) {
+                if (problem.shape == &kFourPllShape)
+                    muls = {muls[0], muls[1], muls[2], 0, muls[3], 0};
+                addSums(problem, table, muls, sums, options);
+            });
+            std::optional<NearMinimum::Winner> expected;
+            for (const auto& [tuple, sum] : sums)
+                if (definitelyLess(sum, expected ? expected->sum : kWorstTotalError, kMargin))
+                    expected = {tuple, sum};
+            const auto actual = search.search(first, last, 1e9).winner;
+            ASSERT_EQ(expected.has_value(), actual.has_value()) << "round " << round;
+            if (!expected)
+                continue;
+            ASSERT_EQ(expected->sum, actual->sum) << "round " << round;
+            ASSERT_EQ(expected->tuple, actual->tuple) << "round " << round;
+            ++won;
+        }
+    }
+    EXPECT_GT(won, 100);
 }
 
 } // namespace
