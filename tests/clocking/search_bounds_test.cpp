@@ -165,7 +165,7 @@ SearchProblem smallProblemOf(std::mt19937& engine, unsigned variant) {
     // makes no difference but by the combinations that it stands in.
     const bool isMainIdle = engine() % 2 == 0;
     if (isMainIdle)
-        problem.tolerance = 0.01F;
+        problem.tolerance = 0.001F;
     for (SearchRequest& request : problem.requests) {
         request.mhz = std::array{80.0F, 40.0F, 37.5F, 100.0F, 33.3F}[engine() % 5];
         if (isMainIdle && request.domain < 2)
@@ -175,7 +175,9 @@ SearchProblem smallProblemOf(std::mt19937& engine, unsigned variant) {
     const std::vector<std::uint8_t> muls = {60, 75, 90};
     MultiplierMask need;
     need.insert(muls[engine() % 3]);
-    const CombinationList pairs({muls, {60, 80}, Order::Any, {}, {}});
+    const std::vector<std::uint8_t> mains = {61, 67, 71};
+    need.insert(mains[engine() % 3]);
+    const CombinationList pairs({mains, {60, 80}, Order::Any, {}, {}});
     if (variant == 0)
         problem.combinations = pairs.extendedBy({muls, muls, Order::Different, {{need}}, {0}})
                                    .extendedBy({muls, muls, Order::Ascending, {{need}}, {0, 2}});
