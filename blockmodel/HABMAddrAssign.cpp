@@ -59,6 +59,11 @@ void HABMAddrAssign::setTargetAddrSegment(const HABMAddrSegment* segment) {
     m_targetPath = isHere ? segment->getPath() : "";
 }
 
+void HABMAddrAssign::moveEnds(const std::string& before, const std::string& after) {
+    habm::move(m_sourcePath, before, after);
+    habm::move(m_targetPath, before, after);
+}
+
 std::vector<HABMAddrAssign*>
 HABMAddrAssign::filterByAddrSpace(const std::vector<HABMAddrAssign*>& assigns,
                                   const HABMAddrSpace* space) {

@@ -56,8 +56,10 @@ public:
     filterByAddrSpace(const std::vector<HABMAddrAssign*>& assigns, const HABMAddrSpace* space);
 
 private:
+    friend class HABMBlock;
     friend class HABMObjectMaker;
     HABMAddrAssign(HABMBlock* parent, const std::string& name);
+    void moveEnds(const std::string& before, const std::string& after);
 
     HABMBlock* const m_parent;
     const std::string m_name;

@@ -15,7 +15,7 @@ public:
 
     [[nodiscard]] const std::string& getName() const { return m_name; }
     [[nodiscard]] const std::string& getValue() const { return m_value; }
-    void setValue(const std::string& value) { m_value = value; }
+    void setValue(std::string value) { m_value = std::move(value); }
 
 private:
     const std::string m_name;

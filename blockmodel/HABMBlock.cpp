@@ -12,9 +12,10 @@ namespace {
 template <class Entry>
 Entry* valueSet(HABMNamedStore<Entry>& store, const std::string& name, const std::string& value,
                 bool replaces) {
+    std::string kept = value; // first, as an entry mustn't stay without its value
     Entry* const entry = name.empty() ? nullptr : store.createOrFind(name, replaces, name);
     if (entry != nullptr)
-        entry->setValue(value);
+        entry->setValue(std::move(kept));
     return entry;
 }
 
@@ -125,9 +126,11 @@ std::unique_ptr<HABMBlock> HABMBlock::removeSubBlock(const std::string& instance
     const HABMBlock* const leaving = m_parts->subBlocks.find(instance);
     if (leaving == nullptr)
         return nullptr;
+    const std::string before = leaving->getInstancePath();
+    // The last that may fail was the path: from here on nothing needs memory but the index, which
+    // can do without.
     HABMConnectionIndex::change(*this,
                                 [&](HABMConnectionIndex& index) { index.removeBelow(*leaving); });
-    const std::string before = leaving->getInstancePath();
     std::unique_ptr<HABMBlock> block = m_parts->subBlocks.take(instance);
     block->m_parent = nullptr;
     block->m_instanceName.clear();

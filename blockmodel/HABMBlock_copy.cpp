@@ -111,18 +111,15 @@ void HABMBlock::copyContent(const HABMBlock& from) {
 }
 
 /// Lets the paths of all connections and assigns at and below this block follow it after it has
-/// moved from `before` to `after`.
+/// moved from `before` to `after`. It needs memory only if `after` is longer.
 void HABMBlock::movePaths(const std::string& before, const std::string& after) {
     if (before == after)
         return;
-    for (HABMPortConnection* const connection : findPortConnections("", true))
-        connection->moveEnds(before, after);
-    for (HABMInterfaceConnection* const connection : findInterfaceConnections("", true))
-        connection->moveEnds(before, after);
-    for (HABMAddrAssign* const assign : findAddrAssigns("", true)) {
-        assign->setSourcePath(habm::moved(assign->getSourcePath(), before, after));
-        assign->setTargetPath(habm::moved(assign->getTargetPath(), before, after));
-    }
+    const auto move = [&](auto& mover) { mover.moveEnds(before, after); };
+    m_parts->portConnections.forEach(move);
+    m_parts->interfaceConnections.forEach(move);
+    m_parts->addrAssigns.forEach(move);
+    m_parts->subBlocks.forEach([&](HABMBlock& block) { block.movePaths(before, after); });
 }
 
 std::unique_ptr<HABMBlock> HABMBlock::cloneTopBlock(const HABMBlock& block) {

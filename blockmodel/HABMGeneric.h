@@ -19,7 +19,7 @@ protected:
     explicit HABMGeneric(std::string name) : m_name(std::move(name)) {}
     ~HABMGeneric() = default;
 
-    void assign(const std::string& value) { m_value = value; }
+    void assign(std::string value) { m_value = std::move(value); }
 
 private:
     const std::string m_name;

@@ -53,6 +53,6 @@ bool HABMInterfaceConnection::isValid() const {
 }
 
 void HABMInterfaceConnection::moveEnds(const std::string& before, const std::string& after) {
-    m_sourcePath = habm::moved(m_sourcePath, before, after);
-    m_targetPath = habm::moved(m_targetPath, before, after);
+    habm::move(m_sourcePath, before, after);
+    habm::move(m_targetPath, before, after);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "blockmodel/HABMGeneric.h"
 #include "tq_export.h"
@@ -12,5 +13,5 @@ class TQ_EXPORT HABMParameter : public HABMGeneric {
 public:
     explicit HABMParameter(const std::string& name) : HABMGeneric(name) {}
 
-    void setValue(const std::string& value) { assign(value); }
+    void setValue(std::string value) { assign(std::move(value)); }
 };

@@ -61,10 +61,9 @@ std::string fromTop(const HABMBlock& owner, const std::string& path) {
     return path.starts_with('/') ? path : owner.getInstancePath() + "/" + path;
 }
 
-std::string moved(const std::string& path, std::string_view before, std::string_view after) {
-    if (!leadsBelow(path, before))
-        return path;
-    return std::string(after) + path.substr(before.size());
+void move(std::string& path, std::string_view before, std::string_view after) {
+    if (leadsBelow(path, before))
+        path.replace(0, before.size(), after);
 }
 
 } // namespace habm

@@ -34,10 +34,9 @@ struct SplitPath {
 /// is that already, any other starts at the owner.
 [[nodiscard]] std::string fromTop(const HABMBlock& owner, const std::string& path);
 
-/// The path that leads to the same object after the block at `before` has become the one at
-/// `after`. A path that doesn't begin with "/" moves with its owner, and one that leads elsewhere
-/// stays.
-[[nodiscard]] std::string moved(const std::string& path, std::string_view before,
-                                std::string_view after);
+/// Lets the path lead to the same object after the block at `before` has become the one at `after`.
+/// A path that doesn't begin with "/" moves with its owner, and one that leads elsewhere stays. It
+/// needs memory only if the path grows.
+void move(std::string& path, std::string_view before, std::string_view after);
 
 } // namespace habm

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include "blockmodel/HABMBlock.h"
 #include "blockmodel/HABMConnectionIndex.h"
@@ -51,9 +52,12 @@ bool HABMPortConnection::isValid(const bool& flag) const {
 }
 
 void HABMPortConnection::moveEnds(const std::string& before, const std::string& after) {
-    m_sourcePath = habm::moved(m_sourcePath, before, after);
+    habm::move(m_sourcePath, before, after);
     std::set<std::string> targets;
-    for (const std::string& path : m_targetPaths)
-        targets.insert(habm::moved(path, before, after));
-    m_targetPaths = std::move(targets);
+    while (!m_targetPaths.empty()) {
+        auto node = m_targetPaths.extract(m_targetPaths.begin());
+        habm::move(node.value(), before, after);
+        targets.insert(std::move(node));
+    }
+    m_targetPaths.swap(targets);
 }
