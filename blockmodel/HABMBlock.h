@@ -40,8 +40,8 @@ class HUTFile;
 ///
 ///     std::unique_ptr<HABMBlock> top = HABMBlock::createTopBlock("soc");
 ///     HABMBlock* cpu = top->createSubBlock("cpu0", "cpu", false);
-///     cpu->createInterface("M_AXI",
-///     false)->setInterfaceMode(HABMInterface::InterfaceMode::Master);
+///     HABMInterface* axi = cpu->createInterface("M_AXI", false);
+///     axi->setInterfaceMode(HABMInterface::InterfaceMode::Master);
 ///     top->createInterface("M_AXI", false);
 ///     HABMInterfaceConnection* c = top->createInterfaceConnection("", false);
 ///     c->setSourcePath("/cpu0/M_AXI");
@@ -51,7 +51,8 @@ class HUTFile;
 /// Creating gives null where it refuses, asking for what isn't there null, removing it false; no
 /// operation throws for its input. The flag of a `create…` says what to do about a name that is
 /// taken: false refuses, true gives the object that has it. A tree is used by one thread at a time,
-/// also for reading alone: asking for connections builds an index.
+/// also for reading alone: asking for connections or for a register by its bare name builds an
+/// index.
 class TQ_EXPORT HABMBlock {
 public:
     /// A tree has at most so many levels, its top block being the first.
@@ -72,15 +73,17 @@ public:
     /// Writes a ".bmj" file. Equal blocks give equal bytes. With the flag the file is replaced in
     /// one step, once the new content is on the disk, so that a crash or a full disk leaves the old
     /// one whole; without it a file that is already there is left alone. False, with what stood
-    /// there unchanged, if it can't be written or something other than a file stands there.
+    /// there unchanged, if it can't be written, if something other than a file stands there, if it
+    /// would be larger than `readTopBlock` takes (4 GiB) or if the memory doesn't suffice.
     static bool writeTopBlock(const HUTFile& file, const HABMBlock& block, const bool& flag);
-    /// Deep copy. Of a sub-block it makes a top block, as `removeSubBlock` does.
+    /// Deep copy. Of a sub-block it makes a top block, with the paths as `removeSubBlock` has them.
     [[nodiscard]] static std::unique_ptr<HABMBlock> cloneTopBlock(const HABMBlock& block);
     /// Puts the content of `child` in place of that of the sub-block at `path`, which keeps its
     /// address in memory, its instance name and its place, takes all else from `child` and is no
-    /// stub any more. The paths of the child's connections and assigns begin at the sub-block then.
-    /// Without the flag only a stub is replaced. False, with nothing changed, if no sub-block
-    /// stands there, if `child` is of the same tree or if the tree would get too many levels.
+    /// stub any more. The paths of the child's connections and assigns begin at the sub-block then;
+    /// if `child` is a sub-block of its tree, those that lead out of it stay as they are. Without
+    /// the flag only a stub is replaced. False, with nothing changed, if no sub-block stands there,
+    /// if `child` is of the same tree or if the tree would get too many levels.
     static bool mergeTopBlock(HABMBlock& top, const std::string& path, const HABMBlock& child,
                               const bool& flag);
 
@@ -115,8 +118,10 @@ public:
                               const bool& flag);
     [[nodiscard]] HABMBlock* getSubBlock(const std::string& instance) const;
     [[nodiscard]] std::vector<HABMBlock*> getSubBlocks() const;
-    /// Takes the sub-block out as a top block, with the paths below it beginning there; empty if
-    /// there is none. Paths that led into it elsewhere in the design lead nowhere now.
+    /// Takes the sub-block out as a top block; empty if there is none. Paths of its connections
+    /// and assigns that lead below it begin there. Those that lead out of it stay as they are, and
+    /// so lead nowhere, or to what has that path in the new tree; as do paths elsewhere in the
+    /// design that led into it.
     std::unique_ptr<HABMBlock> removeSubBlock(const std::string& instance);
 
     HABMPort* createPort(const std::string& name, const bool& flag);

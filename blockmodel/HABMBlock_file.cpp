@@ -1,6 +1,7 @@
 // Blocks in files.
 
 #include <algorithm>
+#include <cstdint>
 #include <fstream>
 #include <new>
 
@@ -16,19 +17,16 @@ void complain(const std::string& path, const std::string& reason) {
     ComMsgMgr::sendMsg::eval(2, __FILE__, __LINE__, "hbs", 0x20000000, "@92-1@%s%s", path, reason);
 }
 
-/// RapidJSON counts the bytes of a text in 32 bits.
-constexpr std::streamoff kMostBytes = 0xFFFFFFFF;
-
 std::string contentOf(const HUTFile& file, const std::string& path) {
     if (!file.isFile())
         throw habm::bmj::Fault("it isn't a file");
     std::ifstream stream(path, std::ios::binary);
     std::string content;
     if (stream.seekg(0, std::ios::end)) {
-        const std::streamoff size = std::max<std::streamoff>(stream.tellg(), 0);
-        if (size > kMostBytes)
+        const auto size = static_cast<std::uint64_t>(std::max<std::streamoff>(stream.tellg(), 0));
+        if (size > habm::bmj::kMostBytes)
             throw habm::bmj::Fault("it is too large");
-        content.resize(static_cast<std::size_t>(size));
+        content.resize(size);
         stream.seekg(0);
         stream.read(content.data(), static_cast<std::streamsize>(content.size()));
     }
@@ -55,10 +53,15 @@ std::unique_ptr<HABMBlock> HABMBlock::readTopBlock(const HUTFile& file) {
 }
 
 bool HABMBlock::writeTopBlock(const HUTFile& file, const HABMBlock& block, const bool& flag) {
-    // The paths in a file begin at its top block.
-    const std::unique_ptr<HABMBlock> asTop =
-        block.getParent() == nullptr ? nullptr : cloneTopBlock(block);
-    const HABMBlock& top = asTop == nullptr ? block : *asTop;
-    return habm::writeWholeFile(file.getFullPath(), flag,
-                                [&](const habm::Sink& sink) { habm::bmj::write(top, sink); });
+    try {
+        // The paths in a file begin at its top block.
+        const std::unique_ptr<HABMBlock> asTop =
+            block.getParent() == nullptr ? nullptr : cloneTopBlock(block);
+        const HABMBlock& top = asTop == nullptr ? block : *asTop;
+        return habm::writeWholeFile(file.getFullPath(), flag, [&](const habm::Sink& sink) {
+            return habm::bmj::write(top, sink);
+        });
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }

@@ -1,6 +1,7 @@
 // The ".bmj" format: a block and all below it as JSON.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -18,7 +19,7 @@ class HABMBlock;
 namespace habm::bmj {
 
 constexpr const char* kFormat = "tq block model";
-/// Files of a later version are refused.
+/// Files of any other version are refused.
 constexpr unsigned kVersion = 1;
 
 /// Why a text can't be read.
@@ -27,8 +28,15 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Gives the text to the sink in pieces, so that it needs no more memory than one of them.
-void write(const HABMBlock& top, const Sink& sink);
+/// A file of more bytes is neither written nor read: RapidJSON counts the bytes of a text in 32
+/// bits, and in such a file no text can be longer.
+constexpr std::uint64_t kMostBytes = 0xFFFFFFFF;
+
+/// Gives the text to the sink in pieces, of which only one is in memory at a time: mostly of 64
+/// KiB, and as large as a single text with its escapes where that is more. Lists of objects take a
+/// pointer for each besides. False, with part of it given, if the sink took a piece no more or the
+/// text has more than `kMostBytes`.
+[[nodiscard]] bool write(const HABMBlock& top, const Sink& sink);
 
 /// Raises `Fault` for a text that isn't a whole block of this version, and `std::bad_alloc`. The
 /// text is used up.

@@ -24,7 +24,8 @@ class BlockWriter {
 public:
     explicit BlockWriter(const Sink& sink) : m_sink(sink) {}
 
-    void file(const HABMBlock& top) {
+    /// True if all was taken.
+    bool file(const HABMBlock& top) {
         m_writer.StartObject();
         text("format", kFormat);
         number("version", kVersion, 0);
@@ -33,17 +34,21 @@ public:
         m_writer.EndObject();
         m_buffer.Put('\n');
         giveOut();
+        return m_isTaken;
     }
 
 private:
     void giveOut() {
-        m_isTaken = m_isTaken && m_sink({m_buffer.GetString(), m_buffer.GetSize()});
+        m_bytes += m_buffer.GetSize();
+        m_isTaken = m_isTaken && m_bytes <= kMostBytes &&
+                    m_sink({m_buffer.GetString(), m_buffer.GetSize()});
         m_buffer.Clear();
     }
 
     void key(std::string_view name) { string(name); }
     void string(std::string_view text) {
-        m_writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+        m_isTaken = m_isTaken && text.size() <= kMostBytes;
+        m_writer.String(text.data(), m_isTaken ? static_cast<rapidjson::SizeType>(text.size()) : 0);
     }
     static std::string textOf(const HABMAddrValue& value) {
         return value.isValid() ? value.getHexStringValue(0) : std::string();
@@ -92,6 +97,8 @@ private:
         key(name);
         m_writer.StartArray();
         for (const auto& item : items) {
+            if (!m_isTaken)
+                break;
             write(item);
             if (m_buffer.GetSize() >= kPieceBytes)
                 giveOut();
@@ -220,7 +227,8 @@ private:
     using Buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, JsonAllocator>;
 
     const Sink& m_sink;
-    bool m_isTaken = true; ///< all that was given out
+    bool m_isTaken = true;     ///< all so far; nothing more is worth writing if not
+    std::uint64_t m_bytes = 0; ///< given out
     Buffer m_buffer;
     rapidjson::Writer<Buffer, rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator> m_writer{
         m_buffer};
@@ -228,8 +236,8 @@ private:
 
 } // namespace
 
-void write(const HABMBlock& top, const Sink& sink) {
-    BlockWriter(sink).file(top);
+bool write(const HABMBlock& top, const Sink& sink) {
+    return BlockWriter(sink).file(top);
 }
 
 } // namespace habm::bmj

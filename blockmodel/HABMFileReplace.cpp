@@ -14,6 +14,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// As many as the system follows.
+constexpr int kMostLinks = 40;
+
 bool writeAll(int descriptor, std::string_view content) {
     while (!content.empty()) {
         const ssize_t count = ::write(descriptor, content.data(), content.size());
@@ -47,13 +50,14 @@ public:
     FreshFile(const FreshFile&) = delete;
     FreshFile& operator=(const FreshFile&) = delete;
 
+    [[nodiscard]] bool isWhole() const { return m_isWhole; }
     bool write(std::string_view piece) {
         m_isWhole = m_isWhole && writeAll(m_descriptor, piece);
         return m_isWhole;
     }
     void takeModeOf(const std::string& path) {
         struct stat status = {};
-        if (m_descriptor >= 0 && ::stat(path.c_str(), &status) == 0)
+        if (::stat(path.c_str(), &status) == 0)
             (void)!::fchmod(m_descriptor, status.st_mode & 07777U);
     }
     bool place(const std::string& path) {
@@ -69,6 +73,14 @@ private:
     bool m_isPlaced = false;
 };
 
+/// Where a path leads in the end, whether something stands there or not.
+fs::path behindLinks(fs::path path) {
+    std::error_code error;
+    for (int link = 0; link < kMostLinks && fs::is_symlink(fs::symlink_status(path, error)); ++link)
+        path = path.parent_path() / fs::read_symlink(path, error);
+    return path;
+}
+
 /// Makes a rename last. Some file systems can't, which is no failure of the write.
 void syncFolder(const fs::path& folder) {
     const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -81,7 +93,7 @@ void syncFolder(const fs::path& folder) {
 } // namespace
 
 bool habm::writeWholeFile(const std::string& path, bool replaces,
-                          const std::function<void(const Sink&)>& produce) {
+                          const std::function<bool(const Sink&)>& produce) {
     if (path.empty() || path.find('\0') != std::string::npos)
         return false;
     std::error_code error;
@@ -90,13 +102,15 @@ bool habm::writeWholeFile(const std::string& path, bool replaces,
     const bool isUnknown = status.type() == fs::file_type::none; // such as links in a ring
     if (isUnknown || (isThere && (!replaces || !fs::is_regular_file(status))))
         return false;
-    const std::string target = isThere ? fs::canonical(path, error).string() : path;
+    const std::string target = behindLinks(path).string();
 
     FreshFile file(target);
+    if (!file.isWhole())
+        return false;
     if (isThere)
         file.takeModeOf(target);
-    produce([&file](std::string_view piece) { return file.write(piece); });
-    if (!file.place(target))
+    if (!produce([&file](std::string_view piece) { return file.write(piece); }) ||
+        !file.place(target))
         return false;
     const fs::path folder = fs::path(target).parent_path();
     syncFolder(folder.empty() ? fs::path(".") : folder);

@@ -13,7 +13,8 @@ namespace {
 
 std::string textOf(const HABMBlock& block) {
     std::string text;
-    habm::bmj::write(block, [&](std::string_view piece) { return !text.append(piece).empty(); });
+    (void)habm::bmj::write(block,
+                           [&](std::string_view piece) { return !text.append(piece).empty(); });
     return text;
 }
 

@@ -190,6 +190,10 @@ TEST(BmjFile, FailedWriteLeavesTheOldFileWhole) {
     EXPECT_TRUE(HABMBlock::writeTopBlock(HUTFile(folder.file("link.bmj")), *block, true));
     EXPECT_TRUE(std::filesystem::is_symlink(folder.file("link.bmj")));
     EXPECT_EQ(generated::bytes(*block), support::readFile(path));
+    std::filesystem::remove(path);
+    EXPECT_TRUE(HABMBlock::writeTopBlock(HUTFile(folder.file("link.bmj")), *block, false));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.file("link.bmj")));
+    EXPECT_EQ(generated::bytes(*block), support::readFile(path));
 }
 
 } // namespace
