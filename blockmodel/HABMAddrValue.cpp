@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr std::string_view kUnits = "KMGTPE";
+constexpr std::string_view kUnits = "KMGT";
 constexpr unsigned kBitsPerUnit = 10;
 
 bool hasHexPrefix(std::string_view text) {

@@ -21,9 +21,9 @@ public:
     constexpr HABMAddrValue() = default;
 
     /// Reads a text: "0x" or "0X" and hexadecimal digits of either case, or decimal digits, which
-    /// one of the letters K, M, G, T, P and E (of either case) may follow for a multiple of 2^10,
-    /// 2^20, … 2^60. Anything else is invalid: an empty text, a sign, a blank, a digit group mark,
-    /// a number beyond 127 bits.
+    /// one of the letters K, M, G and T (of either case) may follow for a multiple of 2^10, 2^20,
+    /// 2^30 or 2^40. Anything else is invalid: an empty text, a sign, a blank, a digit group mark,
+    /// a number beyond 127 bits. E is no unit, lest a forgotten "0x" make "1e" a size.
     HABMAddrValue(const std::string& text);
     constexpr explicit HABMAddrValue(std::uint64_t number) : m_high(kValid), m_low(number) {}
 
@@ -46,13 +46,13 @@ public:
     /// Binary logarithm, rounded down; 0 for 0 and for an invalid value.
     [[nodiscard]] unsigned int log2() const;
 
-    /// "0x" and lower case digits, filled with zeros to `width` bits; 0 fills nothing. Tcl's expr
-    /// reads it. An invalid value gives the text of zero, here and in the next.
+    /// "0x" and lower case digits, filled with zeros to `width` bits, at most 128; 0 fills nothing.
+    /// Tcl's expr reads it. An invalid value gives the text of zero, here and in the next.
     [[nodiscard]] std::string getHexStringValue(const unsigned int& width) const;
     /// The same with upper case digits, which people tell apart more easily.
     [[nodiscard]] std::string getPrettyHexStringValue(const unsigned int& width) const;
-    /// Short form of a size: "4K", "16M", "2G" and so on to E, with the largest unit that the
-    /// value is a multiple of, else the text of getHexStringValue. The constructor reads both.
+    /// Short form of a size: "4K", "16M", "2G" or "3T", with the largest unit that the value is a
+    /// multiple of, else the text of getHexStringValue. The constructor reads both.
     [[nodiscard]] std::string getAbrvStringValue() const;
 
 private:

@@ -38,7 +38,8 @@ private:
     }
     HABMAddrValue value() {
         static const std::vector<std::string> values{
-            "", "0", "1", "0xffffffffffffffff", "16E", "0x123456789abcdef0123456789abcdef0", "4K"};
+            "",  "0", "1", "0xffffffffffffffff", "16777216T", "0x123456789abcdef0123456789abcdef0",
+            "4K"};
         return {values[upTo(static_cast<unsigned>(values.size()) - 1)]};
     }
     HABMAddrAperture aperture() { return {value(), value()}; }

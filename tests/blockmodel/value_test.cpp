@@ -25,15 +25,16 @@ TEST(AddrValue, ReadsEveryAcceptedTextAndNoOther) {
         {"2G", "0x80000000", "2G"},
         {"3T", "0x30000000000", "3T"},
         {"18446744073709551615", "0xffffffffffffffff", "0xffffffffffffffff"},
-        {"18446744073709551616", "0x10000000000000000", "16E"},
+        {"18446744073709551616", "0x10000000000000000", "16777216T"},
         {"0x0000000000000000000000000000000000000001", "0x1", "0x1"},
         {"00000000000000000000000000000000000000000000017", "0x11", "0x11"},
         {"0x7fffffffffffffffffffffffffffffff", "0x7fffffffffffffffffffffffffffffff", nullptr},
         {"0x80000000000000000000000000000000", nullptr},
         {"0x100000000000000000000000000000000", nullptr},
         {"170141183460469231731687303715884105728", nullptr},
-        {"18446744073709551616E", "0x10000000000000000000000000000000", "18446744073709551616E"},
-        {"999999999999999999999999999999999E", nullptr},
+        {"19342813113834066795298816T", "0x10000000000000000000000000000000",
+         "19342813113834066795298816T"},
+        {"999999999999999999999999999999999T", nullptr},
     };
     for (const ValueCase& c : cases) {
         const HABMAddrValue value{std::string(c.text)};
@@ -45,7 +46,7 @@ TEST(AddrValue, ReadsEveryAcceptedTextAndNoOther) {
         }
     }
     for (const char* bad : {"", " 1", "1 ", "0x", "0xg", "-1", "+1", "1_000", "K", "0x4K", "4KB",
-                            "1.5", "0x 1", "4K4", "x10"})
+                            "1.5", "0x 1", "4K4", "x10", "1e", "2E", "1P"})
         EXPECT_FALSE(HABMAddrValue(std::string(bad)).isValid()) << bad;
 }
 
@@ -89,11 +90,12 @@ TEST(AddrValue, CalculatesOrdersAndPrintsTheInvalidAsLowest) {
 }
 
 TEST(AddrAperture, EndsAtItsLastAddress) {
-    const std::vector<std::pair<const char*, const char*>> cases{{"", "0x0"},
-                                                                 {"0x10:1", "0x10"},
-                                                                 {"0x200:0x100", "0x2ff"},
-                                                                 {"0x40:0", "0x40"},
-                                                                 {"0:16E", "0xffffffffffffffff"}};
+    const std::vector<std::pair<const char*, const char*>> cases{
+        {"", "0x0"},
+        {"0x10:1", "0x10"},
+        {"0x200:0x100", "0x2ff"},
+        {"0x40:0", "0x40"},
+        {"0:16777216T", "0xffffffffffffffff"}};
     for (const auto& [text, last] : cases)
         EXPECT_EQ(last, HABMAddrAperture(text).getHighAddress().getHexStringValue(0)) << text;
     for (const char* text : {"4K", "x:1", "1:x", ":", "0x7fffffffffffffffffffffffffffffff:2"})
