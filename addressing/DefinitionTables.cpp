@@ -2,14 +2,16 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <locale>
+#include <tuple>
 
 #include "ComMsgMgr.h"
 #include "HUTFile.h"
 
-void HBSTableNotes::begin(const std::string& table, bool isThere) {
+void HBSTableNotes::begin(const std::string& table, bool isThere, bool isRead) {
     if (m_report != nullptr)
-        m_report->push_back({table, isThere, 0, {}});
+        m_report->push_back({table, isThere, isRead, 0, {}});
 }
 
 void HBSTableNotes::row() {
@@ -19,6 +21,16 @@ void HBSTableNotes::row() {
 
 void HBSTableNotes::drop(const char* table, std::size_t line, std::string_view reason,
                          std::string_view name) {
+    add(table, line, reason, name, true);
+}
+
+void HBSTableNotes::dropPart(const char* table, std::size_t line, std::string_view reason,
+                             std::string_view text) {
+    add(table, line, reason, text, false);
+}
+
+void HBSTableNotes::add(const char* table, std::size_t line, std::string_view reason,
+                        std::string_view name, bool isWhole) {
     if (m_report == nullptr)
         return;
     std::string text(reason);
@@ -27,16 +39,18 @@ void HBSTableNotes::drop(const char* table, std::size_t line, std::string_view r
     const auto report =
         std::find_if(m_report->begin(), m_report->end(),
                      [&](const HBSTableReport& candidate) { return candidate.table == table; });
-    report->dropped.push_back({line, std::move(text)});
+    report->dropped.push_back({line, std::move(text), isWhole});
 }
 
 void HBSTableNotes::end() {
     if (m_report == nullptr)
         return;
-    for (HBSTableReport& report : *m_report)
-        std::stable_sort(
-            report.dropped.begin(), report.dropped.end(),
-            [](const HBSDroppedRow& a, const HBSDroppedRow& b) { return a.line < b.line; });
+    const auto parts = [](const HBSDroppedRow& row) { return std::tie(row.line, row.reason); };
+    for (HBSTableReport& report : *m_report) {
+        std::ranges::sort(report.dropped, {}, parts);
+        const auto repeated = std::ranges::unique(report.dropped, {}, parts).begin();
+        report.dropped.erase(repeated, report.dropped.end());
+    }
 }
 
 namespace hbs_tables {
@@ -85,15 +99,20 @@ private:
     std::locale m_locale;
 };
 
-Record recordOf(std::string_view line, const Keys& known, const std::ctype<char>& classes) {
+/// Gives what isn't a pair to `drop`.
+template <class Drop>
+Record recordOf(std::string_view line, const Keys& known, const std::ctype<char>& classes,
+                Drop drop) {
     Record record;
     line = trimmed(line, classes);
     if (line.starts_with('#'))
         return record;
     forEachItem(line, ';', classes, [&](std::string_view token) {
         const std::size_t equals = token.find('=');
-        if (equals == std::string_view::npos)
+        if (equals == std::string_view::npos) {
+            drop(token);
             return;
+        }
         std::string key(trimmed(token.substr(0, equals), classes));
         if (!known.empty() && !known.contains(key))
             sendUnknownKey(key, known);
@@ -102,18 +121,25 @@ Record recordOf(std::string_view line, const Keys& known, const std::ctype<char>
     return record;
 }
 
+/// Takes note of a part of a row that can't be used: the reason and the part's text.
+using DropPart = std::function<void(std::string_view, std::string_view)>;
+
 /// One line's pairs, asked for by key.
 class Row {
 public:
-    Row(const Record& record, const std::ctype<char>& classes)
-        : m_record(record), m_classes(classes) {}
+    Row(const Record& record, const std::ctype<char>& classes, const DropPart& dropPart)
+        : m_record(record), m_classes(classes), m_dropPart(dropPart) {}
 
     [[nodiscard]] std::string text(std::string_view key, const char* absent = "") const {
         const auto found = m_record.find(key);
         return found == m_record.end() ? absent : found->second;
     }
     [[nodiscard]] HABMAddrValue address(std::string_view key) const {
-        return HABMAddrValue(text(key, "0x0"));
+        const std::string given = text(key, "0x0");
+        const HABMAddrValue address(given);
+        if (!address.isValid())
+            m_dropPart(std::string(key) + " that can't be read", given);
+        return address;
     }
     [[nodiscard]] HABMAddrAperture aperture() const { return {address("offset"), address("size")}; }
     /// A comma list. The file's order is lost.
@@ -127,7 +153,9 @@ public:
         std::map<std::string, std::string> pairs;
         forEachItem(text(key), ',', m_classes, [&](std::string_view item) {
             const std::size_t blank = item.find(' ');
-            if (blank != std::string_view::npos)
+            if (blank == std::string_view::npos)
+                m_dropPart(std::string(key) + " item without a blank", item);
+            else
                 pairs.insert_or_assign(std::string(trimmed(item.substr(0, blank), m_classes)),
                                        std::string(trimmed(item.substr(blank), m_classes)));
         });
@@ -137,6 +165,7 @@ public:
 private:
     const Record& m_record;
     const std::ctype<char>& m_classes;
+    const DropPart& m_dropPart;
 };
 
 /// Reads a table, of which `rowOf` makes rows. `lacking` names what a row must have and hasn't, or
@@ -148,17 +177,24 @@ void parseTable(const std::string& directory, const char* table, const Keys& kno
     const std::string path = directory + "/" + table;
     std::ifstream stream;
     // Opening something else, such as a FIFO, could wait for ever.
-    if (HUTFile(path).isFile())
+    const HUTFile file(path);
+    if (file.isFile())
         stream.open(path, std::ios::binary);
-    notes.begin(table, stream.is_open());
+    notes.begin(table, file.exists(), stream.is_open());
     const Classes classes;
     std::string line;
-    for (std::size_t number = 1; std::getline(stream, line); ++number) {
-        const Record record = recordOf(line, known, classes.get());
+    std::size_t number = 1;
+    const DropPart dropPart = [&](std::string_view reason, std::string_view text) {
+        notes.dropPart(table, number, reason, text);
+    };
+    for (; std::getline(stream, line); ++number) {
+        const Record record = recordOf(line, known, classes.get(), [&](std::string_view token) {
+            dropPart("no '=' in", token);
+        });
         if (record.empty())
             continue;
         notes.row();
-        TableRow row = rowOf(Row(record, classes.get()));
+        TableRow row = rowOf(Row(record, classes.get(), dropPart));
         row.line = number;
         const std::string_view lack = lacking(row);
         if (lack.empty())
@@ -171,7 +207,7 @@ void parseTable(const std::string& directory, const char* table, const Keys& kno
 } // namespace
 
 Record readRecord(std::string_view line, const Keys& known) {
-    return recordOf(line, known, Classes().get());
+    return recordOf(line, known, Classes().get(), [](std::string_view) {});
 }
 
 void parseAddrBlocks(const std::string& directory, const char* table,

@@ -84,14 +84,22 @@ class HBSTableNotes {
 public:
     explicit HBSTableNotes(std::vector<HBSTableReport>* report) : m_report(report) {}
 
-    void begin(const std::string& table, bool isThere);
+    void begin(const std::string& table, bool isThere, bool isRead);
     void row();
+    /// A whole row.
     void drop(const char* table, std::size_t line, std::string_view reason,
               std::string_view name = {});
-    /// Puts the drops of each table in the order of their lines.
+    /// A part of a row that is used without it.
+    void dropPart(const char* table, std::size_t line, std::string_view reason,
+                  std::string_view text);
+    /// Puts the drops of each table in the order of their lines, each once: a row of registers is
+    /// used for every address block of its name.
     void end();
 
 private:
+    void add(const char* table, std::size_t line, std::string_view reason, std::string_view name,
+             bool isWhole);
+
     std::vector<HBSTableReport>* m_report; ///< null if nobody does
 };
 

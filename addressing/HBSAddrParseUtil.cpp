@@ -13,11 +13,6 @@ namespace {
 
 using namespace hbs_tables;
 
-/// What atoi gives, also for numbers beyond an int, where atoi itself may do anything.
-unsigned decimal(const std::string& text) {
-    return static_cast<unsigned>(static_cast<int>(std::strtol(text.c_str(), nullptr, 10)));
-}
-
 /// Rows of a table by a text that they bear, in the order of the table.
 template <class Row>
 using RowsByText = std::unordered_map<std::string_view, std::vector<const Row*>>;
@@ -65,6 +60,16 @@ public:
 private:
     static constexpr const char* kRefused = "unusable or repeated name";
 
+    /// What atoi gives, also for numbers beyond an int, where atoi itself may do anything.
+    unsigned decimal(const char* table, std::size_t line, const char* key,
+                     const std::string& text) {
+        char* end = nullptr;
+        const long number = std::strtol(text.c_str(), &end, 10);
+        if (end == text.c_str())
+            m_notes.dropPart(table, line, std::string(key) + " without digits", text);
+        return static_cast<unsigned>(static_cast<int>(number));
+    }
+
     void addInstances(HABMBlock& block) {
         for (const HBSInstanceRow& row : m_instances) {
             std::string vendor;
@@ -83,7 +88,11 @@ private:
             stub->setBlockStub(true);
             stub->setModuleVlnv(row.vlnv);
             stub->setEnablement(row.enable);
-            stub->setBaseAddress(HABMAddrValue(row.baseAddress));
+            const HABMAddrValue base(row.baseAddress);
+            if (!base.isValid())
+                m_notes.dropPart(kInstances, row.line, "base_address that can't be read",
+                                 row.baseAddress);
+            stub->setBaseAddress(base);
         }
     }
 
@@ -137,7 +146,7 @@ private:
                 continue;
             }
             created->setOffset(row->offset);
-            created->setWidth(decimal(row->width));
+            created->setWidth(decimal(kRegisters, row->line, "width", row->width));
             created->setReset(row->reset);
             created->setAccess(HABMRegister::encodeRegisterAccess(row->access));
         }
@@ -174,8 +183,8 @@ private:
             port->setPortType(HABMPort::encodePortType(row.type));
             port->setPortDirection(HABMPort::encodePortDirection(row.direction));
             if (!port->isWirePort()) {
-                port->setPortLeft(decimal(row.left));
-                port->setPortRight(decimal(row.right));
+                port->setPortLeft(decimal(kPorts, row.line, "left", row.left));
+                port->setPortRight(decimal(kPorts, row.line, "right", row.right));
             }
         }
     }

@@ -15,12 +15,14 @@ class HUTFile;
 struct TQ_EXPORT HBSDroppedRow {
     std::size_t line = 0; ///< counted from 1
     std::string reason;
+    bool isWhole = true; ///< false for a part of a row
 };
 
 /// What became of one table.
 struct TQ_EXPORT HBSTableReport {
     std::string table; ///< path below the hard block's directory: "data/ports.txt"
     bool isThere = false;
+    bool isRead = false;  ///< false also if it is there and can't be opened, or is no file
     std::size_t rows = 0; ///< lines that hold a row, whether it was used or not
     std::vector<HBSDroppedRow> dropped;
 };
@@ -36,7 +38,9 @@ struct TQ_EXPORT HBSTableReport {
 /// can't hold a ";", and an empty value isn't the same as a key left out, which takes its default.
 ///
 /// What can't be used is dropped without a word, be it a row that lacks its name, a name that is
-/// taken or a connection of an unknown type; the report tells of it. Only an unknown key in
+/// taken or a connection of an unknown type, or a part of a row: a pair without "=", an address
+/// that can't be read, a number without digits (which counts as 0), a port map item without a
+/// blank. The report tells of it, once for the same thing in a line. Only an unknown key in
 /// ports.txt, interfaces.txt or parameters.txt sends a message, "@91-48@%s%s" (the key, the known
 /// keys). Nothing here throws for bad data.
 class TQ_EXPORT HBSAddrParseUtil {

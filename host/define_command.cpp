@@ -27,11 +27,12 @@ struct Options {
     bool json = false;
 };
 
-/// Several faults may lie in one row.
+/// Several faults may lie in one row, which may be used without a part of it.
 std::size_t rowsUsed(const HBSTableReport& report) {
     std::set<std::size_t> dropped;
     for (const HBSDroppedRow& row : report.dropped)
-        dropped.insert(row.line);
+        if (row.isWhole)
+            dropped.insert(row.line);
     return report.rows - dropped.size();
 }
 
@@ -43,17 +44,21 @@ void printTables(const std::vector<HBSTableReport>& tables, const std::string& p
                  {"dropped", Table::Align::Right}});
     for (const HBSTableReport& report : tables) {
         const std::size_t used = rowsUsed(report);
-        if (report.isThere)
+        if (report.isRead)
             table.addRow({report.table, std::to_string(report.rows), std::to_string(used),
                           std::to_string(report.rows - used)});
         else
             table.addRow({report.table, "-", "-", "-"});
     }
     table.print(out);
-    for (const HBSTableReport& report : tables)
+    for (const HBSTableReport& report : tables) {
+        const std::string file = place + "/" + report.table;
+        if (report.isThere && !report.isRead)
+            out << file << ": can't be read\n";
         for (const HBSDroppedRow& row : report.dropped)
-            out << place << '/' << report.table << ':' << row.line << ": dropped: " << row.reason
-                << '\n';
+            out << file << ':' << row.line << (row.isWhole ? ": dropped: " : ": not used: ")
+                << row.reason << '\n';
+    }
 }
 
 /// The block as a tree, one object a line.
@@ -166,6 +171,8 @@ void printJson(const HABMBlock& block, const std::vector<HBSTableReport>& tables
         writer.String(report.table.c_str());
         writer.Key("there");
         writer.Bool(report.isThere);
+        writer.Key("read");
+        writer.Bool(report.isRead);
         writer.Key("rows");
         writer.Uint64(report.rows);
         writer.Key("dropped");
@@ -176,6 +183,8 @@ void printJson(const HABMBlock& block, const std::vector<HBSTableReport>& tables
             writer.Uint64(row.line);
             writer.Key("reason");
             writer.String(row.reason.c_str());
+            writer.Key("whole");
+            writer.Bool(row.isWhole);
             writer.EndObject();
         }
         writer.EndArray();
@@ -212,9 +221,9 @@ int runDefine(const Options& options) {
     if (block == nullptr)
         throw BadInput(options.directory + ": expected a folder of hard blocks, and a NAME in it");
     if (std::none_of(tables.begin(), tables.end(),
-                     [](const HBSTableReport& report) { return report.isThere; }))
-        throw BadInput(place + ": none of the tables is there, from " + tables.front().table +
-                       " to " + tables.back().table);
+                     [](const HBSTableReport& report) { return report.isRead; }))
+        throw BadInput(place + ": none of the tables is there to be read, from " +
+                       tables.front().table + " to " + tables.back().table);
 
     const std::string written = options.write ? write(*block, place) : "";
     const std::vector<std::string> dangling = HABMBlockCheck::run(*block).dangling;
