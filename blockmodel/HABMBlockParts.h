@@ -19,7 +19,7 @@
 #include "blockmodel/HABMPort.h"
 #include "blockmodel/HABMPortConnection.h"
 
-/// A merge moves new parts in where the old ones were.
+/// A merge moves them out, to have them back if it fails, and fills fresh ones in their place.
 struct HABMBlock::Parts {
     std::string moduleName;
     std::string moduleVlnv;

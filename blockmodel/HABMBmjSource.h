@@ -198,8 +198,8 @@ public:
         });
         return isSet;
     }
-    /// The value whose text stands there. Texts that only an unknown value would explain are
-    /// faults.
+    /// The value whose text stands there; for an empty text the value that an unknown one gets. Any
+    /// text but the one that is written for a value is a fault, be it unknown or a synonym.
     template <class Value>
     Value choice(std::string_view key, Value (*encode)(std::string), std::string (*decode)(Value)) {
         const std::string name = text(key);

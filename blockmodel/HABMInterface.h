@@ -75,9 +75,10 @@ public:
     /// The interfaces that lead to this one: the sources of the connections whose target it is, and
     /// so on from each of them. As an interface on the edge of a block is the target of a
     /// connection on one side and the source of one on the other, this walks up and down the
-    /// hierarchy. Nearest first, at the same distance by the age of the connections (which
-    /// starts anew in a copy and in a block that was read); each once,
-    /// never this one itself. What a path names and isn't there is passed over.
+    /// hierarchy. Nearest first; at the same distance in the order of those that they were reached
+    /// from, and from the same one by the age of the connections, which starts anew in a copy, in
+    /// what is merged in and in a block that was read. Each once, never this one itself. What a
+    /// path names and isn't there is passed over.
     [[nodiscard]] std::vector<HABMInterface*> getSourceInterfaces();
     /// The interfaces that this one leads to, in the same manner.
     [[nodiscard]] std::vector<HABMInterface*> getTargetInterfaces();
