@@ -74,7 +74,8 @@ public:
     /// one step, once the new content is on the disk, so that a crash or a full disk leaves the old
     /// one whole; without it a file that is already there is left alone. False, with what stood
     /// there unchanged, if it can't be written, if something other than a file stands there, if it
-    /// would be larger than `readTopBlock` takes (4 GiB) or if the memory doesn't suffice.
+    /// would be larger than `readTopBlock` takes (4 GiB), a single text a sixth of that, or if the
+    /// memory doesn't suffice.
     static bool writeTopBlock(const HUTFile& file, const HABMBlock& block, const bool& flag);
     /// Deep copy. Of a sub-block it makes a top block, with the paths as `removeSubBlock` has them.
     [[nodiscard]] static std::unique_ptr<HABMBlock> cloneTopBlock(const HABMBlock& block);

@@ -34,8 +34,8 @@ constexpr std::uint64_t kMostBytes = 0xFFFFFFFF;
 
 /// Gives the text to the sink in pieces, of which only one is in memory at a time: mostly of 64
 /// KiB, and as large as a single text with its escapes where that is more. Lists of objects take a
-/// pointer for each besides. False, with part of it given, if the sink took a piece no more or the
-/// text has more than `kMostBytes`.
+/// pointer for each besides. False, with part of it given, if the sink took a piece no more, if
+/// the whole has more than `kMostBytes` or if a single text has more than a sixth of that.
 [[nodiscard]] bool write(const HABMBlock& top, const Sink& sink);
 
 /// Raises `Fault` for a text that isn't a whole block of this version, and `std::bad_alloc`. The

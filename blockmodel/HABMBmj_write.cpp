@@ -20,6 +20,10 @@ const HABMAddrAperture kEmptyAperture{""};
 /// Pieces that stay in the cache between making and writing them.
 constexpr std::size_t kPieceBytes = std::size_t{1} << 16;
 
+/// RapidJSON makes room for a text as if all its bytes needed an escape of six, and reckons the
+/// room, with the quotes, in 32 bits. A longer text would overrun it.
+constexpr std::size_t kMostTextBytes = (0xFFFFFFFF - 2) / 6;
+
 class BlockWriter {
 public:
     explicit BlockWriter(const Sink& sink) : m_sink(sink) {}
@@ -47,7 +51,7 @@ private:
 
     void key(std::string_view name) { string(name); }
     void string(std::string_view text) {
-        m_isTaken = m_isTaken && text.size() <= kMostBytes;
+        m_isTaken = m_isTaken && text.size() <= kMostTextBytes;
         m_writer.String(text.data(), m_isTaken ? static_cast<rapidjson::SizeType>(text.size()) : 0);
     }
     static std::string textOf(const HABMAddrValue& value) {
