@@ -39,7 +39,9 @@ public:
 
     [[nodiscard]] std::span<const Entry> all() const { return m_entries; }
     [[nodiscard]] float largest() const {
-        return m_entries.empty() ? kNoSaving : m_entries.front().saving;
+        if (m_entries.empty())
+            return kNoSaving;
+        return m_entries.front().saving;
     }
     /// The largest of these multipliers; `kNoSaving` and 0 if none is here.
     [[nodiscard]] Entry largestAmong(const MultiplierMask& allowed) const {
