@@ -47,9 +47,12 @@ void HBSTableNotes::end() {
         return;
     const auto parts = [](const HBSDroppedRow& row) { return std::tie(row.line, row.reason); };
     for (HBSTableReport& report : *m_report) {
-        std::ranges::sort(report.dropped, {}, parts);
-        const auto repeated = std::ranges::unique(report.dropped, {}, parts).begin();
-        report.dropped.erase(repeated, report.dropped.end());
+        std::vector<HBSDroppedRow>& rows = report.dropped;
+        std::sort(rows.begin(), rows.end(),
+                  [&](const auto& a, const auto& b) { return parts(a) < parts(b); });
+        rows.erase(std::unique(rows.begin(), rows.end(),
+                               [&](const auto& a, const auto& b) { return parts(a) == parts(b); }),
+                   rows.end());
     }
 }
 
