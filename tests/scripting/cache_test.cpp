@@ -136,9 +136,9 @@ TYPED_TEST(Cache, EveryObjectOfADeadSequenceIsToldAndLeavesBothTables) {
 
 TYPED_TEST(Cache, ADeathAsksOnceAndNothingWhereNoScriptTouchedTheType) {
     (void)TestFixture::Wrappers::toScript();
+    this->wrapper.reset(); // the first one gets to know the tables
     EXPECT_EQ(1, this->askedByDeath(0));
     EXPECT_EQ(1, this->askedByDeath(1));
-    EXPECT_EQ(1, this->askedByDeath(1)) << "the tables are known by now";
     this->exiting = true;
     EXPECT_FALSE(TestFixture::Wrappers::observed()) << "brings the flag down";
     EXPECT_EQ(0, this->askedByDeath(0));
