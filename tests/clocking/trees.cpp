@@ -2,35 +2,17 @@
 
 #include <array>
 #include <limits>
-#include <random>
 #include <sstream>
 
 #include "clocking/HBSClockingAlgo1Pll.h"
 #include "clocking/HBSClockingAlgo2Pll.h"
+#include "clocking/dice.h"
 
 namespace trees {
 
 using namespace hbs_clocking;
 
 namespace {
-
-/// Distributions differ between standard libraries, so only the engine's bare numbers are used.
-class Dice {
-public:
-    explicit Dice(unsigned seed) : m_engine(seed) {}
-    unsigned below(unsigned count) { return static_cast<unsigned>(m_engine() % count); }
-    bool oneIn(unsigned count) { return below(count) == 0; }
-    float between(float low, float high) {
-        return low + (high - low) * static_cast<float>(below(1U << 20U)) / 1048576.0F;
-    }
-    template <std::size_t N>
-    float pick(const std::array<float, N>& values) {
-        return values[below(N)];
-    }
-
-private:
-    std::mt19937 m_engine;
-};
 
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr std::array kReferences = {33.333F, 10.0F, 24.0F, 25.0F, 50.0F, 66.667F, 100.0F, 200.0F};

@@ -2,34 +2,17 @@
 
 #include <array>
 #include <cmath>
-#include <random>
 
 #include "clocking/HBSClockingAlgo4Pll.h"
 #include "clocking/HBSClockingAlgo6Pll.h"
+#include "clocking/dice.h"
 
 namespace trees46 {
 
 using namespace hbs_clocking;
+using trees::Dice;
 
 namespace {
-
-/// Distributions differ between standard libraries, so only the engine's bare numbers are used.
-class Dice {
-public:
-    explicit Dice(unsigned seed) : m_engine(seed) {}
-    unsigned below(unsigned count) { return static_cast<unsigned>(m_engine() % count); }
-    bool oneIn(unsigned count) { return below(count) == 0; }
-    float between(float low, float high) {
-        return low + (high - low) * static_cast<float>(below(1U << 20U)) / 1048576.0F;
-    }
-    template <std::size_t N>
-    float pick(const std::array<float, N>& values) {
-        return values[below(N)];
-    }
-
-private:
-    std::mt19937 m_engine;
-};
 
 constexpr std::array kReferences = {33.333F, 10.0F, 24.0F,  27.0F, 38.4F,
                                     60.0F,   80.0F, 125.0F, 200.0F};
