@@ -1,0 +1,244 @@
+#include "base/JsonDocument.h"
+
+#include <algorithm>
+#include <charconv>
+#include <clocale>
+#include <cstdlib>
+#include <functional>
+#include <new>
+#include <string>
+#include <system_error>
+
+namespace {
+
+using Document = rapidjson::GenericDocument<rapidjson::UTF8<>, JsonPool, JsonAllocator>;
+using Stream = rapidjson::MemoryStream;
+
+template <class Integer>
+bool fits(std::string_view text, Integer& value) {
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    return error == std::errc{} && stop == end;
+}
+
+/// Not `std::from_chars`, which gives no value for what a double can't hold. `text` ends in a zero.
+double toDouble(const char* text) {
+    static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
+    return strtod_l(text, nullptr, classic);
+}
+
+/// Where tokens start in a text. The iterative parser is at a bracket when it reports it, but just
+/// behind any other token, so the start of those is found by looking back.
+class TokenStarts {
+public:
+    TokenStarts(std::string_view text, const Stream& stream, bool isKept)
+        : m_text(text), m_stream(stream), m_isKept(isKept) {}
+
+    [[nodiscard]] const std::vector<std::uint32_t>& offsets() const { return m_offsets; }
+
+    void addBefore(std::size_t bytes) {
+        if (m_isKept)
+            m_offsets.push_back(static_cast<std::uint32_t>(m_stream.Tell() - bytes));
+    }
+    /// Inside a string every quote is escaped, so the first unescaped one before the end opens it.
+    void addString() {
+        if (!m_isKept)
+            return;
+        std::size_t quote = m_stream.Tell() - 1;
+        do
+            quote = m_text.rfind('"', quote - 1);
+        while (isEscaped(quote));
+        m_offsets.push_back(static_cast<std::uint32_t>(quote));
+    }
+
+private:
+    [[nodiscard]] bool isEscaped(std::size_t position) const {
+        std::size_t backslashes = 0;
+        while (backslashes < position && m_text[position - 1 - backslashes] == '\\')
+            ++backslashes;
+        return backslashes % 2 == 1;
+    }
+
+    std::string_view m_text;
+    const Stream& m_stream;
+    bool m_isKept;
+    std::vector<std::uint32_t> m_offsets; ///< of values and names, in the order of the text
+};
+
+/// Passes the reader's events to the document, counts the levels and reads the numbers.
+class Guard {
+public:
+    Guard(Document& document, TokenStarts& starts, std::size_t mostLevels)
+        : m_document(document), m_starts(starts), m_mostLevels(mostLevels) {}
+
+    bool Null() {
+        m_starts.addBefore(4);
+        return m_document.Null();
+    }
+    bool Bool(bool value) {
+        m_starts.addBefore(value ? 4 : 5);
+        return m_document.Bool(value);
+    }
+    // Numbers come as text (kParseNumbersAsStringsFlag), so these are never called.
+    bool Int(int) { return false; }
+    bool Uint(unsigned) { return false; }
+    bool Int64(std::int64_t) { return false; }
+    bool Uint64(std::uint64_t) { return false; }
+    bool Double(double) { return false; }
+    bool RawNumber(const char* text, rapidjson::SizeType length, bool) {
+        m_starts.addBefore(length);
+        const std::string_view number(text, length);
+        std::int64_t negative = 0;
+        std::uint64_t positive = 0;
+        if (fits(number, positive))
+            return m_document.Uint64(positive);
+        if (fits(number, negative))
+            return m_document.Int64(negative);
+        return m_document.Double(toDouble(text));
+    }
+    bool String(const char* text, rapidjson::SizeType length, bool copy) {
+        m_starts.addString();
+        return m_document.String(text, length, copy);
+    }
+    bool Key(const char* text, rapidjson::SizeType length, bool copy) {
+        m_starts.addString();
+        return m_document.Key(text, length, copy);
+    }
+    bool StartObject() { return enter() && m_document.StartObject(); }
+    bool EndObject(rapidjson::SizeType count) { return leave() && m_document.EndObject(count); }
+    bool StartArray() { return enter() && m_document.StartArray(); }
+    bool EndArray(rapidjson::SizeType count) { return leave() && m_document.EndArray(count); }
+
+private:
+    bool enter() {
+        m_starts.addBefore(0);
+        return ++m_levels <= m_mostLevels;
+    }
+    bool leave() {
+        --m_levels;
+        return true;
+    }
+
+    Document& m_document;
+    TokenStarts& m_starts;
+    std::size_t m_mostLevels;
+    std::size_t m_levels = 0;
+};
+
+template <unsigned kMoreFlags>
+rapidjson::ParseResult parse(Stream& stream, Guard& guard) {
+    constexpr unsigned kFlags = rapidjson::kParseDefaultFlags | rapidjson::kParseIterativeFlag |
+                                rapidjson::kParseNumbersAsStringsFlag | kMoreFlags;
+    rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator> reader;
+    return reader.Parse<kFlags>(stream, guard);
+}
+
+/// Calls `visit` for each value and each name below a value, in the order of the text. As deep as
+/// the document has levels.
+template <class Visit>
+void forEachInOrder(const JsonValue& value, Visit& visit) {
+    visit(value);
+    if (value.IsArray())
+        for (const JsonValue& element : value.GetArray())
+            forEachInOrder(element, visit);
+    if (value.IsObject())
+        for (const auto& member : value.GetObject()) {
+            visit(member.name);
+            forEachInOrder(member.value, visit);
+        }
+}
+
+/// The end of the number or string that starts at `from`, a quote, a "-" or a digit.
+std::size_t endOfToken(std::string_view text, std::size_t from) {
+    if (text[from] != '"')
+        return std::min(text.find_first_not_of("+-.0123456789Ee", from), text.size());
+    std::size_t end = from + 1;
+    while (end < text.size() && text[end] != '"')
+        end += text[end] == '\\' ? 2U : 1U;
+    return std::min(end + 1, text.size());
+}
+
+} // namespace
+
+std::string withoutExponentsOfZeros(std::string text, std::size_t from) {
+    constexpr const char* kTokenStarts = "\"-0123456789";
+    while ((from = text.find_first_of(kTokenStarts, from)) != std::string::npos) {
+        const std::size_t end = endOfToken(text, from);
+        const std::size_t exponent = text.find_first_not_of("-.0", from);
+        if (exponent < end && (text[exponent] == 'e' || text[exponent] == 'E'))
+            std::replace_if(
+                text.begin() + static_cast<std::ptrdiff_t>(exponent),
+                text.begin() + static_cast<std::ptrdiff_t>(end),
+                [](char c) { return c >= '1' && c <= '9'; }, '0');
+        from = end;
+    }
+    return text;
+}
+
+void* JsonAllocator::Malloc(std::size_t size) {
+    return Realloc(nullptr, 0, size);
+}
+
+void* JsonAllocator::Realloc(void* memory, std::size_t, std::size_t newSize) {
+    if (newSize == 0) {
+        Free(memory);
+        return nullptr;
+    }
+    void* grown = std::realloc(memory, newSize);
+    if (grown == nullptr)
+        throw std::bad_alloc();
+    return grown;
+}
+
+void JsonAllocator::Free(void* memory) {
+    std::free(memory);
+}
+
+JsonDocument::JsonDocument(rapidjson::Type type) : GenericDocument(type) {}
+
+JsonDocument& JsonDocument::Parse(std::string_view text, const Options& options) {
+    m_places.clear();
+    if (text.size() > kMostBytes) {
+        m_result.Set(rapidjson::kParseErrorUnspecificSyntaxError, kMostBytes);
+        return *this;
+    }
+    Stream stream(text.data(), text.size());
+    TokenStarts starts(text, stream, options.keepsPlaces);
+    auto read = [&](Document& document) {
+        Guard guard(document, starts, options.mostLevels);
+        m_result = options.validatesEncoding
+                       ? parse<rapidjson::kParseValidateEncodingFlag>(stream, guard)
+                       : parse<rapidjson::kParseNoFlags>(stream, guard);
+        // The reader takes a NUL byte for the end.
+        if (!m_result.IsError() && stream.Tell() != text.size())
+            m_result.Set(rapidjson::kParseErrorDocumentRootNotSingular, stream.Tell());
+        return !m_result.IsError();
+    };
+    Populate(read);
+    if (m_result.Code() == rapidjson::kParseErrorNumberTooBig) {
+        const std::string cleared = withoutExponentsOfZeros(std::string(text), m_result.Offset());
+        if (cleared != text)
+            return Parse(cleared, options);
+    }
+    if (options.keepsPlaces && !m_result.IsError())
+        assignPlaces(starts.offsets());
+    return *this;
+}
+
+void JsonDocument::assignPlaces(const std::vector<std::uint32_t>& offsets) {
+    m_places.reserve(offsets.size());
+    auto add = [&](const JsonValue& value) {
+        m_places.emplace_back(&value, offsets[m_places.size()]);
+    };
+    forEachInOrder(*this, add);
+    std::sort(m_places.begin(), m_places.end(),
+              [](const Place& a, const Place& b) { return std::less<>()(a.first, b.first); });
+}
+
+std::size_t JsonDocument::offsetOf(const JsonValue& value) const {
+    const auto place = std::lower_bound(m_places.begin(), m_places.end(), &value,
+                                        [](const Place& candidate, const JsonValue* asked) {
+                                            return std::less<>()(candidate.first, asked);
+                                        });
+    return place == m_places.end() || place->first != &value ? 0 : place->second;
+}

@@ -1,0 +1,79 @@
+// JSON documents read from files that anyone may have written: no text harms the process.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "base/RapidJson.h"
+
+/// Raises `std::bad_alloc` where RapidJSON's own allocator gives a null pointer that RapidJSON then
+/// writes through.
+class JsonAllocator {
+public:
+    static const bool kNeedFree = true;
+
+    void* Malloc(std::size_t size);
+    void* Realloc(void* memory, std::size_t oldSize, std::size_t newSize);
+    static void Free(void* memory);
+};
+
+using JsonPool = rapidjson::MemoryPoolAllocator<JsonAllocator>;
+using JsonValue = rapidjson::GenericValue<rapidjson::UTF8<>, JsonPool>;
+
+/// A RapidJSON document with the memory pool's default chunks, read as with the default flags:
+///
+///     JsonDocument document;
+///     document.Parse(text);
+///     if (document.HasParseError())
+///         complain(HCRapidJsonReadWriteUtils::GetErrorMsgFromDocument(document));
+///
+/// Five things differ from a plain document. A NUL byte doesn't end the text: behind the root
+/// value only white space may follow. Values nested deeper than `kMostLevels` are a parse error
+/// (`kParseErrorTermination`), as a plain parse would run out of stack. Numbers with a fraction or
+/// an exponent are read with the C library's conversion, as RapidJSON's own arithmetic overflows on
+/// extreme exponents; what is too small for a double becomes zero. A zero may have any exponent.
+/// Exhausted memory raises `std::bad_alloc`.
+class JsonDocument : public rapidjson::GenericDocument<rapidjson::UTF8<>, JsonPool, JsonAllocator> {
+public:
+    static constexpr std::size_t kMostLevels = 1000;
+    /// RapidJSON counts the bytes of a text in 32 bits. A longer text is a parse error.
+    static constexpr std::size_t kMostBytes = 0xFFFFFFFF;
+
+    struct Options {
+        std::size_t mostLevels = kMostLevels; ///< at most `kMostLevels`
+        bool validatesEncoding = false;       ///< text that isn't UTF-8 is then a parse error
+        bool keepsPlaces = false;             ///< for `offsetOf`
+    };
+
+    explicit JsonDocument(rapidjson::Type type = rapidjson::kNullType);
+
+    /// Reads the whole text, which isn't needed afterwards. On a parse error the value stays as it
+    /// was.
+    JsonDocument& Parse(std::string_view text, const Options& options);
+    JsonDocument& Parse(std::string_view text) { return Parse(text, Options()); }
+
+    [[nodiscard]] bool HasParseError() const { return m_result.IsError(); }
+    [[nodiscard]] rapidjson::ParseErrorCode GetParseError() const { return m_result.Code(); }
+    [[nodiscard]] std::size_t GetErrorOffset() const { return m_result.Offset(); }
+
+    /// The byte of the text at which a value or the name of a member starts. `value` is one of this
+    /// document's own, which was parsed with `keepsPlaces` and not changed since; for any other the
+    /// result is 0.
+    [[nodiscard]] std::size_t offsetOf(const JsonValue& value) const;
+
+private:
+    using Place = std::pair<const JsonValue*, std::uint32_t>;
+
+    void assignPlaces(const std::vector<std::uint32_t>& offsets);
+
+    rapidjson::ParseResult m_result;
+    std::vector<Place> m_places; ///< ordered by address
+};
+
+/// The text with the exponents of all zeros cleared, from a place outside any string on. RapidJSON
+/// refuses a large exponent without a look at the digits before it.
+[[nodiscard]] std::string withoutExponentsOfZeros(std::string text, std::size_t from);

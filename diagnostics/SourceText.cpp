@@ -1,0 +1,72 @@
+#include "diagnostics/SourceText.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tq {
+
+namespace {
+
+/// A line is shown up to this length; a file of one endless line must not be copied per finding.
+constexpr std::size_t kMostShown = 160;
+/// What is kept before the column of a line that is cut.
+constexpr std::size_t kShownBefore = 60;
+
+[[nodiscard]] bool continuesCharacter(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
+}
+
+/// Moves forward to the start of a UTF-8 character, at most over the three bytes that can continue
+/// one.
+[[nodiscard]] std::size_t characterStart(std::string_view text, std::size_t offset) {
+    for (int i = 0; i < 3 && offset < text.size() && continuesCharacter(text[offset]); ++i)
+        ++offset;
+    return offset;
+}
+
+void showLine(Place& place, std::string_view line) {
+    if (!line.empty() && line.back() == '\r')
+        line.remove_suffix(1);
+    const std::size_t at = std::min(place.column == 0 ? 0 : place.column - 1, line.size());
+    const std::size_t from = line.size() <= kMostShown || at <= kShownBefore
+                                 ? 0
+                                 : characterStart(line, at - kShownBefore);
+    const std::size_t to = characterStart(line, std::min(line.size(), from + kMostShown));
+    place.lineTextOffset = from;
+    place.lineText = line.substr(from, to - from);
+}
+
+} // namespace
+
+SourceText::SourceText(std::string file, std::string_view content)
+    : m_file(std::move(file)), m_content(content) {}
+
+void SourceText::findLines() const {
+    m_lineStarts.push_back(0);
+    for (std::size_t end = m_content.find('\n'); end != std::string_view::npos;
+         end = m_content.find('\n', end + 1))
+        m_lineStarts.push_back(end + 1);
+}
+
+Place SourceText::placeOf(std::size_t offset) const {
+    if (m_lineStarts.empty())
+        findLines();
+    offset = std::min(offset, m_content.size());
+    const auto next = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), offset);
+    const std::size_t start = *(next - 1);
+    const std::size_t end = next == m_lineStarts.end() ? m_content.size() : *next - 1;
+    return placeInLine(m_file, static_cast<std::size_t>(next - m_lineStarts.begin()),
+                       offset - start + 1, m_content.substr(start, end - start));
+}
+
+Place placeInLine(std::string file, std::size_t line, std::size_t column,
+                  std::string_view lineText) {
+    Place place;
+    place.file = std::move(file);
+    place.line = line;
+    place.column = column;
+    showLine(place, lineText);
+    return place;
+}
+
+} // namespace tq
