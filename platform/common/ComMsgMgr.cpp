@@ -34,7 +34,7 @@ std::string_view sentenceOf(std::string_view id) {
 }
 
 /// Puts the arguments in place of %s, %d and %f, in order. A place without an argument, and any
-/// other text, stands as it is.
+/// other text, is kept.
 std::string filled(std::string_view sentence, const std::vector<std::string>& arguments) {
     std::string text;
     std::size_t next = 0;

@@ -60,7 +60,8 @@ private:
     static std::string toText(std::string_view text) { return std::string(text); }
     static std::string toText(double value);
     static std::string toText(float value) { return toText(static_cast<double>(value)); }
-    template <class Integer>
-    requires std::is_integral_v<Integer>
-    static std::string toText(Integer value) { return std::to_string(value); }
+    template <class Integer, std::enable_if_t<std::is_integral_v<Integer>, int> = 0>
+    static std::string toText(Integer value) {
+        return std::to_string(value);
+    }
 };

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "rapidjson_headers.h"
+#include "base/JsonAccess.h"
 #include "tq_export.h"
 
 /// All static. Keys and texts are copied with the document's allocator.
@@ -29,14 +29,8 @@ public:
     /// string, or if `object` isn't an object.
     template <class Value>
     [[nodiscard]] static std::string GetStringProperty(const Value& object, std::string_view key) {
-        if (!object.IsObject())
-            return {};
-        for (const auto& member : object.GetObject())
-            if (std::string_view(member.name.GetString(), member.name.GetStringLength()) == key)
-                return member.value.IsString()
-                           ? std::string(member.value.GetString(), member.value.GetStringLength())
-                           : std::string();
-        return {};
+        const auto* member = base::findMember(object, key);
+        return member == nullptr ? std::string() : std::string(base::textOf(*member));
     }
 
     /// What is wrong with the text that `document` was parsed from, and at which byte of it.

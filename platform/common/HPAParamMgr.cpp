@@ -8,16 +8,13 @@
 #include <utility>
 
 #include "HEXError.h"
+#include "base/Text.h"
 
 namespace {
 
 constexpr unsigned kMostDefaultThreads = 8;
 
-char lowered(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-std::optional<bool> readBool(std::string text) {
+std::optional<bool> readBool(const std::string& text) {
     static constexpr std::array<std::pair<std::string_view, bool>, 8> kWords{{{"true", true},
                                                                               {"false", false},
                                                                               {"1", true},
@@ -26,9 +23,9 @@ std::optional<bool> readBool(std::string text) {
                                                                               {"no", false},
                                                                               {"on", true},
                                                                               {"off", false}}};
-    std::transform(text.begin(), text.end(), text.begin(), lowered);
+    const std::string asked = base::lowered(text);
     for (const auto& [word, value] : kWords)
-        if (text == word)
+        if (asked == word)
             return value;
     return std::nullopt;
 }
@@ -65,7 +62,9 @@ HPAParamMgr::HPAParamMgr() {
     const unsigned threads =
         std::clamp(std::thread::hardware_concurrency(), 1U, kMostDefaultThreads);
     m_defaults["general.maxThreads"] = std::to_string(threads);
+    m_defaults["general.maxInputMiB"] = "256";
     m_defaults["project.NoTimeStamp"] = "false";
+    m_defaults["vorn.addressingTclTimeLimitMs"] = "60000";
     m_defaults["vorn.writeAddressingJson"] = "false";
 }
 

@@ -13,7 +13,9 @@
 /// integers are decimal, with an optional sign, and must fit an `int`.
 ///
 /// Parameters that exist without having been set: "general.maxThreads", the smaller of the
-/// machine's threads and 8; "project.NoTimeStamp" and "vorn.writeAddressingJson", false.
+/// machine's threads and 8; "general.maxInputMiB", 256, the most that a reader takes from one
+/// file; "project.NoTimeStamp" and "vorn.writeAddressingJson", false;
+/// "vorn.addressingTclTimeLimitMs", 60000: what the scripts of one subsystem instance may take.
 class TQ_EXPORT HPAParamMgr {
 public:
     static HPAParamMgr* getParamMgr();
@@ -22,7 +24,7 @@ public:
     HPAParamMgr& operator=(const HPAParamMgr&) = delete;
 
     void setValue(const std::string& name, const std::string& text);
-    /// Forgets what was set, so that a default stands again. An unknown name is no error.
+    /// Forgets what was set, so that the default applies again. An unknown name is no error.
     void unsetValue(const std::string& name);
 
     /// Raises `HEXError` for a parameter that doesn't exist or isn't a boolean.

@@ -6,7 +6,7 @@
 
 #include "tq_export.h"
 
-/// Only the letters a to z are changed or matched without regard to case; other bytes stand for
+/// Only the letters a to z are changed or matched without regard to case; other bytes are
 /// themselves.
 class TQ_EXPORT HSTStringUtils {
 public:

@@ -1,18 +1,22 @@
 #include "HUTEnv.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
-#include <sstream>
+#include <new>
+#include <string_view>
 #include <system_error>
 
 #include "HUTFile.h"
 
 std::string HUTEnv::getOBLDataDir(const std::string& relative) {
-    const char* list = std::getenv("TQ_DATA_PATH");
-    std::istringstream directories(list != nullptr ? list : "");
-    for (std::string directory; std::getline(directories, directory, ':');) {
+    const char* const list = std::getenv("TQ_DATA_PATH");
+    std::string_view rest = list != nullptr ? list : "";
+    while (!rest.empty()) {
+        std::string directory(rest.substr(0, rest.find(':')));
+        rest.remove_prefix(std::min(directory.size() + 1, rest.size()));
         std::string path = directory;
         path.append(HUTFile::getDirSeparator()).append(relative);
         if (!directory.empty() && HUTFile(path).exists())
@@ -24,6 +28,8 @@ std::string HUTEnv::getOBLDataDir(const std::string& relative) {
 std::string HUTEnv::getPWD() {
     std::error_code error;
     const std::filesystem::path path = std::filesystem::current_path(error);
+    if (error == std::errc::not_enough_memory)
+        throw std::bad_alloc();
     return error ? "." : path.string();
 }
 

@@ -5,7 +5,7 @@
 
 #include "tq_export.h"
 
-/// Asks anew at each call. Data directories stand in the environment variable TQ_DATA_PATH,
+/// Asks anew at each call. Data directories come from the environment variable TQ_DATA_PATH,
 /// separated by ":"; empty ones are skipped.
 class TQ_EXPORT HUTEnv {
 public:
@@ -15,7 +15,7 @@ public:
     /// The absolute working directory; "." where it is gone.
     static std::string getPWD();
 
-    /// The local time as "2026-11-22 18:05:09", whatever the locale is.
+    /// The local time as "2026-11-22 18:05:09", in every locale.
     static void getTimeStamp(std::string& stamp);
 
     /// The version of the tool, such as "1.0.0".

@@ -1,4 +1,4 @@
-// Paths of files and folders: what stands there, its full name, the entries of a folder.
+// Paths of files and folders: their kinds, full names, the entries of a folder.
 #pragma once
 
 #include <string>

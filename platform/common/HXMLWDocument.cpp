@@ -18,7 +18,7 @@ constexpr bool isDigitLike(int byte) {
     return (byte >= '0' && byte <= '9') || byte == '-' || byte == '.';
 }
 
-/// Where a byte may stand as it is. A table, as every byte of a document is looked at.
+/// Where a byte needs no escape. A table, as every byte of a document is looked at.
 struct ByteUse {
     bool name = false;
     bool value = false; ///< ASCII, if need be as a character reference
@@ -112,19 +112,23 @@ const std::string& HXMLWDocument::fitName(std::string_view name) {
     return fitted;
 }
 
-const char* HXMLWDocument::fitValue(const char* value, std::size_t length) {
-    if (std::all_of(value, value + length, isPlain))
-        return value;
-    m_value.clear();
-    for (std::string_view rest(value, length); !rest.empty();) {
+void HXMLWDocument::appendFitted(std::string& fitted, std::string_view value) {
+    for (std::string_view rest = value; !rest.empty();) {
         const Character character =
             isPlain(rest.front()) ? Character{1, true} : wideCharacter(rest);
         const std::size_t bytes = std::max<std::size_t>(character.bytes, 1);
         if (character.allowed)
-            m_value.append(rest.substr(0, bytes));
+            fitted.append(rest.substr(0, bytes));
         else
-            m_value += kReplacement;
+            fitted += kReplacement;
         rest.remove_prefix(bytes);
     }
+}
+
+const char* HXMLWDocument::fitValue(const char* value, std::size_t length) {
+    if (std::all_of(value, value + length, isPlain))
+        return value;
+    m_value.clear();
+    appendFitted(m_value, {value, length});
     return m_value.c_str();
 }

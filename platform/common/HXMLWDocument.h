@@ -11,7 +11,7 @@
 
 #include "HXMLWElement.h"
 
-/// Owns the nodes and the elements that stand for them; an element is never moved. Shared pointers
+/// Owns the nodes and the elements that refer to them; an element is never moved. Shared pointers
 /// to elements share the ownership of the document.
 class HXMLWDocument : public std::enable_shared_from_this<HXMLWDocument> {
 public:
@@ -26,7 +26,9 @@ public:
     /// The name with what doesn't belong into one replaced; lives until the next call. The few
     /// names of a document come up again and again, so those met last are kept.
     const std::string& fitName(std::string_view name);
-    /// The value, with what XML can't hold replaced; lives until the next call. `value` ends in a
+    /// Appends the value, with what XML can't hold replaced.
+    static void appendFitted(std::string& fitted, std::string_view value);
+    /// The value fitted likewise; lives until the next call. `value` ends in a
     /// zero behind its `length` bytes.
     const char* fitValue(const char* value, std::size_t length);
 

@@ -23,7 +23,7 @@ struct xml_node_struct;
 ///     root->addChild("PART")->addProperty("@NAME=left");
 ///     HXMLWInterface::writeToFile(root, "plan.xml"); // <PLAN><PART NAME="left"/></PLAN>
 ///
-/// Attributes stand in the order in which they were added. One added a second time takes the later
+/// Attributes keep the order in which they were added. One added a second time takes the later
 /// value and keeps its first place.
 ///
 /// Names and values are UTF-8. Whatever they hold, the file is well-formed: in a value each
@@ -32,12 +32,12 @@ struct xml_node_struct;
 /// name is "_". Null texts count as empty. `std::bad_alloc` is raised when memory ends.
 class TQ_EXPORT HXMLWElement {
 public:
-    /// Adds an attribute; `name` comes without "@", `value` is taken as it stands.
+    /// Adds an attribute; `name` comes without "@", `value` is taken unchanged.
     virtual void addAttribute(const char* name, const char* value);
     /// Appends a child and gives it; the tree owns it. Null for an empty name.
     virtual HXMLWElement* addChild(const char* name);
     /// The text form "@KEY=value" or "@KEY = value": adds the attribute KEY. The first "=" divides;
-    /// when it stands between blanks, one on each side is dropped, and all other blanks belong to
+    /// when there are blanks around it, one on each side is dropped, and all other blanks belong to
     /// the value. The "@" may be missing. A text without "=" is a key with an empty value.
     virtual void addProperty(const std::string& text);
     /// The element's name, never null. Lives as long as the element.

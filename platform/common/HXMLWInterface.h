@@ -16,11 +16,10 @@ public:
     /// Writes the element with all below it as an XML document in UTF-8: a declaration, then one
     /// line for each element, indented by tabs.
     ///
-    /// The file is written whole or not at all: the text goes to a new file in the same folder,
-    /// which takes the place of `path` at the end. A link is followed, and the access rights of a
-    /// file that stood there are kept.
+    /// The file is replaced in one step, once the whole text is on the disk. A link is followed,
+    /// and the access rights of the old file are kept.
     /// Raises `HEXError` with the path and the cause for a null root, a folder that is missing or
-    /// closed, a full disk, and for a path at which something other than a regular file stands;
-    /// what stood there before then stays.
+    /// closed, a full disk, and for a path that leads to something other than a regular file. The
+    /// old file then stays as it was.
     static void writeToFile(std::shared_ptr<HXMLWElement> root, std::string path);
 };

@@ -27,7 +27,7 @@ public:
         std::function<void(const char*)> error;
     };
 
-    /// Puts the callbacks in place and gives back those that stood before.
+    /// Puts the callbacks in place and gives back the previous ones.
     static Runtime setRuntime(Runtime runtime);
 
     /// True once the Tcl side is shutting down.

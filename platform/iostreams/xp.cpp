@@ -1,9 +1,10 @@
 #include "xp.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
-#include <fstream>
 
 namespace isl::iostreams::xp {
 
@@ -11,9 +12,14 @@ bool is_encrypted(const char* path) {
     struct stat status {};
     if (path == nullptr || stat(path, &status) != 0 || !S_ISREG(status.st_mode))
         return false;
-    std::ifstream stream(path, std::ios::binary);
+    // No stream: it would need memory, without which a protected file would look like a plain one.
+    const int file = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0)
+        return false;
     std::array<char, 2> magic{};
-    return stream.read(magic.data(), magic.size()) && magic[0] == '\x1f' && magic[1] == '\x8b';
+    const ssize_t got = pread(file, magic.data(), magic.size(), 0);
+    close(file);
+    return got == 2 && magic[0] == '\x1f' && magic[1] == '\x8b';
 }
 
 } // namespace isl::iostreams::xp

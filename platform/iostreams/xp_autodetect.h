@@ -18,7 +18,7 @@ namespace isl::iostreams {
 ///
 /// Bytes are never translated. The stream is bad at once where the file can't be opened or isn't a
 /// regular file. A protected file that is cut short or damaged turns the stream bad when the damage
-/// is reached, at the latest at its end (its checksum stands there): what was read is good only if
+/// is reached, at the latest at its end (its checksum is there): what was read is good only if
 /// the stream isn't bad after the end was seen.
 class TQ_EXPORT xp_autodetect {
 public:
