@@ -24,7 +24,10 @@ public:
 
     /// Order by start, then by size.
     bool operator<(const HABMAddrAperture& other) const;
-    bool operator==(const HABMAddrAperture& other) const = default;
+    bool operator==(const HABMAddrAperture& other) const {
+        return m_start == other.m_start && m_size == other.m_size;
+    }
+    bool operator!=(const HABMAddrAperture& other) const { return !(*this == other); }
 
 private:
     HABMAddrValue m_start;

@@ -1,12 +1,25 @@
 #include "blockmodel/HABMAddrApertureUtils.h"
 
+#include <cstdint>
 #include <optional>
 
 namespace {
 
-/// The first address behind an aperture; invalid if there is none.
+/// The first address behind an aperture. Invalid for one that ends at the highest address of all,
+/// which therefore counts as ending last.
 HABMAddrValue endOf(const HABMAddrAperture& aperture) {
     return aperture.getStart().plus(aperture.getSize());
+}
+
+bool endsBefore(const HABMAddrAperture& aperture, const HABMAddrValue& address) {
+    const HABMAddrValue end = endOf(aperture);
+    return end.isValid() && (!address.isValid() || end < address);
+}
+
+/// From the start of the first to the end of the second. Its size is invalid if no value holds it.
+HABMAddrAperture span(const HABMAddrAperture& first, const HABMAddrAperture& second) {
+    const HABMAddrValue last = second.getHighAddress().minus(first.getStart());
+    return {first.getStart(), last.plus(HABMAddrValue(std::uint64_t{1}))};
 }
 
 } // namespace
@@ -17,17 +30,21 @@ HABMAddrApertureUtils::compress(const std::set<HABMAddrAperture>& apertures, con
     std::set<HABMAddrAperture> joined;
     std::optional<HABMAddrAperture> open;
     for (const HABMAddrAperture& next : apertures) {
-        const HABMAddrValue end = endOf(next);
-        if (!end.isValid()) {
+        if (!next.getHighAddress().isValid()) {
             joined.insert(next);
-        } else if (open && !(endOf(*open) < next.getStart())) {
-            if (endOf(*open) < end)
-                open = HABMAddrAperture(open->getStart(), end.minus(open->getStart()));
-        } else {
-            if (open)
-                joined.insert(*open);
-            open = next;
+            continue;
         }
+        if (open && !endsBefore(*open, next.getStart())) {
+            if (!endsBefore(*open, endOf(next)))
+                continue;
+            if (const HABMAddrAperture both = span(*open, next); both.getSize().isValid()) {
+                open = both;
+                continue;
+            }
+        }
+        if (open)
+            joined.insert(*open);
+        open = next;
     }
     if (open)
         joined.insert(*open);

@@ -10,9 +10,10 @@ class TQ_EXPORT HABMAddrApertureUtils {
 public:
     HABMAddrApertureUtils() = delete;
 
-    /// The set with touching or overlapping apertures joined. An empty aperture disappears in one
-    /// that holds or touches its start, and stays otherwise; one without a last address stays as
-    /// it is. The flags are there for the callers' sake and change nothing.
+    /// The set with touching or overlapping apertures joined. An empty aperture is dropped if
+    /// another one holds or touches its start, and kept otherwise. One without a last address is
+    /// kept unchanged; two whose joined size would be 2^127, which no value holds, stay apart. The
+    /// flags have no effect.
     static std::set<HABMAddrAperture> compress(const std::set<HABMAddrAperture>& apertures,
                                                const bool&, const bool&);
 };

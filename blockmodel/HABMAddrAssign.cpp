@@ -1,7 +1,5 @@
 #include "blockmodel/HABMAddrAssign.h"
 
-#include <cstdint>
-
 #include "blockmodel/HABMAddrBlock.h"
 #include "blockmodel/HABMAddrSegment.h"
 #include "blockmodel/HABMAddrSpace.h"
@@ -20,9 +18,6 @@ constexpr HABMEnumTexts<HABMAddrAssign::AssignType, 3> kAssignTexts{{
 
 } // namespace
 
-HABMAddrAssign::HABMAddrAssign(HABMBlock* parent, const std::string& name)
-    : m_parent(parent), m_name(name), m_offset(std::uint64_t{0}), m_range(std::uint64_t{0}) {}
-
 HABMAddrAssign::AssignType HABMAddrAssign::encodeAssignType(std::string text) {
     return encodeEnum(kAssignTexts, text, Normal);
 }
@@ -32,36 +27,28 @@ std::string HABMAddrAssign::decodeAssignType(AssignType type) {
 }
 
 HABMAddrBlock* HABMAddrAssign::getSourceAddrBlock() const {
-    const habm::SplitPath split = habm::splitOff(m_sourcePath, 2);
-    const HABMBlock* const block = habm::blockAt(m_parent->getTopBlock(), split.block);
-    const HABMMemoryMap* const map =
-        block == nullptr ? nullptr : block->getMemoryMap(std::string(split.names[0]));
-    return map == nullptr ? nullptr : map->getAddrBlock(std::string(split.names[1]));
+    return habm::addrBlockAt(m_parent->getTopBlock(), m_fields.sourcePath);
 }
 
 HABMAddrSegment* HABMAddrAssign::getTargetAddrSegment() const {
-    const habm::SplitPath split = habm::splitOff(m_targetPath, 2);
-    const HABMBlock* const block = habm::blockAt(m_parent->getTopBlock(), split.block);
-    const HABMAddrSpace* const space =
-        block == nullptr ? nullptr : block->getAddrSpace(std::string(split.names[0]));
-    return space == nullptr ? nullptr : space->getAddrSegment(std::string(split.names[1]));
+    return habm::addrSegmentAt(m_parent->getTopBlock(), m_fields.targetPath);
 }
 
 void HABMAddrAssign::setSourceAddrBlock(const HABMAddrBlock* block) {
     const bool isHere = block != nullptr &&
                         block->getParent()->getParent()->getTopBlock() == m_parent->getTopBlock();
-    m_sourcePath = isHere ? block->getPath() : "";
+    m_fields.sourcePath = isHere ? block->getPath() : "";
 }
 
 void HABMAddrAssign::setTargetAddrSegment(const HABMAddrSegment* segment) {
     const bool isHere = segment != nullptr &&
                         segment->getParent()->getParent()->getTopBlock() == m_parent->getTopBlock();
-    m_targetPath = isHere ? segment->getPath() : "";
+    m_fields.targetPath = isHere ? segment->getPath() : "";
 }
 
 void HABMAddrAssign::moveEnds(const std::string& before, const std::string& after) {
-    habm::move(m_sourcePath, before, after);
-    habm::move(m_targetPath, before, after);
+    habm::move(m_fields.sourcePath, before, after);
+    habm::move(m_fields.targetPath, before, after);
 }
 
 std::vector<HABMAddrAssign*>
@@ -73,7 +60,7 @@ HABMAddrAssign::filterByAddrSpace(const std::vector<HABMAddrAssign*>& assigns,
     // Comparing texts first spares the look-up for all that belong elsewhere.
     const std::string below = space->getPath() + "/";
     for (HABMAddrAssign* const assign : assigns) {
-        if (!assign->m_targetPath.starts_with(below))
+        if (!assign->m_fields.targetPath.starts_with(below))
             continue;
         const HABMAddrSegment* const segment = assign->getTargetAddrSegment();
         if (segment != nullptr && segment->getParent() == space)

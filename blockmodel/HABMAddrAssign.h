@@ -1,6 +1,7 @@
 // An address assign: says that an address block appears as a segment of an address space.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -29,14 +30,14 @@ public:
     /// Texts: "normal", "excluded", "internal"; any other is read as the first.
     [[nodiscard]] static AssignType encodeAssignType(std::string text);
     [[nodiscard]] static std::string decodeAssignType(AssignType type);
-    [[nodiscard]] AssignType getAssignType() const { return m_assignType; }
-    void setAssignType(const AssignType& type) { m_assignType = type; }
+    [[nodiscard]] AssignType getAssignType() const { return m_fields.type; }
+    void setAssignType(const AssignType& type) { m_fields.type = type; }
 
     /// Where the address block starts in the address space, and its size there, in bytes.
-    [[nodiscard]] HABMAddrValue getOffset() const { return m_offset; }
-    void setOffset(const HABMAddrValue& offset) { m_offset = offset; }
-    [[nodiscard]] HABMAddrValue getRange() const { return m_range; }
-    void setRange(const HABMAddrValue& range) { m_range = range; }
+    [[nodiscard]] HABMAddrValue getOffset() const { return m_fields.offset; }
+    void setOffset(const HABMAddrValue& offset) { m_fields.offset = offset; }
+    [[nodiscard]] HABMAddrValue getRange() const { return m_fields.range; }
+    void setRange(const HABMAddrValue& range) { m_fields.range = range; }
 
     /// The two ends; null if never set or gone.
     [[nodiscard]] HABMAddrBlock* getSourceAddrBlock() const;
@@ -45,11 +46,11 @@ public:
     void setSourceAddrBlock(const HABMAddrBlock* block);
     void setTargetAddrSegment(const HABMAddrSegment* segment);
 
-    /// The paths of the ends from the top block, whether something stands there or not.
-    [[nodiscard]] const std::string& getSourcePath() const { return m_sourcePath; }
-    [[nodiscard]] const std::string& getTargetPath() const { return m_targetPath; }
-    void setSourcePath(const std::string& path) { m_sourcePath = path; }
-    void setTargetPath(const std::string& path) { m_targetPath = path; }
+    /// The paths of the ends from the top block, resolved or not.
+    [[nodiscard]] const std::string& getSourcePath() const { return m_fields.sourcePath; }
+    [[nodiscard]] const std::string& getTargetPath() const { return m_fields.targetPath; }
+    void setSourcePath(const std::string& path) { m_fields.sourcePath = path; }
+    void setTargetPath(const std::string& path) { m_fields.targetPath = path; }
 
     /// The assigns whose target is a segment of this address space, in their order.
     [[nodiscard]] static std::vector<HABMAddrAssign*>
@@ -57,15 +58,19 @@ public:
 
 private:
     friend class HABMBlock;
-    friend class HABMObjectMaker;
-    HABMAddrAssign(HABMBlock* parent, const std::string& name);
+    friend class HABMObjectAccess;
+    struct Fields {
+        AssignType type = Normal;
+        HABMAddrValue offset{std::uint64_t{0}};
+        HABMAddrValue range{std::uint64_t{0}};
+        std::string sourcePath;
+        std::string targetPath;
+    };
+
+    HABMAddrAssign(HABMBlock* parent, const std::string& name) : m_parent(parent), m_name(name) {}
     void moveEnds(const std::string& before, const std::string& after);
 
     HABMBlock* const m_parent;
     const std::string m_name;
-    AssignType m_assignType = Normal;
-    HABMAddrValue m_offset;
-    HABMAddrValue m_range;
-    std::string m_sourcePath;
-    std::string m_targetPath;
+    Fields m_fields;
 };

@@ -1,6 +1,7 @@
 #include "blockmodel/HABMAddrBlock.h"
 
 #include "blockmodel/HABMBlock.h"
+#include "blockmodel/HABMChildren.h"
 #include "blockmodel/HABMEnumText.h"
 #include "blockmodel/HABMMemoryMap.h"
 #include "blockmodel/HABMPathText.h"
@@ -15,9 +16,6 @@ constexpr HABMEnumTexts<HABMAddrBlock::MemoryType, 3> kMemoryTexts{{
 
 } // namespace
 
-HABMAddrBlock::HABMAddrBlock(HABMMemoryMap* parent, const std::string& name)
-    : m_parent(parent), m_name(name), m_aperture("") {}
-
 std::string HABMAddrBlock::getPath() const {
     return m_parent->getPath() + "/" + m_name;
 }
@@ -31,12 +29,18 @@ std::string HABMAddrBlock::decodeMemoryType(MemoryType type) {
 }
 
 HABMRegister* HABMAddrBlock::createRegister(const std::string& name) {
-    HABMRegister* const fresh = habm::isName(name) ? m_registers.create(name, this, name) : nullptr;
+    HABMRegister* const fresh =
+        habm::isName(name) ? HABMObjectAccess::childrenOf(*this).registers.create(name, this, name)
+                           : nullptr;
     if (fresh != nullptr)
         m_parent->getParent()->noteRegister(*fresh);
     return fresh;
 }
 
 HABMRegister* HABMAddrBlock::getRegister(const std::string& name) const {
-    return m_registers.find(name);
+    return HABMObjectAccess::childrenOf(*this).registers.find(name);
+}
+
+std::vector<HABMRegister*> HABMAddrBlock::getRegisters() const {
+    return HABMObjectAccess::childrenOf(*this).registers.all();
 }

@@ -6,11 +6,10 @@
 
 #include "blockmodel/HABMAddrAperture.h"
 #include "blockmodel/HABMAddrValue.h"
-#include "blockmodel/HABMNamedStore.h"
-#include "blockmodel/HABMRegister.h"
 #include "tq_export.h"
 
 class HABMMemoryMap;
+class HABMRegister;
 
 /// Made by `HABMMemoryMap::createAddrBlock`, owned by its map. A fresh one holds registers and has
 /// an empty aperture at 0.
@@ -28,31 +27,36 @@ public:
     [[nodiscard]] const HABMMemoryMap* getParent() const { return m_parent; }
 
     /// Start in the memory map, and size in bytes.
-    [[nodiscard]] const HABMAddrAperture& getAperture() const { return m_aperture; }
-    void setAperture(const HABMAddrAperture& aperture) { m_aperture = aperture; }
-    [[nodiscard]] HABMAddrValue getOffset() const { return m_aperture.getStart(); }
-    [[nodiscard]] HABMAddrValue getRange() const { return m_aperture.getSize(); }
+    [[nodiscard]] const HABMAddrAperture& getAperture() const { return m_fields.aperture; }
+    void setAperture(const HABMAddrAperture& aperture) { m_fields.aperture = aperture; }
+    [[nodiscard]] HABMAddrValue getOffset() const { return m_fields.aperture.getStart(); }
+    [[nodiscard]] HABMAddrValue getRange() const { return m_fields.aperture.getSize(); }
 
     /// Texts: "register", "memory", "reserved"; any other is read as the first.
     [[nodiscard]] static MemoryType encodeMemoryType(std::string text);
     [[nodiscard]] static std::string decodeMemoryType(MemoryType type);
-    [[nodiscard]] MemoryType getMemoryType() const { return m_memoryType; }
-    void setMemoryType(const MemoryType& type) { m_memoryType = type; }
+    [[nodiscard]] MemoryType getMemoryType() const { return m_fields.memoryType; }
+    void setMemoryType(const MemoryType& type) { m_fields.memoryType = type; }
 
     /// A new register. Null if the name is empty, holds a "/" or is taken in this address block.
     HABMRegister* createRegister(const std::string& name);
     /// The register of that name, or null.
     [[nodiscard]] HABMRegister* getRegister(const std::string& name) const;
     /// The registers in creation order.
-    [[nodiscard]] std::vector<HABMRegister*> getRegisters() const { return m_registers.all(); }
+    [[nodiscard]] std::vector<HABMRegister*> getRegisters() const;
 
 private:
-    friend class HABMObjectMaker;
-    HABMAddrBlock(HABMMemoryMap* parent, const std::string& name);
+    friend class HABMObjectAccess;
+    struct Fields {
+        MemoryType memoryType = MemoryType::Register;
+        HABMAddrAperture aperture{""};
+    };
+    struct Children;
+
+    HABMAddrBlock(HABMMemoryMap* parent, const std::string& name)
+        : m_parent(parent), m_name(name) {}
 
     HABMMemoryMap* const m_parent;
     const std::string m_name;
-    HABMAddrAperture m_aperture;
-    MemoryType m_memoryType = MemoryType::Register;
-    HABMNamedStore<HABMRegister> m_registers;
+    Fields m_fields;
 };

@@ -13,9 +13,6 @@ constexpr HABMEnumTexts<HABMAddrSegment::MemoryType, 3> kMemoryTexts{{
 
 } // namespace
 
-HABMAddrSegment::HABMAddrSegment(HABMAddrSpace* parent, const std::string& name)
-    : m_parent(parent), m_name(name), m_aperture("") {}
-
 std::string HABMAddrSegment::getPath() const {
     return m_parent->getPath() + "/" + m_name;
 }

@@ -25,23 +25,28 @@ public:
     [[nodiscard]] const HABMAddrSpace* getParent() const { return m_parent; }
 
     /// Start in the address space, and size in bytes.
-    [[nodiscard]] const HABMAddrAperture& getAperture() const { return m_aperture; }
-    void setAperture(const HABMAddrAperture& aperture) { m_aperture = aperture; }
-    [[nodiscard]] HABMAddrValue getOffset() const { return m_aperture.getStart(); }
-    [[nodiscard]] HABMAddrValue getRange() const { return m_aperture.getSize(); }
+    [[nodiscard]] const HABMAddrAperture& getAperture() const { return m_fields.aperture; }
+    void setAperture(const HABMAddrAperture& aperture) { m_fields.aperture = aperture; }
+    [[nodiscard]] HABMAddrValue getOffset() const { return m_fields.aperture.getStart(); }
+    [[nodiscard]] HABMAddrValue getRange() const { return m_fields.aperture.getSize(); }
 
     /// Texts: "data", "instruction", "both"; any other is read as the last.
     [[nodiscard]] static MemoryType encodeMemoryType(std::string text);
     [[nodiscard]] static std::string decodeMemoryType(MemoryType type);
-    [[nodiscard]] MemoryType getMemoryType() const { return m_memoryType; }
-    void setMemoryType(const MemoryType& type) { m_memoryType = type; }
+    [[nodiscard]] MemoryType getMemoryType() const { return m_fields.memoryType; }
+    void setMemoryType(const MemoryType& type) { m_fields.memoryType = type; }
 
 private:
-    friend class HABMObjectMaker;
-    HABMAddrSegment(HABMAddrSpace* parent, const std::string& name);
+    friend class HABMObjectAccess;
+    struct Fields {
+        MemoryType memoryType = MemoryType::Both;
+        HABMAddrAperture aperture{""};
+    };
+
+    HABMAddrSegment(HABMAddrSpace* parent, const std::string& name)
+        : m_parent(parent), m_name(name) {}
 
     HABMAddrSpace* const m_parent;
     const std::string m_name;
-    HABMAddrAperture m_aperture;
-    MemoryType m_memoryType = MemoryType::Both;
+    Fields m_fields;
 };

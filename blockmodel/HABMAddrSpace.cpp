@@ -1,21 +1,23 @@
 #include "blockmodel/HABMAddrSpace.h"
 
-#include <cstdint>
-
 #include "blockmodel/HABMBlock.h"
+#include "blockmodel/HABMChildren.h"
 #include "blockmodel/HABMPathText.h"
-
-HABMAddrSpace::HABMAddrSpace(HABMBlock* parent, const std::string& name)
-    : m_parent(parent), m_name(name), m_range(std::uint64_t{0}) {}
 
 std::string HABMAddrSpace::getPath() const {
     return m_parent->getInstancePath() + "/" + m_name;
 }
 
 HABMAddrSegment* HABMAddrSpace::createAddrSegment(const std::string& name) {
-    return habm::isName(name) ? m_segments.create(name, this, name) : nullptr;
+    return habm::isName(name)
+               ? HABMObjectAccess::childrenOf(*this).segments.create(name, this, name)
+               : nullptr;
 }
 
 HABMAddrSegment* HABMAddrSpace::getAddrSegment(const std::string& name) const {
-    return m_segments.find(name);
+    return HABMObjectAccess::childrenOf(*this).segments.find(name);
+}
+
+std::vector<HABMAddrSegment*> HABMAddrSpace::getAddrSegments() const {
+    return HABMObjectAccess::childrenOf(*this).segments.all();
 }

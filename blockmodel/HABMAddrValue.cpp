@@ -21,7 +21,7 @@ bool hasHexPrefix(std::string_view text) {
     return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
 }
 
-/// Takes a unit off the end of a decimal text and gives the bits that it stands for.
+/// Removes a unit from the end of a decimal text and returns its binary logarithm, 0 for none.
 unsigned takeUnit(std::string_view& text) {
     if (text.empty())
         return 0;
@@ -52,8 +52,8 @@ std::string hexDigits(std::uint64_t number, std::size_t leastDigits) {
 
 } // namespace
 
-/// The way between the two halves and the wide integer that calculates. Its arithmetic raises when
-/// a result doesn't fit, which `calculated` turns into an invalid value.
+/// Converts between the two halves and a wide integer for the arithmetic. The integer throws when a
+/// result doesn't fit, which `calculate` turns into an invalid value.
 struct HABMAddrValue::Wide {
     using Integer = boost::multiprecision::checked_uint128_t;
 
@@ -72,7 +72,7 @@ struct HABMAddrValue::Wide {
     }
 
     template <class Calculation>
-    static HABMAddrValue calculated(Calculation&& calculation) {
+    static HABMAddrValue calculate(Calculation&& calculation) {
         try {
             return value(calculation());
         } catch (const std::runtime_error&) { // too large, or below zero
@@ -80,13 +80,13 @@ struct HABMAddrValue::Wide {
         }
     }
 
-    /// A number that 64 bits don't hold. More digits than the widest number has mean zeros in
-    /// front or too much; the zeros go first, so that the length bounds the work.
-    static HABMAddrValue parsed(std::string_view digits, bool hexadecimal, unsigned shift) {
+    /// Reads a number of more than 64 bits. Leading zeros are removed first, so that the number of
+    /// digits bounds the work: the conversion of a long text is quadratic.
+    static HABMAddrValue parse(std::string_view digits, bool hexadecimal, unsigned shift) {
         digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
         if (digits.size() > (hexadecimal ? 32U : 39U))
             return {};
-        return calculated([&] {
+        return calculate([&] {
             const std::string text = (hexadecimal ? "0x" : "") + std::string(digits);
             return Integer(Integer(digits.empty() ? "0" : text) * (Integer(1) << shift));
         });
@@ -100,27 +100,27 @@ HABMAddrValue::HABMAddrValue(const std::string& text) {
         digits.remove_prefix(2);
     const unsigned shift = hexadecimal ? 0 : takeUnit(digits);
 
-    // Nearly every number is of 64 bits.
+    // The usual case, without the wide integer.
     const char* const end = digits.data() + digits.size();
     std::uint64_t number = 0;
     const auto result = std::from_chars(digits.data(), end, number, hexadecimal ? 16 : 10);
     if (result.ec == std::errc() && result.ptr == end && shift == 0)
         *this = HABMAddrValue(number);
     else
-        *this = isAllDigits(digits, hexadecimal) ? Wide::parsed(digits, hexadecimal, shift)
+        *this = isAllDigits(digits, hexadecimal) ? Wide::parse(digits, hexadecimal, shift)
                                                  : HABMAddrValue();
 }
 
 HABMAddrValue HABMAddrValue::plus(const HABMAddrValue& other) const {
     if (!isValid() || !other.isValid())
         return {};
-    return Wide::calculated([&] { return Wide::Integer(Wide::of(*this) + Wide::of(other)); });
+    return Wide::calculate([&] { return Wide::Integer(Wide::of(*this) + Wide::of(other)); });
 }
 
 HABMAddrValue HABMAddrValue::minus(const HABMAddrValue& other) const {
     if (!isValid() || !other.isValid())
         return {};
-    return Wide::calculated([&] { return Wide::Integer(Wide::of(*this) - Wide::of(other)); });
+    return Wide::calculate([&] { return Wide::Integer(Wide::of(*this) - Wide::of(other)); });
 }
 
 HABMAddrValue HABMAddrValue::roundUpPow2() const {

@@ -1,5 +1,4 @@
-// An address or a data value of a device: a number of up to 127 bits, or the knowledge that there
-// is none.
+// An address or a data value of a device: a number of up to 127 bits, or none.
 #pragma once
 
 #include <cstdint>
@@ -8,9 +7,9 @@
 #include "tq_export.h"
 
 /// A value type of 16 bytes, as a design holds millions. A 64-bit device needs 64 bits and the
-/// power of two above them; there is ample room for that. A value is either valid, and then holds a
-/// number, or invalid; a fresh value is invalid. Nothing here throws for its input: what can't be
-/// read or doesn't fit is invalid.
+/// power of two above them. A value is either valid, and then holds a number, or invalid; a fresh
+/// value is invalid. No operation throws for its input: a text that can't be read and a result that
+/// doesn't fit are invalid.
 ///
 ///     HABMAddrValue size("64K");
 ///     size.getHexStringValue(0);  // "0x10000"
@@ -23,17 +22,21 @@ public:
     /// Reads a text: "0x" or "0X" and hexadecimal digits of either case, or decimal digits, which
     /// one of the letters K, M, G and T (of either case) may follow for a multiple of 2^10, 2^20,
     /// 2^30 or 2^40. Anything else is invalid: an empty text, a sign, a blank, a digit group mark,
-    /// a number beyond 127 bits. E is no unit, lest a forgotten "0x" make "1e" a size.
+    /// a number beyond 127 bits. E is no unit, so that a forgotten "0x"
+    /// doesn't turn "1e" into a size.
     HABMAddrValue(const std::string& text);
     constexpr explicit HABMAddrValue(std::uint64_t number) : m_high(kValid), m_low(number) {}
 
     [[nodiscard]] bool isValid() const { return m_high != 0; }
 
-    /// Numeric order; an invalid value stands below every valid one and equals any invalid one.
+    /// Numeric order; an invalid value is less than every valid one and equals any invalid one.
     bool operator<(const HABMAddrValue& other) const {
         return m_high != other.m_high ? m_high < other.m_high : m_low < other.m_low;
     }
-    bool operator==(const HABMAddrValue& other) const = default;
+    bool operator==(const HABMAddrValue& other) const {
+        return m_high == other.m_high && m_low == other.m_low;
+    }
+    bool operator!=(const HABMAddrValue& other) const { return !(*this == other); }
 
     /// The sum and the difference; invalid if an operand is, or if the result is beyond 127 bits
     /// or below zero.
@@ -58,7 +61,7 @@ public:
 private:
     struct Wide;
 
-    /// The top bit, so that the valid compare above the invalid, whose bits are all 0.
+    /// The top bit, so that valid values compare greater than invalid ones, whose bits are all 0.
     static constexpr std::uint64_t kValid = std::uint64_t{1} << 63;
 
     [[nodiscard]] std::uint64_t highHalf() const { return m_high & ~kValid; }

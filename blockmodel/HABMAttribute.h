@@ -9,7 +9,8 @@
 /// Made by `HABMBlock::setAttribute`, owned by its block.
 class TQ_EXPORT HABMAttribute {
 public:
-    explicit HABMAttribute(std::string name) : m_name(std::move(name)) {}
+    HABMAttribute(std::string name, std::string value)
+        : m_name(std::move(name)), m_value(std::move(value)) {}
     HABMAttribute(const HABMAttribute&) = delete;
     HABMAttribute& operator=(const HABMAttribute&) = delete;
 

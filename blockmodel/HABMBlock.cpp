@@ -10,13 +10,16 @@ namespace {
 
 /// Sets the value of a parameter or an attribute.
 template <class Entry>
-Entry* valueSet(HABMNamedStore<Entry>& store, const std::string& name, const std::string& value,
+Entry* setValue(HABMNamedStore<Entry>& store, const std::string& name, const std::string& value,
                 bool replaces) {
-    std::string kept = value; // first, as an entry mustn't stay without its value
-    Entry* const entry = name.empty() ? nullptr : store.createOrFind(name, replaces, name);
-    if (entry != nullptr)
-        entry->setValue(std::move(kept));
-    return entry;
+    if (name.empty())
+        return nullptr;
+    Entry* const fresh = store.create(name, name, value);
+    if (fresh != nullptr || !replaces)
+        return fresh;
+    Entry* const known = store.find(name);
+    known->setValue(value);
+    return known;
 }
 
 } // namespace
@@ -107,6 +110,15 @@ void HABMBlock::setBlockStub(const bool& isStub) {
     m_parts->isStub = isStub;
 }
 
+bool HABMBlock::isRecursive() const {
+    const std::string& vlnv = getModuleVlnv();
+    for (const HABMBlock* block = m_parent; block != nullptr && !vlnv.empty();
+         block = block->m_parent)
+        if (block->getModuleVlnv() == vlnv)
+            return true;
+    return false;
+}
+
 HABMBlock* HABMBlock::createSubBlock(const std::string& instance, const std::string& module,
                                      const bool& flag) {
     if (!habm::isName(instance) || level() >= kMostLevels)
@@ -127,9 +139,8 @@ std::unique_ptr<HABMBlock> HABMBlock::removeSubBlock(const std::string& instance
     if (leaving == nullptr)
         return nullptr;
     const std::string before = leaving->getInstancePath();
-    // The last that may fail was the path: from here on nothing needs memory but the index, which
-    // can do without.
-    HABMConnectionIndex::change(*this,
+    // From here on nothing fails: only the update of the index allocates, and it handles failure.
+    HABMConnectionIndex::update(*this,
                                 [&](HABMConnectionIndex& index) { index.removeBelow(*leaving); });
     std::unique_ptr<HABMBlock> block = m_parts->subBlocks.take(instance);
     block->m_parent = nullptr;
@@ -168,7 +179,7 @@ bool HABMBlock::removeInterface(const std::string& name) {
 
 HABMParameter* HABMBlock::setParameter(const std::string& name, const std::string& value,
                                        const bool& flag) {
-    return valueSet(m_parts->parameters, name, value, flag);
+    return setValue(m_parts->parameters, name, value, flag);
 }
 
 std::vector<HABMGeneric*> HABMBlock::getGenerics() const {
@@ -178,7 +189,7 @@ std::vector<HABMGeneric*> HABMBlock::getGenerics() const {
 
 HABMAttribute* HABMBlock::setAttribute(const std::string& name, const std::string& value,
                                        const bool& flag) {
-    return valueSet(m_parts->attributes, name, value, flag);
+    return setValue(m_parts->attributes, name, value, flag);
 }
 
 HABMAttribute* HABMBlock::getAttribute(const std::string& name) const {

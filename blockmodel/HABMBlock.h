@@ -25,14 +25,14 @@ class HABMPortConnection;
 class HABMRegister;
 class HUTFile;
 
-/// A top block is held by its maker; every other object is owned by its parent, down the tree:
+/// A top block is held by its creator; every other object is owned by its parent, down the tree:
 ///
 /// - a block owns sub-blocks, ports, interfaces, port and interface connections, parameters,
 ///   attributes, memory maps, address spaces and address assigns;
 /// - a memory map owns address blocks, an address block registers, an address space segments, an
 ///   interface its port map.
 ///
-/// A pointer that an operation gives stays good until the object is removed or its top block is
+/// A pointer that an operation returns stays valid until the object is removed or its top block is
 /// destroyed. The vectors of `get…s` and `find…` are snapshots in a stable order, creation order
 /// within an owner, and stay usable for the objects that aren't removed meanwhile. Names are case
 /// sensitive; each kind of object has its own names within its owner. Looking up a name takes a
@@ -48,14 +48,15 @@ class HUTFile;
 ///     c->setTargetPath("/M_AXI");
 ///     HABMBlock::writeTopBlock(file, *top, true);
 ///
-/// Creating gives null where it refuses, asking for what isn't there null, removing it false; no
-/// operation throws for its input. The flag of a `create…` says what to do about a name that is
-/// taken: false refuses, true gives the object that has it. A tree is used by one thread at a time,
-/// also for reading alone: asking for connections or for a register by its bare name builds an
-/// index.
+/// A `create…` that refuses and a query that finds nothing return null, a `remove…` that finds
+/// nothing false; no operation throws for its input. When memory runs out, every operation either
+/// handles it as it says or throws `std::bad_alloc` and leaves the block unchanged. The flag of a
+/// `create…` says what to do about a name that is taken: false refuses, true returns the object
+/// that has it. A tree is used by one thread at a time, also for reading: a query for connections
+/// or for a register by its bare name builds an index.
 class TQ_EXPORT HABMBlock {
 public:
-    /// A tree has at most so many levels, its top block being the first.
+    /// Bound of the levels of a tree; the top block is on the first.
     static constexpr int kMostLevels = 512;
 
     ~HABMBlock();
@@ -66,16 +67,18 @@ public:
 
     /// New empty top block; `name` is its module name.
     [[nodiscard]] static std::unique_ptr<HABMBlock> createTopBlock(const std::string& name);
-    /// Reads a ".bmj" file. Empty if it can't: without a word if there is no such file, else with
-    /// the message "@92-1@%s%s" (file, reason). A file that is damaged, truncated, of a later
-    /// version, or that would make a tree that this model refuses, is not read in part.
+    /// Reads a ".bmj" file. Empty if it can't: without a message if there is no such file, else
+    /// with the message "@92-1@%s%s" (file, reason). A file that is damaged, truncated, of another
+    /// version or larger than the parameter "general.maxInputMiB" allows, or whose tree this model
+    /// refuses, isn't read in part. Where memory runs out the message is sent, and `std::bad_alloc`
+    /// raised.
     [[nodiscard]] static std::unique_ptr<HABMBlock> readTopBlock(const HUTFile& file);
     /// Writes a ".bmj" file. Equal blocks give equal bytes. With the flag the file is replaced in
     /// one step, once the new content is on the disk, so that a crash or a full disk leaves the old
-    /// one whole; without it a file that is already there is left alone. False, with what stood
-    /// there unchanged, if it can't be written, if something other than a file stands there, if it
-    /// would be larger than `readTopBlock` takes (4 GiB), a single text a sixth of that, or if the
-    /// memory doesn't suffice.
+    /// one whole; without it a file that is already there is left alone. False, with the old
+    /// file unchanged, if it can't be written, if the path is that of something else, if it
+    /// would be larger than `readTopBlock` can ever take (4 GiB), a single text a sixth of that, or
+    /// if the memory doesn't suffice. "general.maxInputMiB" doesn't bound what is written.
     static bool writeTopBlock(const HUTFile& file, const HABMBlock& block, const bool& flag);
     /// Deep copy. Of a sub-block it makes a top block, with the paths as `removeSubBlock` has them.
     [[nodiscard]] static std::unique_ptr<HABMBlock> cloneTopBlock(const HABMBlock& block);
@@ -83,10 +86,13 @@ public:
     /// address in memory, its instance name and its place, takes all else from `child` and is no
     /// stub any more. The paths of the child's connections and assigns begin at the sub-block then;
     /// if `child` is a sub-block of its tree, those that lead out of it stay as they are. Without
-    /// the flag only a stub is replaced. False, with nothing changed, if no sub-block stands there,
-    /// if `child` is of the same tree or if the tree would get too many levels.
+    /// the flag only a stub is replaced. False, with nothing changed, if the path isn't that of a
+    /// sub-block, if `child` is of the same tree or if the tree would get too many levels.
     static bool mergeTopBlock(HABMBlock& top, const std::string& path, const HABMBlock& child,
                               const bool& flag);
+    /// True if both have the same content: all that a file holds but the instance name, and in the
+    /// same order.
+    [[nodiscard]] bool hasSameContent(const HABMBlock& other) const;
 
     // --- The block itself ---
 
@@ -108,9 +114,14 @@ public:
     /// 0 unless set.
     [[nodiscard]] const HABMAddrValue& getBaseAddress() const;
     void setBaseAddress(const HABMAddrValue& address);
-    /// True if the block stands for a definition that is to be merged in.
+    /// True for a placeholder, into which a definition is to be merged.
     [[nodiscard]] bool isBlockStub() const;
     void setBlockStub(const bool& isStub);
+    /// The stubs among this block and all below it, in the order of the `find…` operations.
+    [[nodiscard]] std::vector<const HABMBlock*> findStubs() const;
+    /// True if a block around this one has the same module VLNV, so that the definition contains
+    /// itself; false for an empty VLNV.
+    [[nodiscard]] bool isRecursive() const;
 
     // --- Sub-blocks, ports, interfaces. No name may be empty or hold a "/". ---
 
@@ -120,9 +131,9 @@ public:
     [[nodiscard]] HABMBlock* getSubBlock(const std::string& instance) const;
     [[nodiscard]] std::vector<HABMBlock*> getSubBlocks() const;
     /// Takes the sub-block out as a top block; empty if there is none. Paths of its connections
-    /// and assigns that lead below it begin there. Those that lead out of it stay as they are, and
-    /// so lead nowhere, or to what has that path in the new tree; as do paths elsewhere in the
-    /// design that led into it.
+    /// and assigns that lead below it begin there. Those that lead out of it, and paths elsewhere
+    /// in the design that lead into it, are kept unchanged and are unresolved, unless their tree
+    /// has an object at that path.
     std::unique_ptr<HABMBlock> removeSubBlock(const std::string& instance);
 
     HABMPort* createPort(const std::string& name, const bool& flag);
@@ -134,7 +145,7 @@ public:
     [[nodiscard]] std::vector<HABMInterface*> getInterfaces() const;
     bool removeInterface(const std::string& name);
 
-    // --- Connections. For an empty name the model finds one of its own. ---
+    // --- Connections. For an empty name the model chooses one. ---
 
     HABMPortConnection* createPortConnection(const std::string& name, const bool& flag);
     [[nodiscard]] std::vector<HABMPortConnection*> getPortConnections() const;
@@ -146,8 +157,8 @@ public:
 
     // --- Parameters and attributes. A name mayn't be empty. ---
 
-    /// Sets a value, at the place of the one that is replaced. Without the flag nothing is
-    /// replaced; null then, if the name has a value.
+    /// Sets a value; a replaced one keeps its place in the order. Without the flag nothing is
+    /// replaced, and the result is null if the name has a value.
     HABMParameter* setParameter(const std::string& name, const std::string& value,
                                 const bool& flag);
     /// The parameters, in the order in which their names were first set.
@@ -173,9 +184,9 @@ public:
     [[nodiscard]] std::vector<HABMAddrAssign*> getAddrAssigns() const;
 
     // --- Finding. With the flag in this block and all below it, else in this block alone: a
-    // block's own objects first, then those of its sub-blocks in their order. The pattern is held
-    // against the objects' paths from the top block; "*" stands for any characters, "/" too, and
-    // "?" for one. An empty pattern finds all. ---
+    // block's own objects first, then those of its sub-blocks in their order. The pattern is
+    // matched with the objects' paths from the top block; "*" matches any characters, "/" too, and
+    // "?" one. An empty pattern finds all. ---
 
     [[nodiscard]] std::vector<HABMMemoryMap*> findMemoryMaps(const std::string& pattern,
                                                              const bool& flag) const;
@@ -191,34 +202,35 @@ public:
                                                            const bool& flag) const;
 
     /// A register by its path from this block, "map/block/register" or "sub/…/map/block/register",
-    /// as `HABMPath::get_relative_path` gives it, or by its path from the top block if it stands
-    /// at or below this block. With the flag also by its bare name: the first of this block's own
-    /// registers that bears it. Null if none.
+    /// as `HABMPath::get_relative_path` gives it, or by its path from the top block if it is
+    /// in or below this block. With the flag also by its bare name: the first of this block's own
+    /// registers of that name. Null if none.
     [[nodiscard]] HABMRegister* findRegister(const std::string& path, const bool& flag) const;
 
 private:
     friend class HABMAddrBlock;
     friend class HABMConnectionIndex;
     friend class HABMInterface;
-    friend class HABMObjectMaker;
+    friend class HABMObjectAccess;
     friend class HABMPort;
+    struct Fields;
+    struct Children;
     struct Parts;
 
     HABMBlock(HABMBlock* parent, const std::string& instance, const std::string& module);
     [[nodiscard]] int level() const;
     [[nodiscard]] int levelsBelow() const;
-    void copyContent(const HABMBlock& from);
     void movePaths(const std::string& before, const std::string& after);
-    /// Keeps what is known of the bare names of the registers true.
+    /// Updates the index of the registers by bare name.
     void noteRegister(HABMRegister& fresh) noexcept;
     [[nodiscard]] std::pair<std::size_t, std::size_t> rankOf(const HABMAddrBlock& block) const;
     [[nodiscard]] HABMRegister* registerByName(const std::string& name) const;
 
-    /// The index of the design's connections, made if it doesn't stand yet.
+    /// The index of the design's connections, built at the first call.
     [[nodiscard]] HABMConnectionIndex& connectionIndex();
-    /// The same, or null if it doesn't stand.
-    [[nodiscard]] HABMConnectionIndex* standingConnectionIndex() const;
-    void forgetConnectionIndex() const;
+    /// The same, or null if it isn't built.
+    [[nodiscard]] HABMConnectionIndex* existingConnectionIndex() const;
+    void discardConnectionIndex() const;
 
     HABMBlock* m_parent;
     std::string m_instanceName;

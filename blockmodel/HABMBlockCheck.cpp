@@ -150,7 +150,7 @@ private:
     }
 
     const HABMBlock& m_top;
-    std::string m_path; ///< of the object at which the check stands
+    std::string m_path; ///< of the object that is being checked
     HABMBlockFindings m_findings;
 };
 

@@ -1,4 +1,4 @@
-// Checks that a block hangs together: that every name, path and reference leads to its object.
+// Checks the consistency of a block: that every name, path and reference leads to its object.
 #pragma once
 
 #include <string>
@@ -8,14 +8,14 @@
 
 class HABMBlock;
 
-/// What a check has found, each as a line for a person that begins with the path of the object.
+/// The findings of a check, each a line of text that begins with the path of the object.
 struct TQ_EXPORT HABMBlockFindings {
     /// Faults of the model itself: an object that its name or path doesn't lead to, a wrong owner,
-    /// a connection that its ends don't know of. None is to be expected, ever.
+    /// a connection that its ends don't know of. Always empty for a block that was built through
+    /// this library's operations; anything else is a fault of the library or overwritten memory.
     std::vector<std::string> faults;
-    /// References, and ends of connections and assigns, where nothing stands, which the model
-    /// allows. Ends within a stub aren't among them, as what they lead to comes with its
-    /// definition.
+    /// Unresolved references and ends of connections and assigns, which the model allows. Ends
+    /// within a stub aren't listed, as their objects come with its definition.
     std::vector<std::string> dangling;
 };
 
@@ -23,6 +23,6 @@ class TQ_EXPORT HABMBlockCheck {
 public:
     HABMBlockCheck() = delete;
 
-    /// Walks the block and all below it; the time is linear to their objects.
+    /// Walks the block and all below it; the time is linear in the number of objects.
     [[nodiscard]] static HABMBlockFindings run(const HABMBlock& block);
 };

@@ -7,45 +7,58 @@
 #include <unordered_map>
 
 #include "blockmodel/HABMAddrAssign.h"
-#include "blockmodel/HABMAddrSpace.h"
 #include "blockmodel/HABMAttribute.h"
 #include "blockmodel/HABMBlock.h"
+#include "blockmodel/HABMChildren.h"
 #include "blockmodel/HABMConnectionIndex.h"
-#include "blockmodel/HABMInterface.h"
 #include "blockmodel/HABMInterfaceConnection.h"
-#include "blockmodel/HABMMemoryMap.h"
-#include "blockmodel/HABMNamedStore.h"
 #include "blockmodel/HABMParameter.h"
 #include "blockmodel/HABMPort.h"
 #include "blockmodel/HABMPortConnection.h"
 
-/// A merge moves them out, to have them back if it fails, and fills fresh ones in their place.
-struct HABMBlock::Parts {
+struct HABMBlock::Fields {
     std::string moduleName;
     std::string moduleVlnv;
     std::string enablement;
     HABMAddrValue baseAddress{0};
     bool isStub = false;
+};
 
-    HABMNamedStore<HABMBlock, HABMLooseObjects> subBlocks;
+struct HABMBlock::Children {
+    HABMNamedStore<HABMParameter> parameters;
+    HABMNamedStore<HABMAttribute> attributes;
     HABMNamedStore<HABMPort> ports;
+    HABMNamedStore<HABMMemoryMap> memoryMaps;
+    HABMNamedStore<HABMAddrSpace> addrSpaces;
     HABMNamedStore<HABMInterface, HABMLooseObjects> interfaces;
     HABMNamedStore<HABMPortConnection, HABMLooseObjects> portConnections;
     HABMNamedStore<HABMInterfaceConnection, HABMLooseObjects> interfaceConnections;
-    HABMNamedStore<HABMParameter> parameters;
-    HABMNamedStore<HABMAttribute> attributes;
-    HABMNamedStore<HABMMemoryMap> memoryMaps;
-    HABMNamedStore<HABMAddrSpace> addrSpaces;
     HABMNamedStore<HABMAddrAssign> addrAssigns;
+    HABMNamedStore<HABMBlock, HABMLooseObjects> subBlocks;
+};
 
-    /// Numbers for the names of connections that came without one.
+/// A merge moves them out, to restore them if it fails, and fills fresh ones in their place.
+struct HABMBlock::Parts : Fields, Children {
+    /// Numbers for the names of connections that are created without one.
     unsigned nextPortConnection = 1;
     unsigned nextInterfaceConnection = 1;
 
-    /// This block's own registers by bare name, the first of each; made when first asked for and
-    /// kept true from then on.
+    /// A cache: this block's own registers by bare name, the first of each. Built at the first
+    /// query and updated from then on.
     using RegistersByName = std::unordered_map<std::string_view, HABMRegister*>;
     std::unique_ptr<RegistersByName> registersByName;
-    /// Of a top block alone; made when first asked for.
+    /// Likewise; of a top block alone.
     std::unique_ptr<HABMConnectionIndex> connectionIndex;
 };
+
+inline auto HABMObjectAccess::fieldsOf(HABMBlock& block) -> HABMBlock::Fields& {
+    return *block.m_parts;
+}
+
+inline auto HABMObjectAccess::fieldsOf(const HABMBlock& block) -> const HABMBlock::Fields& {
+    return *block.m_parts;
+}
+
+inline auto HABMObjectAccess::childrenOf(const HABMBlock& block) -> const HABMBlock::Children& {
+    return *block.m_parts;
+}

@@ -15,32 +15,35 @@ std::string freeName(const Store& store, const char* stem, unsigned& next) {
     return name;
 }
 
-/// A connection of that name, or under a name of its own that begins with the stem.
+/// A new connection of that name; for an empty one, of the next free name with the stem.
 template <class Connection>
-Connection* connectionMade(HABMNamedStore<Connection, HABMLooseObjects>& store, HABMBlock* owner,
-                           const std::string& name, bool finds, const char* stem, unsigned& next) {
-    const std::string chosen = name.empty() ? freeName(store, stem, next) : name;
+Connection* createConnection(HABMNamedStore<Connection, HABMLooseObjects>& store, HABMBlock* owner,
+                             const std::string& name, bool finds, const char* stem,
+                             unsigned& next) {
+    unsigned following = next;
+    const std::string chosen = name.empty() ? freeName(store, stem, following) : name;
     Connection* const fresh = store.create(chosen, owner, chosen);
     if (fresh == nullptr)
         return finds ? store.find(chosen) : nullptr;
-    HABMConnectionIndex::change(*owner, [&](HABMConnectionIndex& index) { index.add(*fresh); });
+    next = following; // not before, so that a failed creation uses up no number
+    HABMConnectionIndex::update(*owner, [&](HABMConnectionIndex& index) { index.add(*fresh); });
     return fresh;
 }
 
 template <class Store>
-bool isConnectionRemoved(Store& store, const HABMBlock& owner, const std::string& name) {
+bool removeConnection(Store& store, const HABMBlock& owner, const std::string& name) {
     const auto removed = store.take(name);
     if (removed == nullptr)
         return false;
-    HABMConnectionIndex::change(owner, [&](HABMConnectionIndex& index) { index.remove(*removed); });
+    HABMConnectionIndex::update(owner, [&](HABMConnectionIndex& index) { index.remove(*removed); });
     return true;
 }
 
 } // namespace
 
 HABMPortConnection* HABMBlock::createPortConnection(const std::string& name, const bool& flag) {
-    return connectionMade(m_parts->portConnections, this, name, flag, "port_connection_",
-                          m_parts->nextPortConnection);
+    return createConnection(m_parts->portConnections, this, name, flag, "port_connection_",
+                            m_parts->nextPortConnection);
 }
 
 std::vector<HABMPortConnection*> HABMBlock::getPortConnections() const {
@@ -48,13 +51,13 @@ std::vector<HABMPortConnection*> HABMBlock::getPortConnections() const {
 }
 
 bool HABMBlock::removePortConnection(const std::string& name) {
-    return isConnectionRemoved(m_parts->portConnections, *this, name);
+    return removeConnection(m_parts->portConnections, *this, name);
 }
 
 HABMInterfaceConnection* HABMBlock::createInterfaceConnection(const std::string& name,
                                                               const bool& flag) {
-    return connectionMade(m_parts->interfaceConnections, this, name, flag, "interface_connection_",
-                          m_parts->nextInterfaceConnection);
+    return createConnection(m_parts->interfaceConnections, this, name, flag,
+                            "interface_connection_", m_parts->nextInterfaceConnection);
 }
 
 std::vector<HABMInterfaceConnection*> HABMBlock::getInterfaceConnections() const {
@@ -62,7 +65,7 @@ std::vector<HABMInterfaceConnection*> HABMBlock::getInterfaceConnections() const
 }
 
 bool HABMBlock::removeInterfaceConnection(const std::string& name) {
-    return isConnectionRemoved(m_parts->interfaceConnections, *this, name);
+    return removeConnection(m_parts->interfaceConnections, *this, name);
 }
 
 HABMConnectionIndex& HABMBlock::connectionIndex() {
@@ -72,10 +75,10 @@ HABMConnectionIndex& HABMBlock::connectionIndex() {
     return *top.m_parts->connectionIndex;
 }
 
-HABMConnectionIndex* HABMBlock::standingConnectionIndex() const {
+HABMConnectionIndex* HABMBlock::existingConnectionIndex() const {
     return getTopBlock()->m_parts->connectionIndex.get();
 }
 
-void HABMBlock::forgetConnectionIndex() const {
+void HABMBlock::discardConnectionIndex() const {
     getTopBlock()->m_parts->connectionIndex.reset();
 }

@@ -1,117 +1,73 @@
-// Copies of whole trees, and of a tree into another.
+// Copies of whole trees, and of a tree into another; comparing them.
 
+#include <algorithm>
 #include <exception>
+#include <type_traits>
 #include <utility>
 
 #include "blockmodel/HABMBlockParts.h"
 #include "blockmodel/HABMPathText.h"
+#include "blockmodel/HABMSchema.h"
 
 namespace {
 
-void copy(const HABMPort& from, HABMPort& to) {
-    to.setPortType(from.getPortType());
-    to.setPortDirection(from.getPortDirection());
-    to.setPortLeft(from.getPortLeft());
-    to.setPortRight(from.getPortRight());
+using Access = HABMObjectAccess;
+
+/// Copies the content of an object to a fresh one; names and paths stay as they are. The tree of
+/// the copy has no connection index meanwhile: it isn't told of the paths of connections.
+template <class Object>
+void copyContent(const Object& from, Object& to) {
+    Access::fieldsOf(to) = Access::fieldsOf(from);
+    const auto copyEach = [&](const auto& owned, const auto& children) {
+        children.forEach([&](const auto& child) {
+            if constexpr (habm::HasFields<std::remove_cvref_t<decltype(child)>>)
+                copyContent(child, *owned.create(to, habm::nameOf(child)));
+            else
+                owned.create(to, habm::nameOf(child), habm::valueOf(child));
+        });
+    };
+    habm::forEachStore(copyEach, from);
 }
 
-void copy(const HABMInterface& from, HABMInterface& to) {
-    to.setInterfaceVlnv(from.getInterfaceVlnv());
-    to.setInterfaceMode(from.getInterfaceMode());
-    to.setEnablement(from.getEnablement());
-    to.setMemoryMapRef(from.getMemoryMapRef());
-    to.setAddrSpaceRef(from.getAddrSpaceRef());
-    to.setApertures(from.getApertures(), false);
-    for (const HABMPortMap* const line : from.getPortMaps())
-        to.createPortMap(line->getLogicalPort(), line->getPhysicalPort());
+template <class Object>
+bool isSame(const Object& a, const Object& b);
+
+/// True for equal objects of equal names in the same order.
+template <class Store>
+bool areSame(const Store& a, const Store& b) {
+    const auto ofA = a.all();
+    const auto ofB = b.all();
+    return std::equal(ofA.begin(), ofA.end(), ofB.begin(), ofB.end(),
+                      [](const auto* x, const auto* y) {
+                          return habm::nameOf(*x) == habm::nameOf(*y) && isSame(*x, *y);
+                      });
 }
 
-void copy(const HABMPortConnection& from, HABMPortConnection& to) {
-    to.setConnectionType(from.getConnectionType());
-    to.setSourcePath(from.getSourcePath());
-    to.setTargetPaths(from.getTargetPaths());
-}
-
-void copy(const HABMInterfaceConnection& from, HABMInterfaceConnection& to) {
-    to.setConnectionType(from.getConnectionType());
-    to.setSourcePath(from.getSourcePath());
-    to.setTargetPath(from.getTargetPath());
-}
-
-void copy(const HABMRegister& from, HABMRegister& to) {
-    to.setOffset(from.getOffset());
-    to.setReset(from.getReset());
-    to.setWidth(from.getWidth());
-    to.setAccess(from.getAccess());
-    to.setValue(from.getGivenValue());
-}
-
-void copy(const HABMAddrBlock& from, HABMAddrBlock& to) {
-    to.setAperture(from.getAperture());
-    to.setMemoryType(from.getMemoryType());
-    for (const HABMRegister* const source : from.getRegisters())
-        copy(*source, *to.createRegister(source->getName()));
-}
-
-void copy(const HABMMemoryMap& from, HABMMemoryMap& to) {
-    to.setRange(from.getRange());
-    for (const HABMAddrBlock* const block : from.getAddrBlocks())
-        copy(*block, *to.createAddrBlock(block->getName()));
-}
-
-void copy(const HABMAddrSpace& from, HABMAddrSpace& to) {
-    to.setRange(from.getRange());
-    for (const HABMAddrSegment* const source : from.getAddrSegments()) {
-        HABMAddrSegment& segment = *to.createAddrSegment(source->getName());
-        segment.setAperture(source->getAperture());
-        segment.setMemoryType(source->getMemoryType());
+template <class Object>
+bool isSame(const Object& a, const Object& b) {
+    if constexpr (habm::HasFields<Object>) {
+        bool areEqual = true;
+        habm::forEachField<Object>([&](const auto& field) {
+            areEqual =
+                areEqual && Access::fieldsOf(a).*field.place == Access::fieldsOf(b).*field.place;
+        });
+        habm::forEachStore([&](const auto&, const auto& ofA,
+                               const auto& ofB) { areEqual = areEqual && areSame(ofA, ofB); },
+                           a, b);
+        return areEqual;
+    } else {
+        return habm::valueOf(a) == habm::valueOf(b);
     }
-}
-
-void copy(const HABMAddrAssign& from, HABMAddrAssign& to) {
-    to.setAssignType(from.getAssignType());
-    to.setOffset(from.getOffset());
-    to.setRange(from.getRange());
-    to.setSourcePath(from.getSourcePath());
-    to.setTargetPath(from.getTargetPath());
 }
 
 } // namespace
 
-/// Fills an empty block; the paths stay as they are in `from`.
-void HABMBlock::copyContent(const HABMBlock& from) {
-    const Parts& source = *from.m_parts;
-    m_parts->moduleName = source.moduleName;
-    m_parts->moduleVlnv = source.moduleVlnv;
-    m_parts->enablement = source.enablement;
-    m_parts->baseAddress = source.baseAddress;
-    m_parts->isStub = source.isStub;
-
-    source.parameters.forEach(
-        [&](const HABMParameter& p) { setParameter(p.getName(), p.getValue(), true); });
-    source.attributes.forEach(
-        [&](const HABMAttribute& a) { setAttribute(a.getName(), a.getValue(), true); });
-    source.ports.forEach([&](const HABMPort& p) { copy(p, *createPort(p.getPortName(), false)); });
-    source.memoryMaps.forEach(
-        [&](const HABMMemoryMap& m) { copy(m, *createMemoryMap(m.getName())); });
-    source.addrSpaces.forEach(
-        [&](const HABMAddrSpace& s) { copy(s, *createAddrSpace(s.getName())); });
-    source.interfaces.forEach(
-        [&](const HABMInterface& i) { copy(i, *createInterface(i.getInterfaceName(), false)); });
-    source.portConnections.forEach(
-        [&](const HABMPortConnection& c) { copy(c, *createPortConnection(c.getName(), false)); });
-    source.interfaceConnections.forEach([&](const HABMInterfaceConnection& c) {
-        copy(c, *createInterfaceConnection(c.getName(), false));
-    });
-    source.addrAssigns.forEach(
-        [&](const HABMAddrAssign& a) { copy(a, *createAddrAssign(a.getName())); });
-    source.subBlocks.forEach([&](const HABMBlock& b) {
-        createSubBlock(b.getInstanceName(), b.getModuleName(), false)->copyContent(b);
-    });
+bool HABMBlock::hasSameContent(const HABMBlock& other) const {
+    return isSame(*this, other);
 }
 
-/// Lets the paths of all connections and assigns at and below this block follow it after it has
-/// moved from `before` to `after`. It needs memory only if `after` is longer.
+/// Updates the paths of all connections and assigns at and below this block after it has moved from
+/// `before` to `after`. Allocates only if `after` is longer.
 void HABMBlock::movePaths(const std::string& before, const std::string& after) {
     if (before == after)
         return;
@@ -124,7 +80,7 @@ void HABMBlock::movePaths(const std::string& before, const std::string& after) {
 
 std::unique_ptr<HABMBlock> HABMBlock::cloneTopBlock(const HABMBlock& block) {
     std::unique_ptr<HABMBlock> clone = createTopBlock("");
-    clone->copyContent(block);
+    copyContent(block, *clone);
     clone->movePaths(block.getInstancePath(), "");
     return clone;
 }
@@ -138,20 +94,21 @@ bool HABMBlock::mergeTopBlock(HABMBlock& top, const std::string& path, const HAB
         place->level() + child.levelsBelow() > kMostLevels)
         return false;
 
-    // The index is left out of the change and takes the new connections in afterwards.
+    // The index is out of its place while the connections change. If that fails, it is lost, and
+    // built again at the next query.
     std::unique_ptr<HABMConnectionIndex> index = std::move(root.m_parts->connectionIndex);
     if (index != nullptr)
         index->removeBelow(*place);
     Parts before = std::exchange(*place->m_parts, Parts{});
     try {
-        place->copyContent(child);
+        copyContent(child, *place);
         place->movePaths(child.getInstancePath(), place->getInstancePath());
         place->setBlockStub(false);
     } catch (...) {
         *place->m_parts = std::move(before);
-        throw; // the index is made anew when it is needed
+        throw;
     }
     root.m_parts->connectionIndex = std::move(index);
-    HABMConnectionIndex::change(root, [&](HABMConnectionIndex& i) { i.addBelow(*place); });
+    HABMConnectionIndex::update(root, [&](HABMConnectionIndex& i) { i.addBelow(*place); });
     return true;
 }

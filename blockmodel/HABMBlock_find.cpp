@@ -12,7 +12,7 @@ namespace {
 
 /// Shell-like patterns: "*" for any characters, "?" for one. Goes back to the last star alone,
 /// which is enough, and takes at most the product of the lengths.
-bool matches(std::string_view text, std::string_view pattern) {
+bool isMatch(std::string_view text, std::string_view pattern) {
     std::size_t t = 0;
     std::size_t p = 0;
     std::size_t star = std::string_view::npos;
@@ -42,23 +42,22 @@ std::string pathOf(const Object& object) {
         return object.getParent()->getInstancePath() + "/" + object.getName();
 }
 
-/// A pattern, and whether every object below the block where the search starts fits it, which
-/// spares making their paths.
+/// A pattern, and whether it matches every object below the start of the search, so that their
+/// paths needn't be built.
 class Filter {
 public:
     Filter(const HABMBlock& start, const std::string& pattern)
-        : m_pattern(pattern),
-          m_fitsAll(pattern.empty() || pattern == "*" || pattern == start.getInstancePath() + "*") {
-    }
+        : m_pattern(pattern), m_matchesAll(pattern.empty() || pattern == "*" ||
+                                           pattern == start.getInstancePath() + "*") {}
 
     template <class Object>
-    [[nodiscard]] bool fits(const Object& object) const {
-        return m_fitsAll || matches(pathOf(object), m_pattern);
+    [[nodiscard]] bool matches(const Object& object) const {
+        return m_matchesAll || isMatch(pathOf(object), m_pattern);
     }
 
 private:
     const std::string& m_pattern;
-    bool m_fitsAll;
+    bool m_matchesAll;
 };
 
 /// Calls `visit` for the block and, if `isDeep`, for all below it.
@@ -70,15 +69,15 @@ void walk(const HABMBlock& block, bool isDeep, const Visit& visit) {
             walk(*subBlock, true, visit);
 }
 
-/// What `objectsOf` lists in the block and below it, as far as it fits the pattern.
+/// The objects that `objectsOf` lists in the block and below it and that match the pattern.
 template <class Object, class ObjectsOf>
-std::vector<Object*> found(const HABMBlock& start, const std::string& pattern, bool isDeep,
-                           ObjectsOf objectsOf) {
+std::vector<Object*> find(const HABMBlock& start, const std::string& pattern, bool isDeep,
+                          ObjectsOf objectsOf) {
     const Filter filter(start, pattern);
     std::vector<Object*> kept;
     walk(start, isDeep, [&](const HABMBlock& block) {
         for (Object* const object : (block.*objectsOf)())
-            if (filter.fits(*object))
+            if (filter.matches(*object))
                 kept.push_back(object);
     });
     return kept;
@@ -86,30 +85,38 @@ std::vector<Object*> found(const HABMBlock& start, const std::string& pattern, b
 
 } // namespace
 
+std::vector<const HABMBlock*> HABMBlock::findStubs() const {
+    std::vector<const HABMBlock*> stubs;
+    walk(*this, true, [&](const HABMBlock& block) {
+        if (block.isBlockStub())
+            stubs.push_back(&block);
+    });
+    return stubs;
+}
+
 std::vector<HABMMemoryMap*> HABMBlock::findMemoryMaps(const std::string& pattern,
                                                       const bool& flag) const {
-    return found<HABMMemoryMap>(*this, pattern, flag, &HABMBlock::getMemoryMaps);
+    return find<HABMMemoryMap>(*this, pattern, flag, &HABMBlock::getMemoryMaps);
 }
 
 std::vector<HABMAddrSpace*> HABMBlock::findAddrSpaces(const std::string& pattern,
                                                       const bool& flag) const {
-    return found<HABMAddrSpace>(*this, pattern, flag, &HABMBlock::getAddrSpaces);
+    return find<HABMAddrSpace>(*this, pattern, flag, &HABMBlock::getAddrSpaces);
 }
 
 std::vector<HABMAddrAssign*> HABMBlock::findAddrAssigns(const std::string& pattern,
                                                         const bool& flag) const {
-    return found<HABMAddrAssign>(*this, pattern, flag, &HABMBlock::getAddrAssigns);
+    return find<HABMAddrAssign>(*this, pattern, flag, &HABMBlock::getAddrAssigns);
 }
 
 std::vector<HABMInterfaceConnection*>
 HABMBlock::findInterfaceConnections(const std::string& pattern, const bool& flag) const {
-    return found<HABMInterfaceConnection>(*this, pattern, flag,
-                                          &HABMBlock::getInterfaceConnections);
+    return find<HABMInterfaceConnection>(*this, pattern, flag, &HABMBlock::getInterfaceConnections);
 }
 
 std::vector<HABMPortConnection*> HABMBlock::findPortConnections(const std::string& pattern,
                                                                 const bool& flag) const {
-    return found<HABMPortConnection>(*this, pattern, flag, &HABMBlock::getPortConnections);
+    return find<HABMPortConnection>(*this, pattern, flag, &HABMBlock::getPortConnections);
 }
 
 std::vector<HABMRegister*> HABMBlock::findRegisters(const std::string& pattern,
@@ -119,7 +126,7 @@ std::vector<HABMRegister*> HABMBlock::findRegisters(const std::string& pattern,
     for (const HABMMemoryMap* const map : findMemoryMaps("", flag))
         for (const HABMAddrBlock* const block : map->getAddrBlocks())
             for (HABMRegister* const candidate : block->getRegisters())
-                if (filter.fits(*candidate))
+                if (filter.matches(*candidate))
                     kept.push_back(candidate);
     return kept;
 }
@@ -165,6 +172,6 @@ void HABMBlock::noteRegister(HABMRegister& fresh) noexcept {
         if (rankOf(*fresh.getParent()) < rankOf(*first->getParent()))
             first = &fresh;
     } catch (const std::bad_alloc&) {
-        m_parts->registersByName.reset(); // it is made anew when it is needed
+        m_parts->registersByName.reset(); // built again at the next query
     }
 }

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
-
-#include "blockmodel/HABMFileReplace.h"
+#include <string_view>
 
 class HABMBlock;
 
@@ -32,14 +32,17 @@ public:
 /// bits, and in such a file no text can be longer.
 constexpr std::uint64_t kMostBytes = 0xFFFFFFFF;
 
+/// Takes the next piece of a text. False if it can't; what comes after it is of no use then.
+using Sink = std::function<bool(std::string_view)>;
+
 /// Gives the text to the sink in pieces, of which only one is in memory at a time: mostly of 64
-/// KiB, and as large as a single text with its escapes where that is more. Lists of objects take a
-/// pointer for each besides. False, with part of it given, if the sink took a piece no more, if
-/// the whole has more than `kMostBytes` or if a single text has more than a sixth of that.
+/// KiB, and as large as a single text with its escapes where that is more. False, with part of it
+/// given, if the sink refuses a piece, if the whole has more than `kMostBytes` or if a single text
+/// has more than a sixth of that.
 [[nodiscard]] bool write(const HABMBlock& top, const Sink& sink);
 
-/// Raises `Fault` for a text that isn't a whole block of this version, and `std::bad_alloc`. The
-/// text is used up.
+/// Throws `Fault` for a text that isn't a whole block of this version, and `std::bad_alloc`. The
+/// text is overwritten.
 [[nodiscard]] std::unique_ptr<HABMBlock> fromText(std::string& text);
 
 } // namespace habm::bmj

@@ -1,12 +1,13 @@
 // Takes the text of a ".bmj" file apart.
 #pragma once
 
-#include "JsonDocument.h"
-#include "rapidjson_headers.h"
+#include "base/JsonDocument.h"
+#include "base/RapidJson.h"
 
 #include <charconv>
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -15,6 +16,7 @@
 #include "blockmodel/HABMAddrAperture.h"
 #include "blockmodel/HABMAddrValue.h"
 #include "blockmodel/HABMBmj.h"
+#include "blockmodel/HABMSchema.h"
 
 namespace habm::bmj {
 
@@ -58,12 +60,12 @@ private:
 /// than the block that it becomes. The texts that it gives stay in place.
 class Source {
 public:
-    explicit Source(std::string& text) : m_stream(text.data()) {}
+    explicit Source(std::string& text) : m_stream(text.data()), m_bytes(text.size()) {}
 
-    /// Where the next byte stands in the text.
+    /// Position of the next byte in the text.
     [[nodiscard]] std::string place() { return "byte " + std::to_string(m_stream.Tell()); }
-    /// Goes past a mark if it comes next.
-    bool skips(char mark) {
+    /// Takes a mark if it comes next.
+    bool takeIf(char mark) {
         rapidjson::SkipWhitespace(m_stream);
         if (m_stream.Peek() != mark)
             return false;
@@ -71,11 +73,13 @@ public:
         return true;
     }
     void expect(char mark) {
-        if (!skips(mark))
+        if (!takeIf(mark))
             throw Fault(std::string("a comma or '") + mark + "' was expected");
     }
     void expectEnd() {
-        if (!skips('\0'))
+        // A NUL byte inside the text looks like its end.
+        rapidjson::SkipWhitespace(m_stream);
+        if (m_stream.Tell() != m_bytes)
             throw Fault("nothing more was expected");
     }
     /// The next value; of no kind if it is an object or an array.
@@ -99,7 +103,7 @@ public:
     }
     std::string_view key() {
         const std::string_view key = text();
-        if (!skips(':'))
+        if (!takeIf(':'))
             throw Fault("a colon was expected");
         return key;
     }
@@ -114,7 +118,7 @@ public:
     template <class Read>
     auto pair(Read read) {
         const auto expectMark = [&](char mark) {
-            if (!skips(mark))
+            if (!takeIf(mark))
                 throw Fault("a pair was expected");
         };
         expectMark('[');
@@ -137,90 +141,97 @@ private:
                                             rapidjson::kParseStopWhenDoneFlag;
 
     rapidjson::InsituStringStream m_stream;
+    std::size_t m_bytes;
     rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator> m_parser;
 };
 
-/// The members of an object, taken one after the other. The keys stand in their order, or are
-/// missing; any other is a fault.
+/// The members of an object, taken one after the other. The keys come in their order or are
+/// missing; any other is a fault. A value whose key is missing is left unchanged.
 class Members {
 public:
     explicit Members(Source& source) : m_source(source) {
-        if (!source.skips('{'))
+        if (!source.takeIf('{'))
             throw Fault("an object was expected");
-        if (!source.skips('}'))
+        if (!source.takeIf('}'))
             m_key = source.key();
     }
 
     /// Gives the value of the next member to `read`, if the member has this key.
     template <class Read>
-    void take(std::string_view key, Read read) {
+    void takeIf(std::string_view key, const Read& read) {
         if (m_key != key)
             return;
         read();
-        if (m_source.skips(',')) {
+        if (m_source.takeIf(',')) {
             m_key = m_source.key();
         } else {
             m_source.expect('}');
             m_key.reset();
         }
     }
-    std::string text(std::string_view key) {
-        std::string text;
-        take(key, [&] { text = m_source.text(); });
-        return text;
-    }
-    HABMAddrValue address(std::string_view key, HABMAddrValue fresh) {
-        take(key, [&] { fresh = m_source.address(); });
-        return fresh;
-    }
-    HABMAddrAperture aperture(std::string_view key) {
-        HABMAddrAperture aperture("");
-        take(key, [&] { aperture = m_source.aperture(); });
-        return aperture;
-    }
-    unsigned number(std::string_view key, unsigned fresh) {
-        take(key, [&] {
-            const Scalar found = m_source.scalar();
-            const char* const end = found.text.data() + found.text.size();
-            const auto [stop, error] = std::from_chars(found.text.data(), end, fresh);
-            if (found.kind != Scalar::Kind::Number || error != std::errc() || stop != end)
-                throw Fault(quoted(found.text) + " is no number for " + quoted(key));
-        });
-        return fresh;
-    }
-    bool flag(std::string_view key) {
-        bool isSet = false;
-        take(key, [&] {
-            const Scalar::Kind kind = m_source.scalar().kind;
-            if (kind != Scalar::Kind::True && kind != Scalar::Kind::False)
-                throw Fault("true or false was expected as " + quoted(key));
-            isSet = kind == Scalar::Kind::True;
-        });
-        return isSet;
-    }
-    /// The value whose text stands there; for an empty text the value that an unknown one gets. Any
-    /// text but the one that is written for a value is a fault, be it unknown or a synonym.
-    template <class Value>
-    Value choice(std::string_view key, Value (*encode)(std::string), std::string (*decode)(Value)) {
-        const std::string name = text(key);
-        const Value value = encode(name);
-        if (!name.empty() && decode(value) != name)
-            throw Fault(quoted(name) + " is unknown as " + quoted(key));
-        return value;
-    }
     /// Lets `read` read each item of an array.
     template <class Read>
-    void array(std::string_view key, Read read) {
-        take(key, [&] {
-            if (!m_source.skips('['))
+    void takeArray(std::string_view key, const Read& read) {
+        takeIf(key, [&] {
+            if (!m_source.takeIf('['))
                 throw Fault("an array was expected as " + quoted(key));
-            if (m_source.skips(']'))
+            if (m_source.takeIf(']'))
                 return;
             do
                 read(m_source);
-            while (m_source.skips(','));
+            while (m_source.takeIf(','));
             m_source.expect(']');
         });
+    }
+
+    void take(std::string_view key, std::string& text) {
+        takeIf(key, [&] { text = m_source.text(); });
+    }
+    void take(std::string_view key, HABMAddrValue& value) {
+        takeIf(key, [&] { value = m_source.address(); });
+    }
+    void take(std::string_view key, HABMAddrAperture& aperture) {
+        takeIf(key, [&] { aperture = m_source.aperture(); });
+    }
+    void take(std::string_view key, std::set<HABMAddrAperture>& apertures) {
+        takeArray(key, [&](Source& source) { apertures.insert(source.aperture()); });
+    }
+    void take(std::string_view key, std::set<std::string>& texts) {
+        takeArray(key, [&](Source& source) { texts.emplace(source.text()); });
+    }
+    void take(std::string_view key, unsigned& number) {
+        takeIf(key, [&] {
+            const Scalar found = m_source.scalar();
+            const char* const end = found.text.data() + found.text.size();
+            const auto [stop, error] = std::from_chars(found.text.data(), end, number);
+            if (found.kind != Scalar::Kind::Number || error != std::errc() || stop != end)
+                throw Fault(quoted(found.text) + " is no number for " + quoted(key));
+        });
+    }
+    void take(std::string_view key, bool& flag) {
+        takeIf(key, [&] {
+            const Scalar::Kind kind = m_source.scalar().kind;
+            if (kind != Scalar::Kind::True && kind != Scalar::Kind::False)
+                throw Fault("true or false was expected as " + quoted(key));
+            flag = kind == Scalar::Kind::True;
+        });
+    }
+    template <class Fields, class Value>
+    void take(const Field<Fields, Value>& field, Fields& fields) {
+        take(field.key, fields.*field.place);
+    }
+    /// Any text but the one that is written for a value is a fault, be it unknown or a synonym; an
+    /// empty one counts as missing.
+    template <class Fields, class Value>
+    void take(const Choice<Fields, Value>& field, Fields& fields) {
+        std::string text;
+        take(field.key, text);
+        if (text.empty())
+            return;
+        const Value value = field.encode(text);
+        if (field.decode(value) != text)
+            throw Fault(quoted(text) + " is unknown as " + quoted(field.key));
+        fields.*field.place = value;
     }
     void end() const {
         if (m_key)

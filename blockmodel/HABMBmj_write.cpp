@@ -1,28 +1,33 @@
 // Writes a block as the text of a ".bmj" file.
 
-#include "JsonDocument.h"
-#include "rapidjson_headers.h"
+#include "base/JsonDocument.h"
+#include "base/RapidJson.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <set>
 #include <string_view>
 
-#include "blockmodel/HABM.h"
 #include "blockmodel/HABMBmj.h"
+#include "blockmodel/HABMSchema.h"
 
 namespace habm::bmj {
 
 namespace {
 
-constexpr HABMAddrValue kZero(std::uint64_t{0});
-const HABMAddrAperture kEmptyAperture{""};
-
-/// Pieces that stay in the cache between making and writing them.
+/// So small that a piece is still in the cache when it is written.
 constexpr std::size_t kPieceBytes = std::size_t{1} << 16;
 
 /// RapidJSON makes room for a text as if all its bytes needed an escape of six, and reckons the
 /// room, with the quotes, in 32 bits. A longer text would overrun it.
 constexpr std::size_t kMostTextBytes = (0xFFFFFFFF - 2) / 6;
+
+/// Those of an object that has just been created.
+template <class Object>
+const FieldsOf<Object>& freshFields() {
+    static const FieldsOf<Object> fresh{};
+    return fresh;
+}
 
 class BlockWriter {
 public:
@@ -31,10 +36,12 @@ public:
     /// True if all was taken.
     bool file(const HABMBlock& top) {
         m_writer.StartObject();
-        text("format", kFormat);
-        number("version", kVersion, 0);
+        key("format");
+        string(kFormat);
+        key("version");
+        m_writer.Uint(kVersion);
         key("block");
-        block(top);
+        object(top);
         m_writer.EndObject();
         m_buffer.Put('\n');
         giveOut();
@@ -47,6 +54,10 @@ private:
         m_isTaken = m_isTaken && m_bytes <= kMostBytes &&
                     m_sink({m_buffer.GetString(), m_buffer.GetSize()});
         m_buffer.Clear();
+    }
+    void giveOutIfFull() {
+        if (m_buffer.GetSize() >= kPieceBytes)
+            giveOut();
     }
 
     void key(std::string_view name) { string(name); }
@@ -64,168 +75,77 @@ private:
         m_writer.EndArray();
     }
 
-    // A member, unless it has the value of a fresh object.
+    // The value of a field.
 
-    void text(std::string_view name, std::string_view value, std::string_view fresh = "") {
-        if (value == fresh)
-            return;
-        key(name);
-        string(value);
-    }
-    void number(std::string_view name, unsigned value, unsigned fresh) {
-        if (value == fresh)
-            return;
-        key(name);
-        m_writer.Uint(value);
-    }
-    void address(std::string_view name, const HABMAddrValue& value, const HABMAddrValue& fresh) {
-        if (value == fresh)
-            return;
-        key(name);
-        string(textOf(value));
-    }
-    void pair(const HABMAddrAperture& value) {
+    void put(const std::string& text) { string(text); }
+    void put(unsigned number) { m_writer.Uint(number); }
+    void put(bool flag) { m_writer.Bool(flag); }
+    void put(const HABMAddrValue& value) { string(textOf(value)); }
+    void put(const HABMAddrAperture& value) {
         pair(textOf(value.getStart()), textOf(value.getSize()));
     }
-    void aperture(std::string_view name, const HABMAddrAperture& value) {
-        if (value == kEmptyAperture)
-            return;
-        key(name);
-        pair(value);
-    }
-    /// An array with what `write` makes of each item.
-    template <class Items, class Write>
-    void array(std::string_view name, const Items& items, Write write) {
-        if (items.empty())
-            return;
-        key(name);
+    template <class Item>
+    void put(const std::set<Item>& items) {
         m_writer.StartArray();
-        for (const auto& item : items) {
-            if (!m_isTaken)
-                break;
-            write(item);
-            if (m_buffer.GetSize() >= kPieceBytes)
-                giveOut();
+        for (const Item& item : items) {
+            put(item);
+            giveOutIfFull();
         }
         m_writer.EndArray();
     }
-    /// An array of objects, with what `write` makes of each as its members.
-    template <class Object>
-    void objects(std::string_view name, const std::vector<Object*>& items,
-                 void (BlockWriter::*write)(const Object&)) {
-        array(name, items, [&](const Object* item) {
-            m_writer.StartObject();
-            (this->*write)(*item);
-            m_writer.EndObject();
-        });
+
+    /// A member, unless the value is that of a fresh object.
+    template <class Fields, class Value>
+    void member(const Field<Fields, Value>& field, const Fields& fields, const Fields& fresh) {
+        if (fields.*field.place == fresh.*field.place)
+            return;
+        key(field.key);
+        put(fields.*field.place);
+    }
+    /// The texts are compared, as a number that isn't one of the enumeration's has the first text.
+    template <class Fields, class Value>
+    void member(const Choice<Fields, Value>& field, const Fields& fields, const Fields& fresh) {
+        if (fields.*field.place == fresh.*field.place)
+            return;
+        const std::string text = field.decode(fields.*field.place);
+        if (text == field.decode(fresh.*field.place))
+            return;
+        key(field.key);
+        string(text);
     }
 
-    void block(const HABMBlock& block) {
+    template <class Pair>
+    void object(const Pair& entry) requires(!HasFields<Pair>) {
+        pair(nameOf(entry), valueOf(entry));
+    }
+    template <class Object>
+    void object(const Object& owner) requires HasFields<Object> {
         m_writer.StartObject();
-        text("instance", block.getInstanceName());
-        text("module", block.getModuleName());
-        text("vlnv", block.getModuleVlnv());
-        text("enable", block.getEnablement());
-        address("base", block.getBaseAddress(), kZero);
-        if (block.isBlockStub()) {
-            key("stub");
-            m_writer.Bool(true);
+        if (!nameOf(owner).empty()) { // a top block's is
+            key(kNameKey<Object>);
+            string(nameOf(owner));
         }
-        array("parameters", block.getGenerics(),
-              [&](const HABMGeneric* g) { pair(g->getName(), g->getValue()); });
-        array("attributes", block.getAttributes(),
-              [&](const HABMAttribute* a) { pair(a->getName(), a->getValue()); });
-        objects("ports", block.getPorts(), &BlockWriter::port);
-        objects("memory_maps", block.getMemoryMaps(), &BlockWriter::memoryMap);
-        objects("address_spaces", block.getAddrSpaces(), &BlockWriter::addrSpace);
-        objects("interfaces", block.getInterfaces(), &BlockWriter::interface);
-        objects("port_connections", block.getPortConnections(), &BlockWriter::portConnection);
-        objects("interface_connections", block.getInterfaceConnections(),
-                &BlockWriter::interfaceConnection);
-        objects("assigns", block.getAddrAssigns(), &BlockWriter::addrAssign);
-        array("blocks", block.getSubBlocks(), [&](const HABMBlock* b) { this->block(*b); });
+        const auto& fields = HABMObjectAccess::fieldsOf(owner);
+        forEachField<Object>(
+            [&](const auto& field) { member(field, fields, freshFields<Object>()); });
+        forEachStore([&](const auto& owned, const auto& objects) { store(owned.key, objects); },
+                     owner);
         m_writer.EndObject();
     }
-
-    void port(const HABMPort& port) {
-        text("name", port.getPortName());
-        text("type", HABMPort::decodePortType(port.getPortType()), "wire");
-        text("direction", HABMPort::decodePortDirection(port.getPortDirection()), "in");
-        number("left", port.getPortLeft(), 0);
-        number("right", port.getPortRight(), 0);
-    }
-
-    void memoryMap(const HABMMemoryMap& map) {
-        text("name", map.getName());
-        address("range", map.getRange(), kZero);
-        objects("blocks", map.getAddrBlocks(), &BlockWriter::addrBlock);
-    }
-
-    void addrBlock(const HABMAddrBlock& block) {
-        text("name", block.getName());
-        text("type", HABMAddrBlock::decodeMemoryType(block.getMemoryType()), "register");
-        aperture("aperture", block.getAperture());
-        objects("registers", block.getRegisters(), &BlockWriter::registerOf);
-    }
-
-    void registerOf(const HABMRegister& member) {
-        text("name", member.getName());
-        address("offset", member.getOffset(), kZero);
-        number("width", member.getWidth(), 32);
-        address("reset", member.getReset(), {});
-        text("access", HABMRegister::decodeRegisterAccess(member.getAccess()), "read_write");
-        address("value", member.getGivenValue(), {});
-    }
-
-    void addrSpace(const HABMAddrSpace& space) {
-        text("name", space.getName());
-        address("range", space.getRange(), kZero);
-        objects("segments", space.getAddrSegments(), &BlockWriter::addrSegment);
-    }
-
-    void addrSegment(const HABMAddrSegment& segment) {
-        text("name", segment.getName());
-        text("type", HABMAddrSegment::decodeMemoryType(segment.getMemoryType()), "both");
-        aperture("aperture", segment.getAperture());
-    }
-
-    void interface(const HABMInterface& interface) {
-        text("name", interface.getInterfaceName());
-        text("vlnv", interface.getInterfaceVlnv());
-        text("mode", HABMInterface::decodeInterfaceMode(interface.getInterfaceMode()), "unknown");
-        text("enable", interface.getEnablement());
-        text("memory_map", interface.getMemoryMapRef());
-        text("address_space", interface.getAddrSpaceRef());
-        array("apertures", interface.getApertures(), [&](const HABMAddrAperture& a) { pair(a); });
-        array("port_maps", interface.getPortMaps(), [&](const HABMPortMap* line) {
-            pair(line->getLogicalPort(), line->getPhysicalPort());
+    /// An array of the objects, unless there are none.
+    template <class Store>
+    void store(std::string_view name, const Store& store) {
+        if (store.size() == 0)
+            return;
+        key(name);
+        m_writer.StartArray();
+        store.forEach([&](const auto& owned) {
+            if (!m_isTaken)
+                return;
+            object(owned);
+            giveOutIfFull();
         });
-    }
-
-    void portConnection(const HABMPortConnection& connection) {
-        text("name", connection.getName());
-        text("type", HABMPortConnection::decodeConnectionType(connection.getConnectionType()),
-             "soft");
-        text("source", connection.getSourcePath());
-        array("targets", connection.getTargetPaths(),
-              [&](const std::string& path) { string(path); });
-    }
-
-    void interfaceConnection(const HABMInterfaceConnection& connection) {
-        text("name", connection.getName());
-        text("type", HABMInterfaceConnection::decodeConnectionType(connection.getConnectionType()),
-             "soft");
-        text("source", connection.getSourcePath());
-        text("target", connection.getTargetPath());
-    }
-
-    void addrAssign(const HABMAddrAssign& assign) {
-        text("name", assign.getName());
-        text("type", HABMAddrAssign::decodeAssignType(assign.getAssignType()), "normal");
-        address("offset", assign.getOffset(), kZero);
-        address("range", assign.getRange(), kZero);
-        text("source", assign.getSourcePath());
-        text("target", assign.getTargetPath());
+        m_writer.EndArray();
     }
 
     using Buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, JsonAllocator>;

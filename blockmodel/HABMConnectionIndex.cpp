@@ -93,10 +93,10 @@ void HABMConnectionIndex::countPort(const std::string& path, std::ptrdiff_t chan
         m_portUses.erase(found);
 }
 
-HABMConnectionIndex* HABMConnectionIndex::standing(const HABMBlock& block) {
-    return block.standingConnectionIndex();
+HABMConnectionIndex* HABMConnectionIndex::existing(const HABMBlock& block) {
+    return block.existingConnectionIndex();
 }
 
-void HABMConnectionIndex::giveUp(const HABMBlock& block) {
-    block.forgetConnectionIndex();
+void HABMConnectionIndex::discard(const HABMBlock& block) {
+    block.discardConnectionIndex();
 }

@@ -13,9 +13,9 @@ class HABMBlock;
 class HABMInterfaceConnection;
 class HABMPortConnection;
 
-/// Belongs to a top block, which makes it when it is first asked of and keeps it true from then on.
-/// It holds paths, whether something stands there or not, so that creating and removing ports and
-/// interfaces doesn't touch it.
+/// A cache that belongs to a top block, which builds it at the first query and updates it from then
+/// on. It holds paths, resolved or not, so that creating and removing ports and interfaces doesn't
+/// touch it.
 class HABMConnectionIndex {
 public:
     /// Indexes all connections of the design.
@@ -35,26 +35,34 @@ public:
     [[nodiscard]] std::vector<HABMInterfaceConnection*> withSource(const std::string& path) const;
     [[nodiscard]] std::vector<HABMInterfaceConnection*> withTarget(const std::string& path) const;
 
-    /// Changes the index of the design of a block, if it stands. If memory runs out meanwhile, the
-    /// index is given up, as it is made anew when it is next asked of.
-    template <class Change>
-    static void change(const HABMBlock& block, const Change& change) noexcept {
-        HABMConnectionIndex* const index = standing(block);
+    /// Updates the index of a block's design, if it is built. If memory runs out, the index is
+    /// discarded, and built again at the next query.
+    template <class Update>
+    static void update(const HABMBlock& block, const Update& update) noexcept {
+        HABMConnectionIndex* const index = existing(block);
         if (index == nullptr)
             return;
         try {
-            change(*index);
+            update(*index);
         } catch (const std::bad_alloc&) {
-            giveUp(block);
+            discard(block);
         }
+    }
+    /// Runs `change`, which gives a connection other ends and mustn't throw, and updates the index.
+    template <class Connection, class Change>
+    static void changeEnds(Connection& connection, const Change& change) noexcept {
+        const HABMBlock& owner = *connection.getParent();
+        update(owner, [&](HABMConnectionIndex& index) { index.remove(connection); });
+        change();
+        update(owner, [&](HABMConnectionIndex& index) { index.add(connection); });
     }
 
 private:
     using ByAge = std::map<std::uint64_t, HABMInterfaceConnection*>;
     using ByPath = std::unordered_map<std::string, ByAge>;
 
-    static HABMConnectionIndex* standing(const HABMBlock& block);
-    static void giveUp(const HABMBlock& block);
+    static HABMConnectionIndex* existing(const HABMBlock& block);
+    static void discard(const HABMBlock& block);
     static void erase(ByPath& ends, const std::string& path, std::uint64_t age);
     static std::vector<HABMInterfaceConnection*> at(const ByPath& ends, const std::string& path);
     void countPort(const std::string& path, std::ptrdiff_t change);
@@ -62,24 +70,4 @@ private:
     ByPath m_bySource;
     ByPath m_byTarget;
     std::unordered_map<std::string, std::ptrdiff_t> m_portUses;
-};
-
-/// Keeps a connection out of the index of its design, if there is one, while its ends change.
-template <class Connection>
-class HABMConnectionChange {
-public:
-    explicit HABMConnectionChange(Connection& connection) : m_connection(connection) {
-        HABMConnectionIndex::change(*connection.getParent(), [&](HABMConnectionIndex& index) {
-            index.remove(m_connection);
-        });
-    }
-    ~HABMConnectionChange() {
-        HABMConnectionIndex::change(*m_connection.getParent(),
-                                    [&](HABMConnectionIndex& index) { index.add(m_connection); });
-    }
-    HABMConnectionChange(const HABMConnectionChange&) = delete;
-    HABMConnectionChange& operator=(const HABMConnectionChange&) = delete;
-
-private:
-    Connection& m_connection;
 };

@@ -16,7 +16,8 @@ public:
     [[nodiscard]] const std::string& getValue() const { return m_value; }
 
 protected:
-    explicit HABMGeneric(std::string name) : m_name(std::move(name)) {}
+    HABMGeneric(std::string name, std::string value)
+        : m_name(std::move(name)), m_value(std::move(value)) {}
     ~HABMGeneric() = default;
 
     void assign(std::string value) { m_value = std::move(value); }

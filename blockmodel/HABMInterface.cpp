@@ -3,6 +3,7 @@
 #include <unordered_set>
 
 #include "blockmodel/HABMBlock.h"
+#include "blockmodel/HABMChildren.h"
 #include "blockmodel/HABMConnectionIndex.h"
 #include "blockmodel/HABMEnumText.h"
 #include "blockmodel/HABMInterfaceConnection.h"
@@ -27,11 +28,11 @@ std::string pathOf(const HABMInterface& interface) {
     return interface.getParent()->getInstancePath() + "/" + interface.getInterfaceName();
 }
 
-/// All that is reached from `start`, nearest first. `neighbours` lists the connections at a path,
-/// `otherEnd` gives the interface that a connection leads on to.
+/// The interfaces that can be reached from `start`, by breadth-first search. `neighbours` lists the
+/// connections at a path, `otherEnd` gives the far end of a connection.
 template <class Neighbours, class OtherEnd>
-std::vector<HABMInterface*> reached(HABMInterface* start, Neighbours neighbours,
-                                    OtherEnd otherEnd) {
+std::vector<HABMInterface*> findReachable(HABMInterface* start, Neighbours neighbours,
+                                          OtherEnd otherEnd) {
     std::vector<HABMInterface*> found;
     std::unordered_set<const HABMInterface*> seen{start};
     std::size_t next = 0;
@@ -57,16 +58,21 @@ std::string HABMInterface::decodeInterfaceMode(InterfaceMode mode) {
 }
 
 void HABMInterface::setApertures(const std::set<HABMAddrAperture>& apertures, const bool& flag) {
+    std::set<HABMAddrAperture> fresh = apertures;
     if (flag)
-        m_apertures.insert(apertures.begin(), apertures.end());
-    else
-        m_apertures = apertures;
+        fresh.insert(m_fields.apertures.begin(), m_fields.apertures.end());
+    m_fields.apertures.swap(fresh); // last, as the copies may fail
 }
 
 HABMPortMap* HABMInterface::createPortMap(const std::string& logicalPort,
                                           const std::string& physicalPort) {
     return logicalPort.empty() ? nullptr
-                               : m_portMaps.create(logicalPort, logicalPort, physicalPort);
+                               : HABMObjectAccess::childrenOf(*this).portMaps.create(
+                                     logicalPort, logicalPort, physicalPort);
+}
+
+std::vector<HABMPortMap*> HABMInterface::getPortMaps() const {
+    return HABMObjectAccess::childrenOf(*this).portMaps.all();
 }
 
 bool HABMInterface::hasConnections() const {
@@ -75,14 +81,14 @@ bool HABMInterface::hasConnections() const {
 
 std::vector<HABMInterface*> HABMInterface::getSourceInterfaces() {
     const HABMConnectionIndex& index = m_parent->connectionIndex();
-    return reached(
+    return findReachable(
         this, [&](const std::string& path) { return index.withTarget(path); },
         [](const HABMInterfaceConnection& connection) { return connection.getSourceInterface(); });
 }
 
 std::vector<HABMInterface*> HABMInterface::getTargetInterfaces() {
     const HABMConnectionIndex& index = m_parent->connectionIndex();
-    return reached(
+    return findReachable(
         this, [&](const std::string& path) { return index.withSource(path); },
         [](const HABMInterfaceConnection& connection) { return connection.getTargetInterface(); });
 }

@@ -6,16 +6,15 @@
 #include <vector>
 
 #include "blockmodel/HABMAddrAperture.h"
-#include "blockmodel/HABMNamedStore.h"
-#include "blockmodel/HABMPortMap.h"
 #include "tq_export.h"
 
 class HABMBlock;
 class HABMInterfaceConnection;
+class HABMPortMap;
 
 /// Made by `HABMBlock::createInterface`, owned by its block. A fresh one has an unknown mode. An
-/// initiator refers to an address space of its block, a target to a memory map; a reference is a
-/// name, and what it names needn't be there.
+/// initiator refers to an address space of its block, a target to a memory map. A reference is a
+/// name; an object of that name needn't exist.
 class TQ_EXPORT HABMInterface {
 public:
     enum class InterfaceMode {
@@ -36,38 +35,40 @@ public:
     [[nodiscard]] const HABMBlock* getParent() const { return m_parent; }
 
     /// VLNV of the interface's definition.
-    [[nodiscard]] const std::string& getInterfaceVlnv() const { return m_vlnv; }
-    void setInterfaceVlnv(const std::string& vlnv) { m_vlnv = vlnv; }
+    [[nodiscard]] const std::string& getInterfaceVlnv() const { return m_fields.vlnv; }
+    void setInterfaceVlnv(const std::string& vlnv) { m_fields.vlnv = vlnv; }
 
     /// Texts: "master" (or "initiator"), "slave" (or "target"), "mirrored_master",
     /// "mirrored_slave", "system", "monitor"; any other is an unknown mode, which shows as
     /// "unknown".
     [[nodiscard]] static InterfaceMode encodeInterfaceMode(std::string text);
     [[nodiscard]] static std::string decodeInterfaceMode(InterfaceMode mode);
-    [[nodiscard]] InterfaceMode getInterfaceMode() const { return m_mode; }
-    void setInterfaceMode(const InterfaceMode& mode) { m_mode = mode; }
+    [[nodiscard]] InterfaceMode getInterfaceMode() const { return m_fields.mode; }
+    void setInterfaceMode(const InterfaceMode& mode) { m_fields.mode = mode; }
     /// True for an initiator, that is in the mode "master" alone.
-    [[nodiscard]] bool isSourceInterface() const { return m_mode == InterfaceMode::Master; }
+    [[nodiscard]] bool isSourceInterface() const { return m_fields.mode == InterfaceMode::Master; }
 
     /// Expression that says whether a design has this interface; empty if it always has.
-    [[nodiscard]] const std::string& getEnablement() const { return m_enablement; }
-    void setEnablement(const std::string& expression) { m_enablement = expression; }
+    [[nodiscard]] const std::string& getEnablement() const { return m_fields.enablement; }
+    void setEnablement(const std::string& expression) { m_fields.enablement = expression; }
 
     /// Name of a memory map of the same block.
-    [[nodiscard]] const std::string& getMemoryMapRef() const { return m_memoryMapRef; }
-    void setMemoryMapRef(const std::string& name) { m_memoryMapRef = name; }
+    [[nodiscard]] const std::string& getMemoryMapRef() const { return m_fields.memoryMapRef; }
+    void setMemoryMapRef(const std::string& name) { m_fields.memoryMapRef = name; }
     /// Name of an address space of the same block.
-    [[nodiscard]] const std::string& getAddrSpaceRef() const { return m_addrSpaceRef; }
-    void setAddrSpaceRef(const std::string& name) { m_addrSpaceRef = name; }
+    [[nodiscard]] const std::string& getAddrSpaceRef() const { return m_fields.addrSpaceRef; }
+    void setAddrSpaceRef(const std::string& name) { m_fields.addrSpaceRef = name; }
 
-    [[nodiscard]] const std::set<HABMAddrAperture>& getApertures() const { return m_apertures; }
+    [[nodiscard]] const std::set<HABMAddrAperture>& getApertures() const {
+        return m_fields.apertures;
+    }
     /// Replaces the apertures; with the flag, adds to them.
     void setApertures(const std::set<HABMAddrAperture>& apertures, const bool& flag);
 
     /// A new line of the port map; null if the logical port is empty or has one already.
     HABMPortMap* createPortMap(const std::string& logicalPort, const std::string& physicalPort);
     /// The lines of the port map in creation order.
-    [[nodiscard]] std::vector<HABMPortMap*> getPortMaps() const { return m_portMaps.all(); }
+    [[nodiscard]] std::vector<HABMPortMap*> getPortMaps() const;
 
     /// True if an interface connection anywhere in the design names this interface as source or
     /// target.
@@ -77,23 +78,27 @@ public:
     /// connection on one side and the source of one on the other, this walks up and down the
     /// hierarchy. Nearest first; at the same distance in the order of those that they were reached
     /// from, and from the same one by the age of the connections, which starts anew in a copy, in
-    /// what is merged in and in a block that was read. Each once, never this one itself. What a
-    /// path names and isn't there is passed over.
+    /// what is merged in and in a block that was read. Each once, never this one itself. Unresolved
+    /// paths are skipped.
     [[nodiscard]] std::vector<HABMInterface*> getSourceInterfaces();
     /// The interfaces that this one leads to, in the same manner.
     [[nodiscard]] std::vector<HABMInterface*> getTargetInterfaces();
 
 private:
-    friend class HABMObjectMaker;
+    friend class HABMObjectAccess;
+    struct Fields {
+        std::string vlnv;
+        InterfaceMode mode = InterfaceMode::Unknown;
+        std::string enablement;
+        std::string memoryMapRef;
+        std::string addrSpaceRef;
+        std::set<HABMAddrAperture> apertures;
+    };
+    struct Children;
+
     HABMInterface(HABMBlock* parent, const std::string& name) : m_parent(parent), m_name(name) {}
 
     HABMBlock* const m_parent;
     const std::string m_name;
-    std::string m_vlnv;
-    InterfaceMode m_mode = InterfaceMode::Unknown;
-    std::string m_enablement;
-    std::string m_memoryMapRef;
-    std::string m_addrSpaceRef;
-    std::set<HABMAddrAperture> m_apertures;
-    HABMNamedStore<HABMPortMap> m_portMaps;
+    Fields m_fields;
 };

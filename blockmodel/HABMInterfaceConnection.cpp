@@ -15,13 +15,13 @@ constexpr HABMEnumTexts<HABMInterfaceConnection::ConnectionType, 2> kTypeTexts{{
 }};
 
 /// One count for all trees, which other threads may be building.
-std::atomic<std::uint64_t> connectionsMade{0};
+std::atomic<std::uint64_t> connectionCount{0};
 
 } // namespace
 
 HABMInterfaceConnection::HABMInterfaceConnection(HABMBlock* parent, const std::string& name)
     : m_parent(parent), m_name(name),
-      m_age(connectionsMade.fetch_add(1, std::memory_order_relaxed)) {}
+      m_age(connectionCount.fetch_add(1, std::memory_order_relaxed)) {}
 
 HABMInterfaceConnection::ConnectionType
 HABMInterfaceConnection::encodeConnectionType(std::string text) {
@@ -36,16 +36,19 @@ HABMInterface* HABMInterfaceConnection::interfaceAt(const std::string& path) con
     return habm::interfaceAt(m_parent->getTopBlock(), habm::fromTop(*m_parent, path));
 }
 
+/// Everything that may fail comes before the change.
+bool HABMInterfaceConnection::setPath(std::string& end, std::string path) {
+    const bool isResolved = interfaceAt(path) != nullptr;
+    HABMConnectionIndex::changeEnds(*this, [&] { end.swap(path); });
+    return isResolved;
+}
+
 bool HABMInterfaceConnection::setSourcePath(const std::string& path) {
-    const HABMConnectionChange change(*this);
-    m_sourcePath = path;
-    return interfaceAt(path) != nullptr;
+    return setPath(m_fields.sourcePath, path);
 }
 
 bool HABMInterfaceConnection::setTargetPath(const std::string& path) {
-    const HABMConnectionChange change(*this);
-    m_targetPath = path;
-    return interfaceAt(path) != nullptr;
+    return setPath(m_fields.targetPath, path);
 }
 
 bool HABMInterfaceConnection::isValid() const {
@@ -53,6 +56,6 @@ bool HABMInterfaceConnection::isValid() const {
 }
 
 void HABMInterfaceConnection::moveEnds(const std::string& before, const std::string& after) {
-    habm::move(m_sourcePath, before, after);
-    habm::move(m_targetPath, before, after);
+    habm::move(m_fields.sourcePath, before, after);
+    habm::move(m_fields.targetPath, before, after);
 }

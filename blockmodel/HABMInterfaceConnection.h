@@ -10,7 +10,7 @@ class HABMBlock;
 class HABMInterface;
 
 /// Made by `HABMBlock::createInterfaceConnection`, owned by its block. It keeps the paths that it
-/// was given, as they were given, and looks up what stands there when asked. A path that begins
+/// was given, resolved or not, and looks them up when asked. A path that begins
 /// with "/" starts at the top block ("/cpu0/M_AXI", "/S_AXI" for an interface of the top block);
 /// any other starts at the block that owns the connection. The last name is that of the interface.
 class TQ_EXPORT HABMInterfaceConnection {
@@ -28,17 +28,21 @@ public:
     /// Texts: "soft", "hard"; any other is read as the first.
     [[nodiscard]] static ConnectionType encodeConnectionType(std::string text);
     [[nodiscard]] static std::string decodeConnectionType(ConnectionType type);
-    [[nodiscard]] ConnectionType getConnectionType() const { return m_type; }
-    void setConnectionType(const ConnectionType& type) { m_type = type; }
+    [[nodiscard]] ConnectionType getConnectionType() const { return m_fields.type; }
+    void setConnectionType(const ConnectionType& type) { m_fields.type = type; }
 
-    [[nodiscard]] const std::string& getSourcePath() const { return m_sourcePath; }
-    [[nodiscard]] const std::string& getTargetPath() const { return m_targetPath; }
-    /// True if an interface stands there now; the path is kept either way.
+    [[nodiscard]] const std::string& getSourcePath() const { return m_fields.sourcePath; }
+    [[nodiscard]] const std::string& getTargetPath() const { return m_fields.targetPath; }
+    /// True if the path is that of an interface now; it is kept either way.
     bool setSourcePath(const std::string& path);
     bool setTargetPath(const std::string& path);
-    /// What stands at the two ends now, or null.
-    [[nodiscard]] HABMInterface* getSourceInterface() const { return interfaceAt(m_sourcePath); }
-    [[nodiscard]] HABMInterface* getTargetInterface() const { return interfaceAt(m_targetPath); }
+    /// The interfaces at the two ends now; null for an unresolved path.
+    [[nodiscard]] HABMInterface* getSourceInterface() const {
+        return interfaceAt(m_fields.sourcePath);
+    }
+    [[nodiscard]] HABMInterface* getTargetInterface() const {
+        return interfaceAt(m_fields.targetPath);
+    }
 
     /// True if both ends exist.
     [[nodiscard]] bool isValid() const;
@@ -46,15 +50,20 @@ public:
 private:
     friend class HABMBlock;
     friend class HABMConnectionIndex;
-    friend class HABMObjectMaker;
+    friend class HABMObjectAccess;
+    struct Fields {
+        ConnectionType type = ConnectionType::Soft;
+        std::string sourcePath;
+        std::string targetPath;
+    };
+
     HABMInterfaceConnection(HABMBlock* parent, const std::string& name);
+    bool setPath(std::string& end, std::string path);
     [[nodiscard]] HABMInterface* interfaceAt(const std::string& path) const;
     void moveEnds(const std::string& before, const std::string& after);
 
     HABMBlock* const m_parent;
     const std::string m_name;
     const std::uint64_t m_age; ///< grows from each connection to the next that is made
-    ConnectionType m_type = ConnectionType::Soft;
-    std::string m_sourcePath;
-    std::string m_targetPath;
+    Fields m_fields;
 };

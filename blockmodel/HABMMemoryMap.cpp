@@ -1,21 +1,26 @@
 #include "blockmodel/HABMMemoryMap.h"
 
-#include <cstdint>
-
 #include "blockmodel/HABMBlock.h"
+#include "blockmodel/HABMChildren.h"
 #include "blockmodel/HABMPathText.h"
-
-HABMMemoryMap::HABMMemoryMap(HABMBlock* parent, const std::string& name)
-    : m_parent(parent), m_name(name), m_range(std::uint64_t{0}) {}
 
 std::string HABMMemoryMap::getPath() const {
     return m_parent->getInstancePath() + "/" + m_name;
 }
 
 HABMAddrBlock* HABMMemoryMap::createAddrBlock(const std::string& name) {
-    return habm::isName(name) ? m_blocks.create(name, this, name) : nullptr;
+    return habm::isName(name) ? HABMObjectAccess::childrenOf(*this).blocks.create(name, this, name)
+                              : nullptr;
 }
 
 HABMAddrBlock* HABMMemoryMap::getAddrBlock(const std::string& name) const {
-    return m_blocks.find(name);
+    return HABMObjectAccess::childrenOf(*this).blocks.find(name);
+}
+
+std::vector<HABMAddrBlock*> HABMMemoryMap::getAddrBlocks() const {
+    return HABMObjectAccess::childrenOf(*this).blocks.all();
+}
+
+std::size_t HABMMemoryMap::positionOf(const HABMAddrBlock& block) const {
+    return HABMObjectAccess::childrenOf(*this).blocks.positionOf(block.getName());
 }

@@ -7,27 +7,35 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <new>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-/// Makes the objects of the stores, whose constructors are for their owners alone.
-class HABMObjectMaker {
-public:
-    template <class Object, class... Arguments>
-    static Object* makeAt(void* place, Arguments&&... arguments) {
-        return ::new (place) Object(std::forward<Arguments>(arguments)...);
-    }
-    template <class Object, class... Arguments>
-    static std::unique_ptr<Object> makeNew(Arguments&&... arguments) {
-        return std::unique_ptr<Object>(new Object(std::forward<Arguments>(arguments)...));
-    }
-};
+#include "blockmodel/HABMObjectAccess.h"
 
-/// Objects that stay until all go, such as the millions of registers of a design. They lie in
-/// chunks, side by side, of 1, 1, 2, 4, 8, 16, 16, … objects: one for each would cost an allocation
-/// and a release, and scatter what is walked over in order.
+namespace habm {
+
+/// The name by which the owner of an object finds it.
+template <class Object>
+const std::string& nameOf(const Object& object) {
+    if constexpr (requires { object.getInstanceName(); })
+        return object.getInstanceName();
+    else if constexpr (requires { object.getPortName(); })
+        return object.getPortName();
+    else if constexpr (requires { object.getInterfaceName(); })
+        return object.getInterfaceName();
+    else if constexpr (requires { object.getLogicalPort(); })
+        return object.getLogicalPort();
+    else
+        return object.getName();
+}
+
+} // namespace habm
+
+/// Objects that are removed only all together, such as the millions of registers of a design. They
+/// are allocated in chunks of 1, 1, 2, 4, 8, 16, 16, … objects: allocating each by itself would
+/// take longer, and would scatter in memory what is visited in order.
 template <class Object>
 class HABMKeptObjects {
 public:
@@ -41,37 +49,37 @@ public:
     }
     ~HABMKeptObjects() {
         for (std::size_t position = 0; position < m_size; ++position)
-            at(position)->~Object();
+            std::destroy_at(placeAt(position));
     }
 
     /// Positions, and objects at them.
     [[nodiscard]] std::size_t size() const { return m_size; }
     [[nodiscard]] std::size_t count() const { return m_size; }
-    [[nodiscard]] Object* at(std::size_t position) const {
-        return &m_chunks[chunkOf(position)][placeOf(position)].object;
-    }
+    [[nodiscard]] Object* at(std::size_t position) const { return placeAt(position); }
 
     template <class... Arguments>
     Object* add(Arguments&&... arguments) {
         if (chunkOf(m_size) == m_chunks.size())
             m_chunks.push_back(
                 std::unique_ptr<Slot[]>(new Slot[std::clamp<std::size_t>(m_size, 1, kLargest)]));
-        Object* const added =
-            HABMObjectMaker::makeAt<Object>(static_cast<void*>(&m_chunks.back()[placeOf(m_size)]),
-                                            std::forward<Arguments>(arguments)...);
-        ++m_size;
-        return added;
+        HABMObjectAccess::createAt(placeAt(m_size), std::forward<Arguments>(arguments)...);
+        return at(m_size++);
     }
 
 private:
+    using Stored = typename HABMStored<Object>::Type;
+
     static constexpr std::size_t kLargest = 16;
 
     union Slot {
-        Slot() {} // the store makes and destroys the object
+        Slot() {} // the store creates and destroys the object
         ~Slot() {}
-        Object object;
+        Stored object;
     };
 
+    [[nodiscard]] Stored* placeAt(std::size_t position) const {
+        return &m_chunks[chunkOf(position)][placeOf(position)].object;
+    }
     static std::size_t chunkOf(std::size_t position) {
         constexpr std::size_t kSmaller = std::bit_width(kLargest - 1);
         return position < kLargest ? static_cast<std::size_t>(std::bit_width(position))
@@ -89,6 +97,8 @@ private:
 template <class Object>
 class HABMLooseObjects {
 public:
+    using Stored = typename HABMStored<Object>::Type;
+
     /// Positions, and objects at them.
     [[nodiscard]] std::size_t size() const { return m_objects.size(); }
     [[nodiscard]] std::size_t count() const { return m_count; }
@@ -98,23 +108,23 @@ public:
     template <class... Arguments>
     Object* add(Arguments&&... arguments) {
         m_objects.push_back(
-            HABMObjectMaker::makeNew<Object>(std::forward<Arguments>(arguments)...));
+            HABMObjectAccess::create<Stored>(std::forward<Arguments>(arguments)...));
         ++m_count;
         return m_objects.back().get();
     }
-    std::unique_ptr<Object> take(std::size_t position) {
+    std::unique_ptr<Stored> take(std::size_t position) {
         --m_count;
         return std::move(m_objects[position]);
     }
     void closeHoles() { std::erase(m_objects, nullptr); }
 
 private:
-    std::vector<std::unique_ptr<Object>> m_objects;
+    std::vector<std::unique_ptr<Stored>> m_objects;
     std::size_t m_count = 0;
 };
 
-/// Positions by the hash of their names, in one flat table that is probed one slot after the other:
-/// designs have millions of names, and a node for each would double the work of making and
+/// Positions by the hash of their names: a hash table with open addressing and linear probing.
+/// Designs have millions of names, and a node for each would double the time of creating and
 /// destroying them.
 class HABMNameTable {
 public:
@@ -124,7 +134,7 @@ public:
         return static_cast<Hash>(std::hash<std::string_view>()(name));
     }
     [[nodiscard]] bool empty() const { return m_slots.empty(); }
-    /// Whether so many positions leave free slots enough for short probes.
+    /// True if the table stays sparse enough for short probes with so many positions.
     [[nodiscard]] bool hasRoomFor(std::size_t positions) const {
         return 3 * m_slots.size() >= 4 * positions;
     }
@@ -157,12 +167,15 @@ private:
     std::vector<Slot> m_slots;
 };
 
-/// Adding, finding and taking out cost a constant time on average, whatever the number of objects.
-/// An object stays where it is in memory and keeps its name while it is in here. Holes are closed
-/// when they outnumber the objects, so that emptying a large store costs no more than filling it.
+/// Adding, finding and taking out take a constant time on average. An object keeps its address in
+/// memory and its name while it is in the store. Holes are closed when they outnumber the objects,
+/// so that emptying a large store is linear too. A store that throws `std::bad_alloc` is unchanged;
+/// taking out never does.
 template <class Object, template <class> class Objects = HABMKeptObjects>
 class HABMNamedStore {
 public:
+    using Element = Object;
+
     /// A new object of that name, made of the arguments; null if the name is taken.
     template <class... Arguments>
     Object* create(std::string_view name, Arguments&&... arguments) {
@@ -194,17 +207,18 @@ public:
         return position < m_objects.size() ? m_objects.at(position) : nullptr;
     }
 
-    /// Grows in the order of the objects; beyond the positions of all if none has this name.
+    /// Position of the object of that name, which grows in the order of the objects; beyond all of
+    /// them if none has this name.
     [[nodiscard]] std::size_t positionOf(std::string_view name) const {
         return positionOf(name, m_table.empty() ? 0 : HABMNameTable::hashOf(name));
     }
 
-    /// Gives a loose object out, or null if none has this name.
-    std::unique_ptr<Object> take(std::string_view name) {
+    /// Takes a loose object out; null if none has this name.
+    auto take(std::string_view name) -> std::unique_ptr<typename HABMStored<Object>::Type> {
         const std::size_t position = positionOf(name);
         if (position >= m_objects.size())
             return nullptr;
-        std::unique_ptr<Object> object = m_objects.take(position);
+        auto object = m_objects.take(position);
         if (m_objects.size() > 2 * m_objects.count() + kMostSearched) {
             m_objects.closeHoles();
             m_table.reset(m_objects.size());
@@ -223,7 +237,7 @@ public:
         return objects;
     }
 
-    /// Calls `visit` for each object in order. It mustn't add or take out.
+    /// Calls `visit` for each object in order; `visit` mustn't add or take out objects.
     template <class Visit>
     void forEach(Visit&& visit) const {
         for (std::size_t position = 0; position < m_objects.size(); ++position)
@@ -232,27 +246,14 @@ public:
     }
 
 private:
-    /// Up to so many objects a search is faster, and smaller, than the table.
+    /// Up to so many objects a linear search is faster, and smaller, than the table.
     static constexpr std::size_t kMostSearched = 12;
     static constexpr std::size_t kMostPositions = UINT32_MAX - 1;
-
-    static std::string_view nameOf(const Object& object) {
-        if constexpr (requires { object.getInstanceName(); })
-            return object.getInstanceName();
-        else if constexpr (requires { object.getPortName(); })
-            return object.getPortName();
-        else if constexpr (requires { object.getInterfaceName(); })
-            return object.getInterfaceName();
-        else if constexpr (requires { object.getLogicalPort(); })
-            return object.getLogicalPort();
-        else
-            return object.getName();
-    }
 
     [[nodiscard]] std::size_t positionOf(std::string_view name, HABMNameTable::Hash hash) const {
         const auto holds = [&](std::size_t position) {
             const Object* const object = m_objects.at(position);
-            return object != nullptr && nameOf(*object) == name;
+            return object != nullptr && habm::nameOf(*object) == name;
         };
         if (!m_table.empty())
             return m_table.find(hash, m_objects.size(), holds);
@@ -265,7 +266,7 @@ private:
     void enterAll() {
         for (std::size_t position = 0; position < m_objects.size(); ++position)
             if (const Object* const object = m_objects.at(position))
-                m_table.enter(HABMNameTable::hashOf(nameOf(*object)), position);
+                m_table.enter(HABMNameTable::hashOf(habm::nameOf(*object)), position);
     }
 
     Objects<Object> m_objects;

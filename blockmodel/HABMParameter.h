@@ -11,7 +11,8 @@
 /// shows are one object.
 class TQ_EXPORT HABMParameter : public HABMGeneric {
 public:
-    explicit HABMParameter(const std::string& name) : HABMGeneric(name) {}
+    HABMParameter(std::string name, std::string value)
+        : HABMGeneric(std::move(name), std::move(value)) {}
 
     void setValue(std::string value) { assign(std::move(value)); }
 };

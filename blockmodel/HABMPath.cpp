@@ -1,13 +1,15 @@
 #include "blockmodel/HABMPath.h"
 
+#include "blockmodel/HABMAddrSpace.h"
 #include "blockmodel/HABMBlock.h"
 #include "blockmodel/HABMInterface.h"
+#include "blockmodel/HABMMemoryMap.h"
 #include "blockmodel/HABMPathText.h"
 #include "blockmodel/HABMPort.h"
 
 namespace {
 
-/// True if `path` is that of an object below the one at `owner`.
+/// True for the path of an object below the one at `owner`.
 bool leadsBelow(std::string_view path, std::string_view owner) {
     return path.size() > owner.size() + 1 && path.starts_with(owner) && path[owner.size()] == '/';
 }
@@ -57,6 +59,22 @@ HABMPort* portAt(const HABMBlock* top, std::string_view path) {
     return block == nullptr ? nullptr : block->getPort(std::string(split.names[0]));
 }
 
+HABMAddrBlock* addrBlockAt(const HABMBlock* top, std::string_view path) {
+    const SplitPath split = splitOff(path, 2);
+    const HABMBlock* const block = blockAt(top, split.block);
+    const HABMMemoryMap* const map =
+        block == nullptr ? nullptr : block->getMemoryMap(std::string(split.names[0]));
+    return map == nullptr ? nullptr : map->getAddrBlock(std::string(split.names[1]));
+}
+
+HABMAddrSegment* addrSegmentAt(const HABMBlock* top, std::string_view path) {
+    const SplitPath split = splitOff(path, 2);
+    const HABMBlock* const block = blockAt(top, split.block);
+    const HABMAddrSpace* const space =
+        block == nullptr ? nullptr : block->getAddrSpace(std::string(split.names[0]));
+    return space == nullptr ? nullptr : space->getAddrSegment(std::string(split.names[1]));
+}
+
 std::string fromTop(const HABMBlock& owner, const std::string& path) {
     return path.starts_with('/') ? path : owner.getInstancePath() + "/" + path;
 }
@@ -67,6 +85,30 @@ void move(std::string& path, std::string_view before, std::string_view after) {
 }
 
 } // namespace habm
+
+bool HABMPath::isName(const std::string& name) {
+    return habm::isName(name);
+}
+
+const HABMBlock* HABMPath::findBlock(const HABMBlock& block, const std::string& path) {
+    return habm::blockAt(block.getTopBlock(), path);
+}
+
+HABMPort* HABMPath::findPort(const HABMBlock& block, const std::string& path) {
+    return habm::portAt(block.getTopBlock(), path);
+}
+
+HABMInterface* HABMPath::findInterface(const HABMBlock& block, const std::string& path) {
+    return habm::interfaceAt(block.getTopBlock(), path);
+}
+
+HABMAddrBlock* HABMPath::findAddrBlock(const HABMBlock& block, const std::string& path) {
+    return habm::addrBlockAt(block.getTopBlock(), path);
+}
+
+HABMAddrSegment* HABMPath::findAddrSegment(const HABMBlock& block, const std::string& path) {
+    return habm::addrSegmentAt(block.getTopBlock(), path);
+}
 
 std::string HABMPath::get_relative_path(const HABMBlock& block, const std::string& path) {
     const std::string owner = block.getInstancePath();

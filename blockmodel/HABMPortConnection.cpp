@@ -31,33 +31,35 @@ bool HABMPortConnection::leadsToPort(const std::string& path) const {
 }
 
 bool HABMPortConnection::setSourcePath(const std::string& path) {
-    const HABMConnectionChange change(*this);
-    m_sourcePath = path;
-    return leadsToPort(path);
+    const bool isResolved = leadsToPort(path);
+    std::string fresh = path; // everything that may fail comes before the change
+    HABMConnectionIndex::changeEnds(*this, [&] { m_fields.sourcePath.swap(fresh); });
+    return isResolved;
 }
 
 bool HABMPortConnection::setTargetPaths(const std::set<std::string>& paths) {
-    const HABMConnectionChange change(*this);
-    m_targetPaths = paths;
-    return std::all_of(paths.begin(), paths.end(),
-                       [this](const std::string& path) { return leadsToPort(path); });
+    const bool areResolved = std::all_of(
+        paths.begin(), paths.end(), [this](const std::string& path) { return leadsToPort(path); });
+    std::set<std::string> fresh = paths;
+    HABMConnectionIndex::changeEnds(*this, [&] { m_fields.targetPaths.swap(fresh); });
+    return areResolved;
 }
 
 bool HABMPortConnection::isValid(const bool& flag) const {
-    const auto standing =
-        std::count_if(m_targetPaths.begin(), m_targetPaths.end(),
+    const auto resolved =
+        std::count_if(m_fields.targetPaths.begin(), m_fields.targetPaths.end(),
                       [this](const std::string& path) { return leadsToPort(path); });
-    const auto needed = flag ? 1 : std::max<std::ptrdiff_t>(std::ssize(m_targetPaths), 1);
-    return standing >= needed && leadsToPort(m_sourcePath);
+    const auto needed = flag ? 1 : std::max<std::ptrdiff_t>(std::ssize(m_fields.targetPaths), 1);
+    return resolved >= needed && leadsToPort(m_fields.sourcePath);
 }
 
 void HABMPortConnection::moveEnds(const std::string& before, const std::string& after) {
-    habm::move(m_sourcePath, before, after);
+    habm::move(m_fields.sourcePath, before, after);
     std::set<std::string> targets;
-    while (!m_targetPaths.empty()) {
-        auto node = m_targetPaths.extract(m_targetPaths.begin());
+    while (!m_fields.targetPaths.empty()) {
+        auto node = m_fields.targetPaths.extract(m_fields.targetPaths.begin());
         habm::move(node.value(), before, after);
         targets.insert(std::move(node));
     }
-    m_targetPaths.swap(targets);
+    m_fields.targetPaths.swap(targets);
 }

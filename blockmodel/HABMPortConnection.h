@@ -9,7 +9,7 @@
 class HABMBlock;
 
 /// Made by `HABMBlock::createPortConnection`, owned by its block. It keeps the paths that it was
-/// given, as they were given, and looks up what stands there when asked. A path that begins with
+/// given, resolved or not, and looks them up when asked. A path that begins with
 /// "/" starts at the top block ("/cpu0/clk", "/clk" for a port of the top block); any other starts
 /// at the block that owns the connection.
 class TQ_EXPORT HABMPortConnection {
@@ -27,14 +27,16 @@ public:
     /// Texts: "soft", "hard"; any other is read as the first.
     [[nodiscard]] static ConnectionType encodeConnectionType(std::string text);
     [[nodiscard]] static std::string decodeConnectionType(ConnectionType type);
-    [[nodiscard]] ConnectionType getConnectionType() const { return m_type; }
-    void setConnectionType(const ConnectionType& type) { m_type = type; }
+    [[nodiscard]] ConnectionType getConnectionType() const { return m_fields.type; }
+    void setConnectionType(const ConnectionType& type) { m_fields.type = type; }
 
-    [[nodiscard]] const std::string& getSourcePath() const { return m_sourcePath; }
-    /// True if a port stands there now; the path is kept either way.
+    [[nodiscard]] const std::string& getSourcePath() const { return m_fields.sourcePath; }
+    /// True if the path is that of a port now; it is kept either way.
     bool setSourcePath(const std::string& path);
-    [[nodiscard]] const std::set<std::string>& getTargetPaths() const { return m_targetPaths; }
-    /// True if a port stands at each of the paths now; they are kept either way.
+    [[nodiscard]] const std::set<std::string>& getTargetPaths() const {
+        return m_fields.targetPaths;
+    }
+    /// True if each of the paths is that of a port now; they are kept either way.
     bool setTargetPaths(const std::set<std::string>& paths);
 
     /// True if source and at least one target exist; without the flag, if all targets do, and there
@@ -44,7 +46,13 @@ public:
 private:
     friend class HABMBlock;
     friend class HABMConnectionIndex;
-    friend class HABMObjectMaker;
+    friend class HABMObjectAccess;
+    struct Fields {
+        ConnectionType type = ConnectionType::Soft;
+        std::string sourcePath;
+        std::set<std::string> targetPaths;
+    };
+
     HABMPortConnection(HABMBlock* parent, const std::string& name)
         : m_parent(parent), m_name(name) {}
     [[nodiscard]] bool leadsToPort(const std::string& path) const;
@@ -52,7 +60,5 @@ private:
 
     HABMBlock* const m_parent;
     const std::string m_name;
-    ConnectionType m_type = ConnectionType::Soft;
-    std::string m_sourcePath;
-    std::set<std::string> m_targetPaths;
+    Fields m_fields;
 };

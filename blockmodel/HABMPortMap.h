@@ -1,5 +1,5 @@
-// One line of an interface's port map: which port of the block stands for which port of the
-// interface's definition.
+// One line of an interface's port map: a port of the interface's definition, and the port of the
+// block that implements it.
 #pragma once
 
 #include <string>

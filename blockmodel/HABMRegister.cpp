@@ -1,7 +1,5 @@
 #include "blockmodel/HABMRegister.h"
 
-#include <cstdint>
-
 #include "blockmodel/HABMAddrBlock.h"
 #include "blockmodel/HABMEnumText.h"
 
@@ -14,9 +12,6 @@ constexpr HABMEnumTexts<HABMRegister::RegisterAccess, 3> kAccessTexts{{
 }};
 
 } // namespace
-
-HABMRegister::HABMRegister(HABMAddrBlock* parent, const std::string& name)
-    : m_parent(parent), m_name(name), m_offset(std::uint64_t{0}) {}
 
 std::string HABMRegister::getPath() const {
     return m_parent->getPath() + "/" + m_name;

@@ -1,6 +1,7 @@
 // A register of an address block: its description, and the value that a design gives it.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "blockmodel/HABMAddrValue.h"
@@ -23,37 +24,43 @@ public:
     [[nodiscard]] HABMAddrBlock* getParent() const { return m_parent; }
 
     /// Offset in the address block, in bytes.
-    [[nodiscard]] const HABMAddrValue& getOffset() const { return m_offset; }
-    void setOffset(const HABMAddrValue& offset) { m_offset = offset; }
-    [[nodiscard]] const HABMAddrValue& getReset() const { return m_reset; }
-    void setReset(const HABMAddrValue& reset) { m_reset = reset; }
+    [[nodiscard]] const HABMAddrValue& getOffset() const { return m_fields.offset; }
+    void setOffset(const HABMAddrValue& offset) { m_fields.offset = offset; }
+    [[nodiscard]] const HABMAddrValue& getReset() const { return m_fields.reset; }
+    void setReset(const HABMAddrValue& reset) { m_fields.reset = reset; }
     /// Width in bits.
-    [[nodiscard]] unsigned int getWidth() const { return m_width; }
-    void setWidth(const unsigned int& bits) { m_width = bits; }
+    [[nodiscard]] unsigned int getWidth() const { return m_fields.width; }
+    void setWidth(const unsigned int& bits) { m_fields.width = bits; }
 
     /// Texts: "read_write", "read_only", "write_only"; any other is read as the first.
     [[nodiscard]] static RegisterAccess encodeRegisterAccess(std::string text);
     [[nodiscard]] static std::string decodeRegisterAccess(RegisterAccess access);
-    [[nodiscard]] RegisterAccess getAccess() const { return m_access; }
-    void setAccess(const RegisterAccess& access) { m_access = access; }
+    [[nodiscard]] RegisterAccess getAccess() const { return m_fields.access; }
+    void setAccess(const RegisterAccess& access) { m_fields.access = access; }
 
     /// The value that the register was given; without one its reset value; without that an invalid
     /// value.
-    [[nodiscard]] HABMAddrValue getValue() const { return m_value.isValid() ? m_value : m_reset; }
+    [[nodiscard]] HABMAddrValue getValue() const {
+        return m_fields.value.isValid() ? m_fields.value : m_fields.reset;
+    }
     /// The value that the register was given, or an invalid one.
-    [[nodiscard]] const HABMAddrValue& getGivenValue() const { return m_value; }
+    [[nodiscard]] const HABMAddrValue& getGivenValue() const { return m_fields.value; }
     /// An invalid value takes the given one back.
-    void setValue(const HABMAddrValue& value) { m_value = value; }
+    void setValue(const HABMAddrValue& value) { m_fields.value = value; }
 
 private:
-    friend class HABMObjectMaker;
-    HABMRegister(HABMAddrBlock* parent, const std::string& name);
+    friend class HABMObjectAccess;
+    struct Fields {
+        HABMAddrValue offset{std::uint64_t{0}};
+        unsigned int width = 32;
+        RegisterAccess access = RegisterAccess::ReadWrite;
+        HABMAddrValue reset;
+        HABMAddrValue value;
+    };
+
+    HABMRegister(HABMAddrBlock* parent, const std::string& name) : m_parent(parent), m_name(name) {}
 
     HABMAddrBlock* const m_parent;
     const std::string m_name;
-    HABMAddrValue m_offset;
-    HABMAddrValue m_reset;
-    HABMAddrValue m_value;
-    unsigned int m_width = 32;
-    RegisterAccess m_access = RegisterAccess::ReadWrite;
+    Fields m_fields;
 };
