@@ -1,5 +1,6 @@
 #include "addressing/DataArea.h"
 
+#include "HEXError.h"
 #include "HPAParamMgr.h"
 #include "HUTEnv.h"
 #include "HUTFile.h"
@@ -18,9 +19,21 @@ std::string hardblockFile(const std::string& directory, const std::string& name,
 bool isDebugOn() {
     try {
         return HPAParamMgr::getParamMgr()->getValueAsBool("vorn.writeAddressingJson");
-    } catch (...) {
+    } catch (const HEXError&) {
         return false;
     }
+}
+
+std::optional<std::chrono::milliseconds> findScriptTimeLimit() {
+    int milliseconds = 60000;
+    try {
+        milliseconds = HPAParamMgr::getParamMgr()->getValueAsInt("vorn.addressingTclTimeLimitMs");
+    } catch (const HEXError&) {
+        // The limit for a parameter that can't be read.
+    }
+    if (milliseconds <= 0)
+        return std::nullopt;
+    return std::chrono::milliseconds(milliseconds);
 }
 
 std::string workingFile(const std::string& name) {

@@ -1,6 +1,8 @@
-// Where the subsystem finds its data and leaves its debug files.
+// Where the subsystem finds its data and settings and leaves its debug files.
 #pragma once
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,6 +18,11 @@ namespace hbs_addressing {
 /// The debug switch, read now: the tool parameter "vorn.writeAddressingJson", false if it can't be
 /// read.
 [[nodiscard]] bool isDebugOn();
+
+/// The time that all scripts of one instance may take together, read now: the tool parameter
+/// "vorn.addressingTclTimeLimitMs" in milliseconds, a minute if it can't be read. Absent if it
+/// isn't positive.
+[[nodiscard]] std::optional<std::chrono::milliseconds> findScriptTimeLimit();
 
 /// A file in the working directory.
 [[nodiscard]] std::string workingFile(const std::string& name);

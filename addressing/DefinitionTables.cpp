@@ -1,60 +1,15 @@
 #include "addressing/DefinitionTables.h"
 
 #include <algorithm>
-#include <fstream>
-#include <functional>
+#include <array>
+#include <charconv>
+#include <cstdlib>
 #include <locale>
-#include <tuple>
+#include <utility>
 
 #include "ComMsgMgr.h"
-#include "HUTFile.h"
-
-void HBSTableNotes::begin(const std::string& table, bool isThere, bool isRead) {
-    if (m_report != nullptr)
-        m_report->push_back({table, isThere, isRead, 0, {}});
-}
-
-void HBSTableNotes::row() {
-    if (m_report != nullptr)
-        ++m_report->back().rows;
-}
-
-void HBSTableNotes::drop(const char* table, std::size_t line, std::string_view reason,
-                         std::string_view name) {
-    add(table, line, reason, name, true);
-}
-
-void HBSTableNotes::dropPart(const char* table, std::size_t line, std::string_view reason,
-                             std::string_view text) {
-    add(table, line, reason, text, false);
-}
-
-void HBSTableNotes::add(const char* table, std::size_t line, std::string_view reason,
-                        std::string_view name, bool isWhole) {
-    if (m_report == nullptr)
-        return;
-    std::string text(reason);
-    if (!name.empty())
-        text.append(" '").append(name).append("'");
-    const auto report =
-        std::find_if(m_report->begin(), m_report->end(),
-                     [&](const HBSTableReport& candidate) { return candidate.table == table; });
-    report->dropped.push_back({line, std::move(text), isWhole});
-}
-
-void HBSTableNotes::end() {
-    if (m_report == nullptr)
-        return;
-    const auto parts = [](const HBSDroppedRow& row) { return std::tie(row.line, row.reason); };
-    for (HBSTableReport& report : *m_report) {
-        std::vector<HBSDroppedRow>& rows = report.dropped;
-        std::sort(rows.begin(), rows.end(),
-                  [&](const auto& a, const auto& b) { return parts(a) < parts(b); });
-        rows.erase(std::unique(rows.begin(), rows.end(),
-                               [&](const auto& a, const auto& b) { return parts(a) == parts(b); }),
-                   rows.end());
-    }
-}
+#include "diagnostics/NearestName.h"
+#include "input/InputFile.h"
 
 namespace hbs_tables {
 
@@ -84,11 +39,28 @@ void forEachItem(std::string_view text, char separator, const std::ctype<char>& 
     }
 }
 
-void sendUnknownKey(const std::string& key, const Keys& known) {
+std::string joined(Keys names, const char* separator) {
     std::string list;
-    for (const std::string& name : known)
-        list.append(list.empty() ? "" : " ").append(name);
-    ComMsgMgr::sendMsg::eval(2, __FILE__, __LINE__, "hbs", 0x20000000, "@91-48@%s%s", key, list);
+    for (const std::string_view name : names)
+        list.append(list.empty() ? "" : separator).append(name);
+    return list;
+}
+
+void sendUnknownKey(std::string_view key, Keys known) {
+    ComMsgMgr::sendMsg::eval(2, __FILE__, __LINE__, "hbs", 0x20000000, "@91-48@%s%s",
+                             std::string(key), joined(known, " "));
+}
+
+/// What was expected where `typed` is none of the names.
+std::string expectedOneOf(Keys names, std::string_view typed) {
+    std::string text = "one of: " + joined(names, ", ");
+    if (const std::string_view nearest = tq::nearestName(typed, names); !nearest.empty())
+        text.append("; did you mean ").append(quoted(nearest)).append("?");
+    return text;
+}
+
+bool contains(Keys names, std::string_view name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 /// What the classes of characters are taken from.
@@ -102,10 +74,23 @@ private:
     std::locale m_locale;
 };
 
-/// Gives what isn't a pair to `drop`.
-template <class Drop>
-Record recordOf(std::string_view line, const Keys& known, const std::ctype<char>& classes,
-                Drop drop) {
+/// Sees the tokens of a line on their way into a record, and sends the messages for unknown keys.
+class TokenWatch {
+public:
+    explicit TokenWatch(Keys known) : m_known(known) {}
+    void seeWord(std::string_view /*token*/) const {}
+    void seeKey(std::string_view key) const {
+        if (!m_known.empty() && !contains(m_known, key))
+            sendUnknownKey(key, m_known);
+    }
+    void seeRepeated(std::string_view /*key*/, std::string_view /*earlier*/) const {}
+
+private:
+    Keys m_known;
+};
+
+template <class Watch>
+Record recordOf(std::string_view line, const std::ctype<char>& classes, const Watch& watch) {
     Record record;
     line = trimmed(line, classes);
     if (line.starts_with('#'))
@@ -113,232 +98,349 @@ Record recordOf(std::string_view line, const Keys& known, const std::ctype<char>
     forEachItem(line, ';', classes, [&](std::string_view token) {
         const std::size_t equals = token.find('=');
         if (equals == std::string_view::npos) {
-            drop(token);
+            watch.seeWord(token);
             return;
         }
-        std::string key(trimmed(token.substr(0, equals), classes));
-        if (!known.empty() && !known.contains(key))
-            sendUnknownKey(key, known);
-        record.insert_or_assign(std::move(key), trimmed(token.substr(equals + 1), classes));
+        const std::string_view key = trimmed(token.substr(0, equals), classes);
+        watch.seeKey(key);
+        const std::string_view value = trimmed(token.substr(equals + 1), classes);
+        const auto [pair, isNew] = record.try_emplace(key, value);
+        if (!isNew)
+            watch.seeRepeated(key, std::exchange(pair->second, value));
     });
     return record;
 }
 
-/// Takes note of a part of a row that can't be used: the reason and the part's text.
-using DropPart = std::function<void(std::string_view, std::string_view)>;
+/// What there is of a table. A line that a read error cuts is no row.
+base::FileContent readTable(const std::string& path) {
+    base::FileContent content = input::readPlainFile(path);
+    if (content.outcome == base::ReadOutcome::Failed)
+        content.text.resize(content.text.rfind('\n') + 1); // npos + 1 is 0
+    return content;
+}
+
+/// What the rows of a table hold.
+struct TableForm {
+    const char* table;
+    Keys keys;
+    bool sendsUnknownKeys;
+};
+
+/// The reading of one table: what its findings need to know.
+struct TableReading {
+    const TableForm& form;
+    const HBSTableText& text;
+    HBSTableFindings& findings;
+    const std::ctype<char>& classes;
+
+    void warn(std::string_view part, const char* id, const std::string& what,
+              std::string expected = {}) const {
+        findings.tell(text, part, tq::Severity::Warning, id, what, std::move(expected));
+    }
+};
+
+/// Sees the tokens of a table's lines.
+class TableWatch {
+public:
+    explicit TableWatch(const TableReading& reading)
+        : m_reading(reading),
+          m_messages(reading.form.sendsUnknownKeys ? reading.form.keys : Keys{}) {}
+    void seeWord(std::string_view token) const {
+        m_reading.warn(token, "not-a-pair", quoted(token) + " isn't used", "KEY=VALUE");
+    }
+    void seeKey(std::string_view key) const {
+        m_messages.seeKey(key);
+        if (m_reading.findings.isOn() && !contains(m_reading.form.keys, key))
+            m_reading.warn(key, "unknown-key", "unknown key " + quoted(key),
+                           expectedOneOf(m_reading.form.keys, key));
+    }
+    void seeRepeated(std::string_view key, std::string_view earlier) const {
+        m_reading.warn(earlier, "repeated-key",
+                       "this value isn't used: the row has a later " + quoted(key));
+    }
+
+private:
+    const TableReading& m_reading;
+    TokenWatch m_messages;
+};
 
 /// One line's pairs, asked for by key.
 class Row {
 public:
-    Row(const Record& record, const std::ctype<char>& classes, const DropPart& dropPart)
-        : m_record(record), m_classes(classes), m_dropPart(dropPart) {}
+    Row(const Record& record, const TableReading& reading) : m_record(record), m_reading(reading) {}
 
+    [[nodiscard]] bool has(std::string_view key) const { return m_record.contains(key); }
     [[nodiscard]] std::string text(std::string_view key, const char* absent = "") const {
-        const auto found = m_record.find(key);
-        return found == m_record.end() ? absent : found->second;
+        return std::string(view(key, absent));
+    }
+    /// A text of which the block model knows some; any other is kept, and counts as `other`.
+    [[nodiscard]] std::string choice(std::string_view key, const char* absent, Keys known,
+                                     std::string_view other) const {
+        const std::string_view given = view(key, absent);
+        if (m_reading.findings.isOn() && has(key) && !contains(known, given))
+            m_reading.warn(given, "unknown-value",
+                           "unknown " + std::string(key) + " " + quoted(given) + ", taken for " +
+                               quoted(other),
+                           expectedOneOf(known, given));
+        return std::string(given);
+    }
+    /// A decimal number, still as a text.
+    [[nodiscard]] std::string number(std::string_view key, const char* absent) const {
+        const std::string_view given = view(key, absent);
+        unsigned value = 0;
+        const auto [end, error] = std::from_chars(given.data(), given.data() + given.size(), value);
+        if (error != std::errc() || end != given.data() + given.size())
+            m_reading.warn(given, "bad-number",
+                           std::string(key) + " " + quoted(given) + " is taken for " +
+                               std::to_string(decimal(std::string(given))),
+                           "a decimal number");
+        return std::string(given);
     }
     [[nodiscard]] HABMAddrValue address(std::string_view key) const {
-        const std::string given = text(key, "0x0");
-        const HABMAddrValue address(given);
-        if (!address.isValid())
-            m_dropPart(std::string(key) + " that can't be read", given);
-        return address;
+        return HABMAddrValue(addressText(key));
+    }
+    [[nodiscard]] std::string addressText(std::string_view key) const {
+        const std::string_view given = view(key, "0x0");
+        if (!HABMAddrValue(std::string(given)).isValid())
+            m_reading.warn(given, "bad-address",
+                           std::string(key) + " " + quoted(given) + " can't be read",
+                           "an address or a size such as 0x1000 or 64K");
+        return std::string(given);
     }
     [[nodiscard]] HABMAddrAperture aperture() const { return {address("offset"), address("size")}; }
     /// A comma list. The file's order is lost.
     [[nodiscard]] std::set<std::string> list(std::string_view key) const {
         std::set<std::string> items;
-        forEachItem(text(key), ',', m_classes, [&](std::string_view item) { items.emplace(item); });
+        forEachItem(view(key), ',', m_reading.classes,
+                    [&](std::string_view item) { items.emplace(item); });
         return items;
     }
     /// A comma list of pairs with a blank between them. An item without a blank is none.
     [[nodiscard]] std::map<std::string, std::string> pairs(std::string_view key) const {
         std::map<std::string, std::string> pairs;
-        forEachItem(text(key), ',', m_classes, [&](std::string_view item) {
-            const std::size_t blank = item.find(' ');
-            if (blank == std::string_view::npos)
-                m_dropPart(std::string(key) + " item without a blank", item);
-            else
-                pairs.insert_or_assign(std::string(trimmed(item.substr(0, blank), m_classes)),
-                                       std::string(trimmed(item.substr(blank), m_classes)));
-        });
+        forEachItem(view(key), ',', m_reading.classes,
+                    [&](std::string_view item) { addPair(pairs, item); });
         return pairs;
     }
 
 private:
+    /// Part of the line, or `absent`.
+    [[nodiscard]] std::string_view view(std::string_view key, const char* absent = "") const {
+        const auto found = m_record.find(key);
+        return found == m_record.end() ? absent : found->second;
+    }
+    void addPair(std::map<std::string, std::string>& pairs, std::string_view item) const {
+        const std::size_t blank = item.find(' ');
+        if (blank == std::string_view::npos) {
+            m_reading.warn(item, "bad-portmap", "port map " + quoted(item) + " isn't used",
+                           "LOGICAL PHYSICAL, with a blank between them");
+            return;
+        }
+        const std::string_view logical = trimmed(item.substr(0, blank), m_reading.classes);
+        const bool isNew =
+            pairs
+                .insert_or_assign(std::string(logical),
+                                  std::string(trimmed(item.substr(blank), m_reading.classes)))
+                .second;
+        if (!isNew)
+            m_reading.warn(item, "repeated-portmap",
+                           "replaces an earlier port map of " + quoted(logical));
+    }
+
     const Record& m_record;
-    const std::ctype<char>& m_classes;
-    const DropPart& m_dropPart;
+    const TableReading& m_reading;
 };
 
-/// Reads a table, of which `rowOf` makes rows. `lacking` names what a row must have and hasn't, or
-/// is empty.
+/// Reads a table, of which `rowOf` makes rows. `lacking` names the key that a row must have and
+/// hasn't, or is empty.
 template <class TableRow, class RowOf, class Lacking>
-void parseTable(const std::string& directory, const char* table, const Keys& known,
-                std::vector<TableRow>& rows, HBSTableNotes& notes, RowOf rowOf, Lacking lacking) {
+void parseTable(const std::string& directory, const TableForm& form, std::vector<TableRow>& rows,
+                HBSTableFindings& findings, RowOf rowOf, Lacking lacking) {
     rows.clear();
-    const std::string path = directory + "/" + table;
-    std::ifstream stream;
-    // Opening something else, such as a FIFO, could wait for ever.
-    const HUTFile file(path);
-    if (file.isFile())
-        stream.open(path, std::ios::binary);
-    notes.begin(table, file.exists(), stream.is_open());
+    const std::string path = directory + "/" + form.table;
+    const HBSTableText& text = findings.open(form.table, path, readTable(path));
     const Classes classes;
-    std::string line;
-    std::size_t number = 1;
-    const DropPart dropPart = [&](std::string_view reason, std::string_view text) {
-        notes.dropPart(table, number, reason, text);
-    };
-    for (; std::getline(stream, line); ++number) {
-        const Record record = recordOf(line, known, classes.get(), [&](std::string_view token) {
-            dropPart("no '=' in", token);
-        });
+    const TableReading reading{form, text, findings, classes.get()};
+    const TableWatch watch(reading);
+    for (std::string_view rest = text.content(); !rest.empty();) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+        const Record record = recordOf(line, classes.get(), watch);
         if (record.empty())
             continue;
-        notes.row();
-        TableRow row = rowOf(Row(record, classes.get(), dropPart));
-        row.line = number;
+        findings.countRow();
+        TableRow row = rowOf(Row(record, reading));
+        row.table = &text;
+        row.rowStart = text.offsetOf(line);
         const std::string_view lack = lacking(row);
-        if (lack.empty())
+        if (lack.empty()) {
             rows.push_back(std::move(row));
-        else
-            notes.drop(table, number, lack);
+            continue;
+        }
+        findings.countDropped(row);
+        reading.warn(trimmed(line, classes.get()), "missing-key",
+                     "the row isn't used: it has no " + std::string(lack));
     }
+    findings.close();
 }
+
+// In ascending order, as the message for an unknown key lists them.
+constexpr std::array<std::string_view, 7> kAddrBlockKeys{
+    "addrblock", "group", "interfaces", "memorymap", "offset", "size", "type"};
+constexpr std::array<std::string_view, 6> kRegisterKeys{"access",   "addrblock", "offset",
+                                                        "register", "reset",     "width"};
+constexpr std::array<std::string_view, 6> kAddrSegmentKeys{"addrsegment", "addrspace", "interfaces",
+                                                           "offset",      "size",      "type"};
+constexpr std::array<std::string_view, 5> kPortKeys{"direction", "left", "port", "right", "type"};
+constexpr std::array<std::string_view, 6> kInterfaceKeys{"enable",   "interface", "mode",
+                                                         "portmaps", "style",     "vlnv"};
+constexpr std::array<std::string_view, 3> kParameterKeys{"name", "type", "value"};
+constexpr std::array<std::string_view, 4> kInstanceKeys{"base_address", "enable", "instance",
+                                                        "vlnv"};
+constexpr std::array<std::string_view, 4> kConnectionKeys{"source", "style", "targets", "type"};
+
+// The texts that the block model knows; an unknown one counts as the first.
+constexpr std::array<std::string_view, 3> kBlockTypes{"register", "memory", "reserved"};
+constexpr std::array<std::string_view, 3> kAccesses{"read_write", "read_only", "write_only"};
+constexpr std::array<std::string_view, 3> kSegmentTypes{"both", "data", "instruction"};
+constexpr std::array<std::string_view, 2> kPortTypes{"wire", "vector"};
+constexpr std::array<std::string_view, 3> kDirections{"in", "out", "inout"};
+constexpr std::array<std::string_view, 9> kModes{"unknown",         "master",         "slave",
+                                                 "mirrored_master", "mirrored_slave", "system",
+                                                 "monitor",         "initiator",      "target"};
+constexpr std::array<std::string_view, 2> kStyles{"soft", "hard"};
 
 } // namespace
 
-Record readRecord(std::string_view line, const Keys& known) {
-    return recordOf(line, known, Classes().get(), [](std::string_view) {});
+unsigned decimal(const std::string& text) {
+    return static_cast<unsigned>(static_cast<int>(std::strtol(text.c_str(), nullptr, 10)));
 }
 
-void parseAddrBlocks(const std::string& directory, const char* table,
-                     std::vector<HBSAddrBlockRow>& rows, HBSTableNotes& notes) {
+Record readRecord(std::string_view line, Keys known) {
+    return recordOf(line, Classes().get(), TokenWatch(known));
+}
+
+void parseAddrBlocks(const std::string& directory, std::vector<HBSAddrBlockRow>& rows,
+                     HBSTableFindings& findings) {
     parseTable(
-        directory, table, {}, rows, notes,
+        directory, {kAddrBlocks, kAddrBlockKeys, false}, rows, findings,
         [](const Row& in) {
             return HBSAddrBlockRow{{},
                                    in.text("addrblock"),
                                    in.text("memorymap"),
                                    in.list("interfaces"),
-                                   in.text("type", "register"),
+                                   in.choice("type", "register", kBlockTypes, "register"),
                                    in.aperture(),
                                    in.text("group")};
         },
-        [](const HBSAddrBlockRow& row) { return row.addrblock.empty() ? "no addrblock" : ""; });
+        [](const HBSAddrBlockRow& row) { return row.addrblock.empty() ? "addrblock" : ""; });
 }
 
-void parseRegisters(const std::string& directory, const char* table,
-                    std::vector<HBSRegisterRow>& rows, HBSTableNotes& notes) {
+void parseRegisters(const std::string& directory, std::vector<HBSRegisterRow>& rows,
+                    HBSTableFindings& findings) {
     parseTable(
-        directory, table, {}, rows, notes,
+        directory, {kRegisters, kRegisterKeys, false}, rows, findings,
         [](const Row& in) {
             return HBSRegisterRow{{},
                                   in.text("register"),
                                   in.text("addrblock"),
                                   in.address("offset"),
-                                  in.text("width", "32"),
+                                  in.number("width", "32"),
                                   in.address("reset"),
-                                  in.text("access", "read_write")};
+                                  in.choice("access", "read_write", kAccesses, "read_write")};
         },
         [](const HBSRegisterRow& row) {
             if (row.registerName.empty())
-                return "no register";
-            return row.addrblock.empty() ? "no addrblock" : "";
+                return "register";
+            return row.addrblock.empty() ? "addrblock" : "";
         });
 }
 
-void parseAddrSegments(const std::string& directory, const char* table,
-                       std::vector<HBSAddrSegmentRow>& rows, HBSTableNotes& notes) {
+void parseAddrSegments(const std::string& directory, std::vector<HBSAddrSegmentRow>& rows,
+                       HBSTableFindings& findings) {
     parseTable(
-        directory, table, {}, rows, notes,
+        directory, {kAddrSegments, kAddrSegmentKeys, false}, rows, findings,
         [](const Row& in) {
             return HBSAddrSegmentRow{{},
                                      in.text("addrsegment"),
                                      in.text("addrspace"),
                                      in.list("interfaces"),
-                                     in.text("type", "both"),
+                                     in.choice("type", "both", kSegmentTypes, "both"),
                                      in.aperture()};
         },
-        [](const HBSAddrSegmentRow& row) {
-            return row.addrsegment.empty() ? "no addrsegment" : "";
-        });
+        [](const HBSAddrSegmentRow& row) { return row.addrsegment.empty() ? "addrsegment" : ""; });
 }
 
-void parsePorts(const std::string& directory, const char* table, std::vector<HBSPortRow>& rows,
-                HBSTableNotes& notes) {
+void parsePorts(const std::string& directory, std::vector<HBSPortRow>& rows,
+                HBSTableFindings& findings) {
     parseTable(
-        directory, table, {"direction", "left", "port", "right", "type"}, rows, notes,
+        directory, {kPorts, kPortKeys, true}, rows, findings,
         [](const Row& in) {
             return HBSPortRow{{},
                               in.text("port"),
-                              in.text("type", "wire"),
-                              in.text("direction", "in"),
-                              in.text("left", "0"),
-                              in.text("right", "0")};
+                              in.choice("type", "wire", kPortTypes, "wire"),
+                              in.choice("direction", "in", kDirections, "in"),
+                              in.number("left", "0"),
+                              in.number("right", "0")};
         },
-        [](const HBSPortRow& row) { return row.port.empty() ? "no port" : ""; });
+        [](const HBSPortRow& row) { return row.port.empty() ? "port" : ""; });
 }
 
-void parseInterfaces(const std::string& directory, const char* table,
-                     std::vector<HBSInterfaceRow>& rows, HBSTableNotes& notes) {
+void parseInterfaces(const std::string& directory, std::vector<HBSInterfaceRow>& rows,
+                     HBSTableFindings& findings) {
     parseTable(
-        directory, table, {"enable", "interface", "mode", "portmaps", "style", "vlnv"}, rows, notes,
+        directory, {kInterfaces, kInterfaceKeys, true}, rows, findings,
         [](const Row& in) {
             return HBSInterfaceRow{{},
                                    in.text("interface"),
                                    in.text("style", "soft"),
                                    in.text("vlnv"),
-                                   in.text("mode"),
+                                   in.choice("mode", "", kModes, "unknown"),
                                    in.text("enable"),
                                    in.pairs("portmaps")};
         },
-        [](const HBSInterfaceRow& row) { return row.interface.empty() ? "no interface" : ""; });
+        [](const HBSInterfaceRow& row) { return row.interface.empty() ? "interface" : ""; });
 }
 
-void parseParameters(const std::string& directory, const char* table,
-                     std::vector<HBSParameterRow>& rows, HBSTableNotes& notes) {
+void parseParameters(const std::string& directory, std::vector<HBSParameterRow>& rows,
+                     HBSTableFindings& findings) {
     parseTable(
-        directory, table, {"name", "type", "value"}, rows, notes,
+        directory, {kParameters, kParameterKeys, true}, rows, findings,
         [](const Row& in) {
             return HBSParameterRow{{}, in.text("name"), in.text("type"), in.text("value")};
         },
-        [](const HBSParameterRow& row) { return row.name.empty() ? "no name" : ""; });
+        [](const HBSParameterRow& row) { return row.name.empty() ? "name" : ""; });
 }
 
-void parseInstances(const std::string& directory, const char* table,
-                    std::vector<HBSInstanceRow>& rows, HBSTableNotes& notes) {
+void parseInstances(const std::string& directory, std::vector<HBSInstanceRow>& rows,
+                    HBSTableFindings& findings) {
     parseTable(
-        directory, table, {}, rows, notes,
+        directory, {kInstances, kInstanceKeys, false}, rows, findings,
         [](const Row& in) {
             return HBSInstanceRow{{},
                                   in.text("instance"),
                                   in.text("vlnv"),
                                   in.text("enable"),
-                                  in.text("base_address", "0x0")};
+                                  in.addressText("base_address")};
         },
-        [](const HBSInstanceRow& row) { return row.instance.empty() ? "no instance" : ""; });
+        [](const HBSInstanceRow& row) { return row.instance.empty() ? "instance" : ""; });
 }
 
-void parseConnections(const std::string& directory, const char* table,
-                      std::vector<HBSConnectionRow>& rows, HBSTableNotes& notes) {
-    // The blank in front is meant: a row that doesn't name its type is neither of the two kinds,
-    // and makes no connection.
-    constexpr const char* kNoType = " interface";
+void parseConnections(const std::string& directory, std::vector<HBSConnectionRow>& rows,
+                      HBSTableFindings& findings) {
     parseTable(
-        directory, table, {}, rows, notes,
-        [&](const Row& in) {
+        directory, {kConnections, kConnectionKeys, false}, rows, findings,
+        [](const Row& in) {
             return HBSConnectionRow{{},
-                                    in.text("type", kNoType),
-                                    in.text("style", "soft"),
+                                    in.text("type", kNoConnectionType),
+                                    in.choice("style", "soft", kStyles, "soft"),
                                     in.text("source"),
                                     in.list("targets")};
         },
         [](const HBSConnectionRow& row) {
             if (row.source.empty())
-                return "no source";
-            return row.targets.empty() ? "no targets" : "";
+                return "source";
+            return row.targets.empty() ? "targets" : "";
         });
 }
 

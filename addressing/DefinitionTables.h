@@ -1,20 +1,16 @@
-// The eight tables of a hard block as rows of text, as they stand in the files.
+// The eight tables of a hard block as rows of text, as the files have them.
 #pragma once
 
 #include <map>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "addressing/HBSAddrParseUtil.h"
+#include "addressing/DefinitionFindings.h"
 #include "blockmodel/HABMAddrAperture.h"
 #include "blockmodel/HABMAddrValue.h"
-
-/// Where a row stands in its file.
-struct HBSTableRow {
-    std::size_t line = 0;
-};
 
 struct HBSAddrBlockRow : HBSTableRow {
     std::string addrblock;
@@ -79,30 +75,6 @@ struct HBSConnectionRow : HBSTableRow {
     std::set<std::string> targets;
 };
 
-/// Takes note of what became of the tables, if anybody wants to know.
-class HBSTableNotes {
-public:
-    explicit HBSTableNotes(std::vector<HBSTableReport>* report) : m_report(report) {}
-
-    void begin(const std::string& table, bool isThere, bool isRead);
-    void row();
-    /// A whole row.
-    void drop(const char* table, std::size_t line, std::string_view reason,
-              std::string_view name = {});
-    /// A part of a row that is used without it.
-    void dropPart(const char* table, std::size_t line, std::string_view reason,
-                  std::string_view text);
-    /// Puts the drops of each table in the order of their lines, each once: a row of registers is
-    /// used for every address block of its name.
-    void end();
-
-private:
-    void add(const char* table, std::size_t line, std::string_view reason, std::string_view name,
-             bool isWhole);
-
-    std::vector<HBSTableReport>* m_report; ///< null if nobody does
-};
-
 namespace hbs_tables {
 
 constexpr const char* kAddrBlocks = "data/addrblocks.txt";
@@ -114,32 +86,40 @@ constexpr const char* kParameters = "data/parameters.txt";
 constexpr const char* kInstances = "data/instances.txt";
 constexpr const char* kConnections = "data/connections.txt";
 
-using Record = std::map<std::string, std::string, std::less<>>;
-using Keys = std::set<std::string, std::less<>>;
+/// The type of a connection row that names none. The blank in front is meant: it is neither of the
+/// two kinds, and no value of a table begins with one.
+constexpr const char* kNoConnectionType = " interface";
 
-/// The pairs of one line. A comment or an empty line gives none. A key that isn't known sends a
-/// message, if `known` names any, and is kept all the same; of a key that comes twice the later
-/// value stays. Blanks are what the global locale takes for space.
-[[nodiscard]] Record readRecord(std::string_view line, const Keys& known);
+using Record = std::map<std::string_view, std::string_view>;
+using Keys = std::span<const std::string_view>;
 
-// Each reads the table at `table` below the hard block's `directory` into `rows`, which it clears
-// first. A file that can't be opened is an empty table. A row without what it must have is dropped.
+/// The pairs of one line, as parts of it. A comment or an empty line gives none. A key that isn't
+/// known sends a message, if `known` names any, and is kept all the same; of a key that comes twice
+/// the later value stays. Blanks are what the global locale takes for space.
+[[nodiscard]] Record readRecord(std::string_view line, Keys known);
 
-void parseAddrBlocks(const std::string& directory, const char* table,
-                     std::vector<HBSAddrBlockRow>& rows, HBSTableNotes& notes);
-void parseRegisters(const std::string& directory, const char* table,
-                    std::vector<HBSRegisterRow>& rows, HBSTableNotes& notes);
-void parseAddrSegments(const std::string& directory, const char* table,
-                       std::vector<HBSAddrSegmentRow>& rows, HBSTableNotes& notes);
-void parsePorts(const std::string& directory, const char* table, std::vector<HBSPortRow>& rows,
-                HBSTableNotes& notes);
-void parseInterfaces(const std::string& directory, const char* table,
-                     std::vector<HBSInterfaceRow>& rows, HBSTableNotes& notes);
-void parseParameters(const std::string& directory, const char* table,
-                     std::vector<HBSParameterRow>& rows, HBSTableNotes& notes);
-void parseInstances(const std::string& directory, const char* table,
-                    std::vector<HBSInstanceRow>& rows, HBSTableNotes& notes);
-void parseConnections(const std::string& directory, const char* table,
-                      std::vector<HBSConnectionRow>& rows, HBSTableNotes& notes);
+/// What atoi gives, also for numbers beyond an int, where atoi itself may do anything.
+[[nodiscard]] unsigned decimal(const std::string& text);
+
+// Each reads its table below the hard block's `directory` into `rows`, which it clears first. A
+// file that can't be opened is an empty table, and so is one beyond the limit of all readers; where
+// reading fails on the way, the lines before count. A row without what it must have is dropped.
+
+void parseAddrBlocks(const std::string& directory, std::vector<HBSAddrBlockRow>& rows,
+                     HBSTableFindings& findings);
+void parseRegisters(const std::string& directory, std::vector<HBSRegisterRow>& rows,
+                    HBSTableFindings& findings);
+void parseAddrSegments(const std::string& directory, std::vector<HBSAddrSegmentRow>& rows,
+                       HBSTableFindings& findings);
+void parsePorts(const std::string& directory, std::vector<HBSPortRow>& rows,
+                HBSTableFindings& findings);
+void parseInterfaces(const std::string& directory, std::vector<HBSInterfaceRow>& rows,
+                     HBSTableFindings& findings);
+void parseParameters(const std::string& directory, std::vector<HBSParameterRow>& rows,
+                     HBSTableFindings& findings);
+void parseInstances(const std::string& directory, std::vector<HBSInstanceRow>& rows,
+                    HBSTableFindings& findings);
+void parseConnections(const std::string& directory, std::vector<HBSConnectionRow>& rows,
+                      HBSTableFindings& findings);
 
 } // namespace hbs_tables

@@ -9,6 +9,7 @@
 #include "HUTFile.h"
 #include "addressing/DataArea.h"
 #include "addressing/RegisterReferences.h"
+#include "addressing/TclGuard.h"
 #include "addressing/TclWords.h"
 #include "blockmodel/HABMRegister.h"
 #include "blockmodel/HABMUtils.h"
@@ -25,10 +26,10 @@ void sendTclError(const std::string& text) {
 }
 
 void sendUnusableName(const std::string& name) {
-    sendTclError("the name \"" + name + "\" can't stand in a script as one word");
+    sendTclError("the name \"" + name + "\" can't be used as one word of a script");
 }
 
-/// The scripts of one block. The optional holds the result of the last one that was to run.
+/// Runs the scripts of one block and keeps the result of the last one, which is empty if it failed.
 class BlockScripts {
 public:
     BlockScripts(Tcl_Interp* interp, std::string blockNamespace)
@@ -37,8 +38,9 @@ public:
     [[nodiscard]] const std::optional<std::string>& result() const { return m_result; }
 
     bool createNamespace() {
-        return canHold(m_namespace, standsAsWord(m_namespace)) &&
-               run("namespace eval " + m_namespace + " {}");
+        if (!isPlainWord(m_namespace))
+            return refuse(m_namespace);
+        return run("namespace eval " + m_namespace + " {}");
     }
 
     /// Sets the dict of all registers, then one variable per register.
@@ -48,8 +50,8 @@ public:
         std::string variables;
         for (HABMRegister* reg : registers) {
             const std::string& name = reg->getName();
-            if (!canHold(name, standsAsBracketedWord(name)))
-                return false;
+            if (!isPlainBracketedWord(name))
+                return refuse(name);
             const std::string value = reg->getValue().getPrettyHexStringValue(0);
             dict.append(name).append(" ").append(value).append(" ");
             variables.append(variable).append(name).append(" ").append(value).append("\n");
@@ -58,22 +60,19 @@ public:
     }
 
     bool source(const std::string& path) {
-        const std::string script = "source " + path;
-        return canHold(path, standsAsWord(path)) &&
-               run(m_namespace.empty() ? script
+        const std::string script = "source " + quotePath(path);
+        return run(m_namespace.empty() ? script
                                        : "namespace eval " + m_namespace + " { " + script + " }");
     }
 
 private:
     bool run(const std::string& script) { return evalTcl(m_interp, script, m_result.emplace()); }
 
-    /// Fails in place of a script that can't hold a name.
-    bool canHold(const std::string& name, bool stands) {
-        if (!stands) {
-            sendUnusableName(name);
-            m_result.emplace();
-        }
-        return stands;
+    /// Fails in place of the script that would have used the name.
+    bool refuse(const std::string& name) {
+        sendUnusableName(name);
+        m_result.emplace();
+        return false;
     }
 
     Tcl_Interp* m_interp;
@@ -81,8 +80,9 @@ private:
     std::optional<std::string> m_result;
 };
 
-/// The expression with its register references replaced by values, as far as there are any.
-std::string withRegisterValues(HABMBlock& subBlock, const std::string& expression) {
+/// The expression with its register references replaced by values. The first register without a
+/// valid value ends the replacing.
+std::string substituteRegisterValues(HABMBlock& subBlock, const std::string& expression) {
     if (expression.find("register_value") == std::string::npos)
         return expression;
     RegisterReferences references(expression);
@@ -104,6 +104,7 @@ bool evalTcl(Tcl_Interp* interp, const std::string& script, std::string& result)
     result.clear();
     if (script.empty())
         return true;
+    TclGuard::beginScript(interp);
     if (Tcl_Eval(interp, script.c_str()) != TCL_OK) {
         // A script may have unset the trace.
         const char* trace = Tcl_GetVar2(interp, "errorInfo", nullptr, TCL_GLOBAL_ONLY);
@@ -136,7 +137,7 @@ std::optional<std::string> loadBlockNamespace(Tcl_Interp* interp, HABMBlock* blo
 
     for (HABMBlock* child : block->getSubBlocks())
         loadBlockNamespace(interp, child, blockNamespace);
-    // A failure of the block's own script is no failure of the load.
+    // The load goes on if the block's own script fails.
     if (HUTFile(script).exists())
         scripts.source(script);
     return scripts.result();
@@ -144,10 +145,7 @@ std::optional<std::string> loadBlockNamespace(Tcl_Interp* interp, HABMBlock* blo
 
 void evalHelper(Tcl_Interp* interp, const std::string& path) {
     std::string result;
-    if (standsAsBracketedWord(path))
-        evalTcl(interp, "[source " + path + "]", result);
-    else
-        sendUnusableName(path);
+    evalTcl(interp, "[source " + quotePath(path) + "]", result);
 }
 
 bool evalEnablement(Tcl_Interp* interp, HABMBlock* top, const std::string& subBlockName,
@@ -158,8 +156,8 @@ bool evalEnablement(Tcl_Interp* interp, HABMBlock* top, const std::string& subBl
     if (subBlock == nullptr || expression.starts_with("get_"))
         return true;
 
-    const std::string text = withRegisterValues(*subBlock, expression);
-    if (const std::string fault = faultOfExpression(text); !fault.empty()) {
+    const std::string text = substituteRegisterValues(*subBlock, expression);
+    if (const std::string fault = findExpressionFault(text); !fault.empty()) {
         sendTclError(fault);
         return true;
     }

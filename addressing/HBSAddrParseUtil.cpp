@@ -1,11 +1,14 @@
 #include "addressing/HBSAddrParseUtil.h"
 
-#include <cstdlib>
+#include <functional>
+#include <map>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include "HUTFile.h"
+#include "addressing/DefinitionChecks.h"
 #include "addressing/DefinitionTables.h"
 #include "blockmodel/HABM.h"
 
@@ -26,21 +29,24 @@ RowsByText<Row> byInterface(const std::vector<Row>& rows) {
     return byName;
 }
 
+/// The first row of each name.
+using FirstRows = std::unordered_map<std::string_view, const HBSTableRow*>;
+
 /// The tables of one hard block, and the way from them to its block.
 class DefinitionBuilder {
 public:
-    explicit DefinitionBuilder(std::vector<HBSTableReport>* report) : m_notes(report) {}
+    explicit DefinitionBuilder(HBSTableFindings& findings) : m_findings(findings) {}
 
     /// `directory` is the hard block's own.
     void readTables(const std::string& directory) {
-        parseAddrBlocks(directory, kAddrBlocks, m_addrBlocks, m_notes);
-        parseRegisters(directory, kRegisters, m_registers, m_notes);
-        parseAddrSegments(directory, kAddrSegments, m_addrSegments, m_notes);
-        parsePorts(directory, kPorts, m_ports, m_notes);
-        parseInterfaces(directory, kInterfaces, m_interfaces, m_notes);
-        parseParameters(directory, kParameters, m_parameters, m_notes);
-        parseInstances(directory, kInstances, m_instances, m_notes);
-        parseConnections(directory, kConnections, m_connections, m_notes);
+        parseAddrBlocks(directory, m_addrBlocks, m_findings);
+        parseRegisters(directory, m_registers, m_findings);
+        parseAddrSegments(directory, m_addrSegments, m_findings);
+        parsePorts(directory, m_ports, m_findings);
+        parseInterfaces(directory, m_interfaces, m_findings);
+        parseParameters(directory, m_parameters, m_findings);
+        parseInstances(directory, m_instances, m_findings);
+        parseConnections(directory, m_connections, m_findings);
     }
 
     std::unique_ptr<HABMBlock> build(const std::string& name) {
@@ -53,50 +59,70 @@ public:
         addInterfaces(*block);
         addConnections(*block);
         addParameters(*block);
-        m_notes.end();
+        if (m_findings.isOn())
+            check(*block);
         return block;
     }
 
 private:
-    static constexpr const char* kRefused = "unusable or repeated name";
+    void check(const HABMBlock& block) const {
+        checkPorts(m_ports, m_findings);
+        checkAddresses(block.getModuleName(), m_addrBlocks, m_registers, m_findings);
+        checkInterfaceLists(block, m_addrBlocks, m_addrSegments, m_findings);
+    }
 
-    /// What atoi gives, also for numbers beyond an int, where atoi itself may do anything.
-    unsigned decimal(const char* table, std::size_t line, const char* key,
-                     const std::string& text) {
-        char* end = nullptr;
-        const long number = std::strtol(text.c_str(), &end, 10);
-        if (end == text.c_str())
-            m_notes.dropPart(table, line, std::string(key) + " without digits", text);
-        return static_cast<unsigned>(static_cast<int>(number));
+    /// A row that makes nothing.
+    void drop(const HBSTableRow& row, const char* key, const char* id, const std::string& text,
+              std::string expected = {}) {
+        m_findings.countDropped(row);
+        m_findings.tell(row, key, tq::Severity::Warning, id, text, std::move(expected));
+    }
+    /// A row whose object the block refused, as the name is taken (by the row that `names` has
+    /// for it) or can't be one.
+    void refuse(const HBSTableRow& row, const char* key, const std::string& name,
+                const FirstRows& names) {
+        m_findings.countDropped(row);
+        const auto first = names.find(name);
+        if (first == names.end())
+            m_findings.tell(row, key, tq::Severity::Warning, "unusable-name",
+                            "the row isn't used: " + quoted(name) + " can't be a name");
+        else
+            m_findings.tell(row, key, tq::Severity::Warning, "repeated-name",
+                            "the row isn't used: a second " + std::string(key) + " " + quoted(name),
+                            {}, first->second);
+    }
+    /// Names serve the notes of findings alone.
+    void remember(FirstRows& names, const std::string& name, const HBSTableRow& row) const {
+        if (m_findings.isOn())
+            names.emplace(name, &row);
     }
 
     void addInstances(HABMBlock& block) {
+        FirstRows names;
         for (const HBSInstanceRow& row : m_instances) {
             std::string vendor;
             std::string library;
             std::string name;
             std::string version;
             if (!HABMUtils::splitVLNV(row.vlnv, vendor, library, name, version)) {
-                m_notes.drop(kInstances, row.line, "vlnv hasn't four fields", row.vlnv);
+                drop(row, "vlnv", "bad-vlnv", "the row isn't used: vlnv " + quoted(row.vlnv),
+                     "VENDOR:LIBRARY:NAME:VERSION");
                 continue;
             }
             HABMBlock* const stub = block.createSubBlock(row.instance, name, false);
             if (stub == nullptr) {
-                m_notes.drop(kInstances, row.line, kRefused, row.instance);
+                refuse(row, "instance", row.instance, names);
                 continue;
             }
+            remember(names, row.instance, row);
             stub->setBlockStub(true);
             stub->setModuleVlnv(row.vlnv);
             stub->setEnablement(row.enable);
-            const HABMAddrValue base(row.baseAddress);
-            if (!base.isValid())
-                m_notes.dropPart(kInstances, row.line, "base_address that can't be read",
-                                 row.baseAddress);
-            stub->setBaseAddress(base);
+            stub->setBaseAddress(HABMAddrValue(row.baseAddress));
         }
     }
 
-    /// A row's memory map or address space; an empty name stands for the block's module name.
+    /// A row's memory map or address space; the block's module name if it is empty.
     static const std::string& nameOrModule(const std::string& name, const HABMBlock& block) {
         return name.empty() ? block.getModuleName() : name;
     }
@@ -112,79 +138,97 @@ private:
         RowsByText<HBSRegisterRow> registers;
         for (const HBSRegisterRow& row : m_registers)
             registers[row.addrblock].push_back(&row);
-        RowsByText<HBSRegisterRow> unclaimed = registers;
+        std::map<std::string, FirstRows, std::less<>> namesOfMaps;
+        std::unordered_set<std::string_view> claimed;
         for (const HBSAddrBlockRow& row : m_addrBlocks) {
             const std::string& name = nameOrModule(row.memorymap, block);
             HABMMemoryMap* map = block.getMemoryMap(name);
             if (map == nullptr)
                 map = block.createMemoryMap(name);
             if (map == nullptr) {
-                m_notes.drop(kAddrBlocks, row.line, "unusable memory map", name);
+                drop(row, "memorymap", "unusable-name",
+                     "the row isn't used: " + quoted(name) + " can't be a memory map's name");
                 continue;
             }
             widen(*map, row.aperture);
+            FirstRows& names = namesOfMaps[name];
             HABMAddrBlock* const addrBlock = map->createAddrBlock(row.addrblock);
             if (addrBlock == nullptr) {
-                m_notes.drop(kAddrBlocks, row.line, kRefused, row.addrblock);
+                refuse(row, "addrblock", row.addrblock, names);
                 continue;
             }
+            remember(names, row.addrblock, row);
             addrBlock->setMemoryType(HABMAddrBlock::encodeMemoryType(row.type));
             addrBlock->setAperture(row.aperture);
-            addRegisters(*addrBlock, registers[row.addrblock]);
-            unclaimed.erase(row.addrblock);
+            const bool isFirst = claimed.insert(row.addrblock).second;
+            addRegisters(*addrBlock, registers[row.addrblock], isFirst);
         }
-        for (const auto& [addrBlock, rows] : unclaimed)
-            for (const HBSRegisterRow* const row : rows)
-                m_notes.drop(kRegisters, row->line, "there is no address block", addrBlock);
+        for (const HBSRegisterRow& row : m_registers)
+            if (!claimed.contains(row.addrblock))
+                drop(row, "addrblock", "unknown-addrblock",
+                     "the row isn't used: there is no address block " + quoted(row.addrblock));
     }
 
-    void addRegisters(HABMAddrBlock& addrBlock, const std::vector<const HBSRegisterRow*>& rows) {
+    /// The same rows go into every address block of their name; what is refused is told for the
+    /// first.
+    void addRegisters(HABMAddrBlock& addrBlock, const std::vector<const HBSRegisterRow*>& rows,
+                      bool isFirst) {
+        FirstRows names;
         for (const HBSRegisterRow* const row : rows) {
             HABMRegister* const created = addrBlock.createRegister(row->registerName);
             if (created == nullptr) {
-                m_notes.drop(kRegisters, row->line, kRefused, row->registerName);
+                if (isFirst)
+                    refuse(*row, "register", row->registerName, names);
                 continue;
             }
+            if (isFirst)
+                remember(names, row->registerName, *row);
             created->setOffset(row->offset);
-            created->setWidth(decimal(kRegisters, row->line, "width", row->width));
+            created->setWidth(decimal(row->width));
             created->setReset(row->reset);
             created->setAccess(HABMRegister::encodeRegisterAccess(row->access));
         }
     }
 
     void addAddrSegments(HABMBlock& block) {
+        std::map<std::string, FirstRows, std::less<>> namesOfSpaces;
         for (const HBSAddrSegmentRow& row : m_addrSegments) {
             const std::string& name = nameOrModule(row.addrspace, block);
             HABMAddrSpace* space = block.getAddrSpace(name);
             if (space == nullptr)
                 space = block.createAddrSpace(name);
             if (space == nullptr) {
-                m_notes.drop(kAddrSegments, row.line, "unusable address space", name);
+                drop(row, "addrspace", "unusable-name",
+                     "the row isn't used: " + quoted(name) + " can't be an address space's name");
                 continue;
             }
             widen(*space, row.aperture);
+            FirstRows& names = namesOfSpaces[name];
             HABMAddrSegment* const segment = space->createAddrSegment(row.addrsegment);
             if (segment == nullptr) {
-                m_notes.drop(kAddrSegments, row.line, kRefused, row.addrsegment);
+                refuse(row, "addrsegment", row.addrsegment, names);
                 continue;
             }
+            remember(names, row.addrsegment, row);
             segment->setMemoryType(HABMAddrSegment::encodeMemoryType(row.type));
             segment->setAperture(row.aperture);
         }
     }
 
     void addPorts(HABMBlock& block) {
+        FirstRows names;
         for (const HBSPortRow& row : m_ports) {
             HABMPort* const port = block.createPort(row.port, false);
             if (port == nullptr) {
-                m_notes.drop(kPorts, row.line, kRefused, row.port);
+                refuse(row, "port", row.port, names);
                 continue;
             }
+            remember(names, row.port, row);
             port->setPortType(HABMPort::encodePortType(row.type));
             port->setPortDirection(HABMPort::encodePortDirection(row.direction));
             if (!port->isWirePort()) {
-                port->setPortLeft(decimal(kPorts, row.line, "left", row.left));
-                port->setPortRight(decimal(kPorts, row.line, "right", row.right));
+                port->setPortLeft(decimal(row.left));
+                port->setPortRight(decimal(row.right));
             }
         }
     }
@@ -192,12 +236,14 @@ private:
     void addInterfaces(HABMBlock& block) {
         const RowsByText<HBSAddrBlockRow> addrBlocks = byInterface(m_addrBlocks);
         const RowsByText<HBSAddrSegmentRow> addrSegments = byInterface(m_addrSegments);
+        FirstRows names;
         for (const HBSInterfaceRow& row : m_interfaces) {
             HABMInterface* const interface = block.createInterface(row.interface, false);
             if (interface == nullptr) {
-                m_notes.drop(kInterfaces, row.line, kRefused, row.interface);
+                refuse(row, "interface", row.interface, names);
                 continue;
             }
+            remember(names, row.interface, row);
             interface->setInterfaceVlnv(row.vlnv);
             interface->setInterfaceMode(HABMInterface::encodeInterfaceMode(row.mode));
             if (!row.enable.empty())
@@ -238,9 +284,17 @@ private:
             else if (row.type == "interface")
                 addInterfaceConnections(block, row);
             else
-                m_notes.drop(kConnections, row.line,
-                             "neither type=port nor type=interface but type", row.type);
+                dropConnection(row);
         }
+    }
+
+    void dropConnection(const HBSConnectionRow& row) {
+        const char* const expected = "type=port or type=interface";
+        if (row.type == kNoConnectionType)
+            drop(row, "type", "missing-key", "the row isn't used: it has no type", expected);
+        else
+            drop(row, "type", "unknown-value",
+                 "the row isn't used: unknown type " + quoted(row.type), expected);
     }
 
     static void addPortConnection(HABMBlock& block, const HBSConnectionRow& row) {
@@ -264,11 +318,20 @@ private:
     }
 
     void addParameters(HABMBlock& block) {
-        for (const HBSParameterRow& row : m_parameters)
+        FirstRows names;
+        for (const HBSParameterRow& row : m_parameters) {
             block.setParameter(row.name, row.value, true);
+            const auto first = names.find(row.name);
+            if (first == names.end())
+                remember(names, row.name, row);
+            else
+                m_findings.tell(row, "name", tq::Severity::Warning, "repeated-name",
+                                "replaces the value of an earlier " + quoted(row.name), {},
+                                first->second);
+        }
     }
 
-    HBSTableNotes m_notes;
+    HBSTableFindings& m_findings;
     std::vector<HBSAddrBlockRow> m_addrBlocks;
     std::vector<HBSRegisterRow> m_registers;
     std::vector<HBSAddrSegmentRow> m_addrSegments;
@@ -279,30 +342,28 @@ private:
     std::vector<HBSConnectionRow> m_connections;
 };
 
-std::unique_ptr<HABMBlock> built(const HUTFile& directory, const std::string& name, bool write,
-                                 std::vector<HBSTableReport>* report) {
-    if (!directory.isDir() || name.empty())
-        return nullptr;
-    const std::string own = directory.getFullPath() + HUTFile::getDirSeparator() + name;
-    DefinitionBuilder builder(report);
-    builder.readTables(own);
-    std::unique_ptr<HABMBlock> block = builder.build(name);
-    if (write)
-        HABMBlock::writeTopBlock(HUTFile(own + "/" + name + ".bmj"), *block, true);
-    return block;
-}
-
 } // namespace
 
 std::unique_ptr<HABMBlock> HBSAddrParseUtil::buildHardblockDefinition(const HUTFile& directory,
                                                                       const std::string& name,
                                                                       const bool& write) {
-    return built(directory, name, write, nullptr);
+    return buildHardblockDefinition(directory, name, write, tq::DiagnosticSink());
 }
 
 std::unique_ptr<HABMBlock>
 HBSAddrParseUtil::buildHardblockDefinition(const HUTFile& directory, const std::string& name,
-                                           const bool& write, std::vector<HBSTableReport>& report) {
-    report.clear();
-    return built(directory, name, write, &report);
+                                           const bool& write, const tq::DiagnosticSink& sink,
+                                           std::vector<HBSTableReport>* report) {
+    if (report != nullptr)
+        report->clear();
+    if (!directory.isDir() || name.empty())
+        return nullptr;
+    const std::string own = directory.getFullPath() + HUTFile::getDirSeparator() + name;
+    HBSTableFindings findings(sink, report);
+    DefinitionBuilder builder(findings);
+    builder.readTables(own);
+    std::unique_ptr<HABMBlock> block = builder.build(name);
+    if (write)
+        HABMBlock::writeTopBlock(HUTFile(own + "/" + name + ".bmj"), *block, true);
+    return block;
 }

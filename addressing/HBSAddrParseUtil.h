@@ -6,25 +6,20 @@
 #include <string>
 #include <vector>
 
+#include "diagnostics/Diagnostic.h"
 #include "tq_export.h"
 
 class HABMBlock;
 class HUTFile;
 
-/// A row, or a part of one, that went into nothing.
-struct TQ_EXPORT HBSDroppedRow {
-    std::size_t line = 0; ///< counted from 1
-    std::string reason;
-    bool isWhole = true; ///< false for a part of a row
-};
-
 /// What became of one table.
 struct TQ_EXPORT HBSTableReport {
     std::string table; ///< path below the hard block's directory: "data/ports.txt"
     bool isThere = false;
-    bool isRead = false;  ///< false also if it is there and can't be opened, or is no file
+    bool isRead = false;  ///< to its end
+    std::string fault;    ///< why one that is there wasn't: "it is a folder"
     std::size_t rows = 0; ///< lines that hold a row, whether it was used or not
-    std::vector<HBSDroppedRow> dropped;
+    std::size_t used = 0; ///< rows that went into the block, be it without a part of them
 };
 
 /// The tables live in DIRECTORY/NAME/data: addrblocks.txt, registers.txt, addrsegments.txt,
@@ -37,12 +32,22 @@ struct TQ_EXPORT HBSTableReport {
 /// Address texts are those of HABMAddrValue. Blanks around keys and values don't count, a value
 /// can't hold a ";", and an empty value isn't the same as a key left out, which takes its default.
 ///
-/// What can't be used is dropped without a word, be it a row that lacks its name, a name that is
+/// A table that is there and can't be read counts as far as it was read, without a word; a caller
+/// that replaces a file by the result asks the report whether each `isRead` that `isThere`. What
+/// can't be used is dropped without a word, be it a row that lacks its name, a name that is
 /// taken or a connection of an unknown type, or a part of a row: a pair without "=", an address
 /// that can't be read, a number without digits (which counts as 0), a port map item without a
-/// blank. The report tells of it, once for the same thing in a line. Only an unknown key in
+/// blank. Texts that a key doesn't know (access=rw) count as its default. Only an unknown key in
 /// ports.txt, interfaces.txt or parameters.txt sends a message, "@91-48@%s%s" (the key, the known
 /// keys). Nothing here throws for bad data.
+///
+/// A sink is told of all that, with the place in the table. Warnings: what is dropped or counts as
+/// something else than written, names given twice, bounds of a port that isn't a vector, an
+/// `interfaces` list that names no interface of its kind, address blocks without a size, registers
+/// outside their address block, address blocks or registers that overlap. Remarks: registers whose
+/// offset isn't a multiple of their size. Errors: tables that can't be read. The findings of the
+/// reading come first, then those of the building, then those of the addresses. What the sink
+/// throws leaves the builder.
 class TQ_EXPORT HBSAddrParseUtil {
 public:
     HBSAddrParseUtil() = delete;
@@ -54,8 +59,10 @@ public:
     [[nodiscard]] static std::unique_ptr<HABMBlock>
     buildHardblockDefinition(const HUTFile& directory, const std::string& name, const bool& write);
 
-    /// The same, and tells in `report` what became of each table, in the order of their reading.
+    /// The same with findings; `report` gets what became of each table, in the order of their
+    /// reading, unless it is null.
     [[nodiscard]] static std::unique_ptr<HABMBlock>
     buildHardblockDefinition(const HUTFile& directory, const std::string& name, const bool& write,
-                             std::vector<HBSTableReport>& report);
+                             const tq::DiagnosticSink& sink,
+                             std::vector<HBSTableReport>* report = nullptr);
 };

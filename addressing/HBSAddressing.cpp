@@ -17,7 +17,7 @@ namespace {
 constexpr unsigned kMask = 0x20000000;
 
 /// The hard block's name in its VLNV; absent, with a message, if that can't be split.
-std::optional<std::string> hardblockName(const std::string& vlnv) {
+std::optional<std::string> parseHardblockName(const std::string& vlnv) {
     std::string vendor, library, name, version;
     if (HABMUtils::splitVLNV(vlnv, vendor, library, name, version))
         return name;
@@ -30,20 +30,22 @@ std::unique_ptr<HABMBlock> readDefinition(const std::string& name) {
     return HABMBlock::readTopBlock(HUTFile(hbs_addressing::hardblockFile(directory, name, ".bmj")));
 }
 
-/// Expands definitions with all that their stubs stand for.
+/// Reads a definition and merges the definitions of its stubs into it, recursively.
 class Expansion {
 public:
-    /// Empty if the definition can't be read, is one of those that are just being expanded, or lies
-    /// beyond the bounds.
+    /// Empty if the definition can't be read.
     std::unique_ptr<HABMBlock> expand(const std::string& vlnv) {
-        const std::optional<std::string> name = hardblockName(vlnv);
-        if (!name || std::find(m_names.begin(), m_names.end(), *name) != m_names.end() ||
-            m_names.size() >= kMostNested || m_expanded++ >= kMostExpanded)
-            return nullptr;
-        std::unique_ptr<HABMBlock> top = readDefinition(*name);
+        const std::optional<std::string> name = parseHardblockName(vlnv);
+        return name ? expandNamed(*name) : nullptr;
+    }
+
+private:
+    std::unique_ptr<HABMBlock> expandNamed(const std::string& name) {
+        ++m_expanded;
+        std::unique_ptr<HABMBlock> top = readDefinition(name);
         if (!top)
             return top;
-        m_names.push_back(*name);
+        m_names.push_back(name);
         for (HABMBlock* subBlock : top->getSubBlocks())
             if (subBlock->isBlockStub())
                 mergeStub(*top, *subBlock);
@@ -51,21 +53,37 @@ public:
         return top;
     }
 
-private:
+    /// Empty, so that the stub stays, if its definition can't be read, is being expanded around it,
+    /// or is beyond a bound.
+    std::unique_ptr<HABMBlock> expandStub(const std::string& vlnv, const std::string& path) {
+        const std::optional<std::string> name = parseHardblockName(vlnv);
+        if (!name || std::find(m_names.begin(), m_names.end(), *name) != m_names.end())
+            return nullptr;
+        if (m_names.size() < kMostNested && m_expanded < kMostExpanded)
+            return expandNamed(*name);
+        if (!m_isBoundReported)
+            sendUnmerged(vlnv, path);
+        m_isBoundReported = true;
+        return nullptr;
+    }
+
     void mergeStub(HABMBlock& top, HABMBlock& stub) {
         const std::string vlnv = stub.getModuleVlnv();
         const std::string path = stub.getInstancePath();
-        const std::unique_ptr<HABMBlock> child = expand(vlnv);
+        const std::unique_ptr<HABMBlock> child = expandStub(vlnv, path);
         if (!child)
             return;
         const std::string enablement = stub.getEnablement();
         const HABMAddrValue baseAddress = stub.getBaseAddress();
         if (!HABMBlock::mergeTopBlock(top, path, *child, true))
-            ComMsgMgr::sendMsg::eval(2, __FILE__, __LINE__, "hbs", kMask, "@91-44@%s%s", vlnv,
-                                     path);
-        // What the surrounding definition says of its sub-block wins over what the child says.
+            sendUnmerged(vlnv, path);
+        // The surrounding definition decides whether and where its sub-block exists.
         stub.setEnablement(enablement);
         stub.setBaseAddress(baseAddress);
+    }
+
+    static void sendUnmerged(const std::string& vlnv, const std::string& path) {
+        ComMsgMgr::sendMsg::eval(2, __FILE__, __LINE__, "hbs", kMask, "@91-44@%s%s", vlnv, path);
     }
 
     // Bounds for hostile data: a chain must not use up the stack, nor a fan of stubs the memory.
@@ -73,7 +91,8 @@ private:
     static constexpr std::size_t kMostExpanded = 65536;
 
     std::size_t m_expanded = 0;
-    std::vector<std::string> m_names; ///< the hard blocks on the way from the top to here
+    bool m_isBoundReported = false;   ///< once for all the stubs beyond it
+    std::vector<std::string> m_names; ///< the hard blocks around the one being expanded
 };
 
 void writeDebugDefinition(const HABMBlock& block) {
@@ -100,9 +119,10 @@ const HABMBlock* HBSAddressing::createSubsystemDefinition(const std::string& vln
     if (!expanded)
         return nullptr;
     const HABMBlock* const block = expanded.get();
-    cache[context][vlnv] = block;
-    static_cast<void>(expanded.release());
     writeDebugDefinition(*block);
+    Definitions entry{{vlnv, block}};
+    cache[context].merge(entry); // can't fail, so that no context is left without a definition
+    static_cast<void>(expanded.release());
     return block;
 }
 

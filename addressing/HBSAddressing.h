@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "base/RapidJson.h"
 #include "blockmodel/HABMBlock.h"
-#include "rapidjson_headers.h"
 #include "tq_export.h"
 
 class HUTFile;
@@ -21,7 +21,7 @@ class HUTFile;
 ///
 /// - A definition is the static description of a subsystem: the ".bmj" file of a hard block NAME,
 ///   read from NAME/NAME".bmj" below the data area's "mirrel/hardblocks", with every sub-block stub
-///   replaced by the definition that it stands for.
+///   replaced by the definition that it names.
 /// - A config is a block of the caller's: parameters on the block itself, and under its sub-block
 ///   "inst" one sub-block per configured instance, with that instance's parameters and register
 ///   values.
@@ -38,22 +38,33 @@ class HUTFile;
 ///
 /// No operation throws on bad data: what can't be used is left out. Expressions and scripts of hard
 /// blocks are the data's own code and run with all that Tcl can do, but names and values never
-/// become commands: a name that can't stand in a script as one word is reported as a Tcl error. Not
-/// guarded: one thread at a time.
+/// become commands: a name that isn't one word of a script is reported as a Tcl error.
+///
+/// Scripts can't end the process or keep it: `exit` is a Tcl error, and so are files whose
+/// substitutions are nested deeper than 1,000. All scripts of one instance share a time limit, the
+/// tool parameter "vorn.addressingTclTimeLimitMs" (60,000 by default; 0 or less is no limit); later
+/// scripts still get 0.1 s each. Working directory, environment, standard channels, SIGPIPE and
+/// locale are afterwards as they were. Not stopped are: one long command in C, such as a
+/// `string match` with a dozen stars; a command that waits in the system, such as `exec`; text with
+/// thousands of nested "[" that a script makes up itself; running out of memory, or of the 2 GiB
+/// that Tcl has for a value, on which Tcl ends the process; signals sent and libraries loaded.
+///
+/// Where memory runs out elsewhere, `std::bad_alloc` is raised, with no definition cached and the
+/// document of the report unchanged. Not guarded: one thread at a time.
 class TQ_EXPORT HBSAddressing {
 public:
     HBSAddressing() = delete;
 
     /// The definition of the hard block `vlnv`, or null if either text is empty or the definition
     /// can't be read. It is cached under both texts for the life of the process, is never changed,
-    /// and belongs to nobody; a failed build leaves no entry, so that a later call tries again.
+    /// and has no owner; a failed build leaves no entry, so that a later call tries again.
     /// `context` only selects a cache.
     ///
-    /// A VLNV that isn't "vendor:library:name:version" sends "@91-45@%s". A stub whose definition
-    /// can't be read stays a stub, with no message, and so does one that names a definition which
-    /// is just being expanded around it: a ring of definitions ends there. The same goes for one
-    /// nested below 2,000 others, and beyond 65,536 definitions read in one call. A stub that can't
-    /// be merged sends "@91-44@%s%s".
+    /// A VLNV that isn't "vendor:library:name:version" sends "@91-45@%s". A stub stays a stub, with
+    /// no message, if its definition can't be read or is being expanded around it: a ring of
+    /// definitions ends there. A stub that can't be merged sends "@91-44@%s%s" with its VLNV and
+    /// path: one whose content would be nested deeper than `HABMBlock::kMostLevels`, and, once per
+    /// call, the first that is nested below 2,000 others or follows 65,536 definitions.
     [[nodiscard]] static const HABMBlock* createSubsystemDefinition(const std::string& vlnv,
                                                                     const std::string& context);
 
@@ -78,7 +89,7 @@ public:
     /// Reports the addressing of `block` as seen from its surface: its interfaces with the address
     /// spaces and memory maps that they reach, and the maps and spaces of all blocks below it.
     /// `document` is overwritten with an object, whose form docs/addressing.schema.json describes.
-    /// Members stand in the order of insertion.
+    /// Members are in the order of insertion.
     static void generateSurfaceLevelAddressing(const HABMBlock& block,
                                                rapidjson::Document& document);
 };

@@ -89,8 +89,8 @@ private:
     HABMBlock& m_instance;
 };
 
-/// Removes what lost its ends. Unconnected ports stay: what is removed under a port's name is a
-/// port connection, if one bears that name.
+/// Removes connections and interfaces that lost their ends. Unconnected ports stay: a port's name
+/// is used to remove a port connection of the same name.
 void prune(HABMBlock& instance) {
     for (HABMInterfaceConnection* connection : instance.findInterfaceConnections("", true))
         if (const std::string name = connection->getName(); !connection->isValid())

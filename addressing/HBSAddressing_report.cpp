@@ -11,14 +11,17 @@
 
 #include "HCRapidJsonReadWriteUtils.h"
 #include "HUTFileWriteStream.h"
+#include "addressing/CheckedPool.h"
 #include "addressing/DataArea.h"
 #include "addressing/HBSAddressing.h"
 #include "addressing/HBSPointerIndex.h"
+#include "base/JsonWriter.h"
 #include "blockmodel/HABM.h"
 
 namespace {
 
 using Json = HCRapidJsonReadWriteUtils;
+using hbs_addressing::CheckedPool;
 using rapidjson::Value;
 
 std::string displayPath(const std::string& path) {
@@ -45,27 +48,33 @@ bool isHidden(const HABMBlock& block) {
 class SurfaceReport {
 public:
     SurfaceReport(const HABMBlock& block, rapidjson::Document& document)
-        : m_block(block), m_document(document), m_allocator(document.GetAllocator()) {}
+        : m_block(block), m_pool(document.GetAllocator()) {}
 
-    void build() {
-        m_document.SetObject();
+    Value build() {
         Value component = object();
         addIfFilled(component, "interface_ports", interfacePorts());
         addIfFilled(component, "addressing", addressing());
         Value components = object();
         addIfFilled(components, m_block.getModuleName(), std::move(component));
-        addIfFilled(m_document, "components", std::move(components));
+        Value report = object();
+        addIfFilled(report, "components", std::move(components));
+        return report;
     }
 
 private:
     static Value object() { return Value(rapidjson::kObjectType); }
 
     void add(Value& to, const std::string& key, Value child) {
-        Json::AddGenericValueProperty(to, key, child, m_allocator);
+        Json::AddGenericValueProperty(
+            to, key, child,
+            m_pool.withRoomFor(CheckedPool::growthOf(to) + CheckedPool::bytesOf(key)));
     }
 
     void add(Value& to, const std::string& key, const std::string& text) {
-        Json::AddStringProperty(to, key, text, m_allocator);
+        Json::AddStringProperty(to, key, text,
+                                m_pool.withRoomFor(CheckedPool::growthOf(to) +
+                                                   CheckedPool::bytesOf(key) +
+                                                   CheckedPool::bytesOf(text)));
     }
 
     void addIfFilled(Value& to, const std::string& key, Value child) {
@@ -88,8 +97,11 @@ private:
         std::vector<std::string> references =
             isSource ? spacesBehind(interface) : mapsBehind(interface);
         std::sort(references.begin(), references.end());
-        Json::AddStringArrayProperty(port, isSource ? "address_space_refs" : "memory_map_refs",
-                                     references, m_allocator);
+        const std::string key = isSource ? "address_space_refs" : "memory_map_refs";
+        Json::AddStringArrayProperty(port, key, references,
+                                     m_pool.withRoomFor(CheckedPool::growthOf(port) +
+                                                        CheckedPool::bytesOf(key) +
+                                                        CheckedPool::bytesOf(references)));
         return port;
     }
 
@@ -174,7 +186,7 @@ private:
     Value addressSpace(HABMAddrSpace& space) {
         Value entry = rangedEntry(space);
         if (isHidden(*space.getParent()))
-            Json::AddBooleanProperty(entry, "visible", false, m_allocator);
+            add(entry, "visible", Value(false));
         Value localMap = object();
         addIfFilled(localMap, "address_blocks", localBlocks(space));
         addIfFilled(entry, "local_memory_map", std::move(localMap));
@@ -262,8 +274,7 @@ private:
     static constexpr int kInternalAssign = 2;
 
     const HABMBlock& m_block;
-    rapidjson::Document& m_document;
-    rapidjson::Document::AllocatorType& m_allocator;
+    CheckedPool m_pool;
     HBSPointerIndex<HABMAddrSpace, HABMInterface> m_interfacesOfSpace;
     std::unordered_map<const HABMAddrSpace*, std::vector<AssignedBlock>> m_assignsOfSpace;
     std::unordered_map<const HABMAddrBlock*, BlockTexts> m_textsOfBlock;
@@ -272,7 +283,7 @@ private:
 void writeDebugReport(const std::string& module, const rapidjson::Document& document) {
     HUTFileWriteStream stream(hbs_addressing::workingFile(module + "_addressing.json"), 2);
     rapidjson::OStreamWrapper wrapper(stream);
-    rapidjson::PrettyWriter<rapidjson::OStreamWrapper> writer(wrapper);
+    JsonPrettyWriter<rapidjson::OStreamWrapper> writer(wrapper);
     document.Accept(writer);
     stream.close();
 }
@@ -281,7 +292,8 @@ void writeDebugReport(const std::string& module, const rapidjson::Document& docu
 
 void HBSAddressing::generateSurfaceLevelAddressing(const HABMBlock& block,
                                                    rapidjson::Document& document) {
-    SurfaceReport(block, document).build();
-    if (hbs_addressing::isDebugOn())
+    const bool isDebugOn = hbs_addressing::isDebugOn();
+    static_cast<Value&>(document) = SurfaceReport(block, document).build();
+    if (isDebugOn)
         writeDebugReport(block.getModuleName(), document);
 }

@@ -23,15 +23,13 @@ namespace hbs_addressing {
 /// The pass is made over the same buffer that the replacements change, and isn't restarted. Hard
 /// blocks rely on what follows from that, so it is modelled exactly:
 /// - The buffer starts as the expression with a NUL behind it. A replacement moves the text behind
-/// the
-///   reference (to the left for a shorter value), puts a NUL at the new end, and leaves the
-///   characters behind that as they were.
+///   the reference (to the left for a shorter value), puts a NUL at the new end, and leaves the
+///   characters behind that unchanged.
 /// - The next search starts at the index at which the last match ended before its replacement. A
 ///   reference that moved to the left over that index isn't seen.
 /// - The search ends at the length that the text had at the start, not at its present end. An old
-/// copy
-///   behind the present end is matched like any other; replacing it replaces the first occurrence
-///   of the same text in the present text, if there is one.
+///   copy behind the present end is matched like any other; replacing it replaces the first
+///   occurrence of the same text in the present text, if there is one.
 class RegisterReferences {
 public:
     explicit RegisterReferences(std::string_view expression);
@@ -42,12 +40,12 @@ public:
     [[nodiscard]] const std::string& name() const { return m_name; }
     /// Replaces the first occurrence of the present reference's whole text by `value`.
     void replace(std::string_view value);
-    /// The expression as it stands.
+    /// The expression with the replacements so far.
     [[nodiscard]] std::string text() const { return m_buffer.substr(0, m_length); }
 
 private:
     std::string m_buffer; ///< at least the text at the start and the NUL behind it
-    std::size_t m_length; ///< length of the text as it stands
+    std::size_t m_length; ///< length of the present text
     std::size_t m_end;    ///< where the search ends: the length at the start
     std::size_t m_position = 0;
     std::string m_match; ///< whole text of the present reference

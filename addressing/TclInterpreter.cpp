@@ -1,7 +1,14 @@
 #include "addressing/TclInterpreter.h"
 
 #include <clocale>
+#include <optional>
 #include <string>
+
+#include "addressing/DataArea.h"
+#include "addressing/ProcessState.h"
+#include "addressing/TclDeletion.h"
+#include "addressing/TclGuard.h"
+#include "addressing/TclThreadState.h"
 
 namespace hbs_addressing {
 
@@ -39,11 +46,51 @@ Tcl_Interp* createInterp() {
 
 } // namespace
 
-TclInterpreter::TclInterpreter() : m_interp(createInterp()) {}
+/// An interpreter, and what is saved around its life. Also taken down when its set-up fails half
+/// way.
+class TclInterpreter::Run {
+public:
+    Run() = default;
+    ~Run();
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
 
-TclInterpreter::~TclInterpreter() {
-    if (m_interp != nullptr)
-        Tcl_DeleteInterp(m_interp);
+    void setUp();
+    [[nodiscard]] Tcl_Interp* interp() const { return m_interp; }
+
+private:
+    ProcessState m_process;
+    TclGuard m_guard{findScriptTimeLimit()};
+    Tcl_Interp* m_interp = createInterp();
+    std::optional<TclInspection> m_inspection;
+    std::optional<TclThreadState> m_thread;
+};
+
+void TclInterpreter::Run::setUp() {
+    if (m_interp == nullptr)
+        return;
+    m_inspection.emplace(m_interp);
+    m_thread.emplace(m_interp);
+    m_guard.guard(m_interp);
+}
+
+TclInterpreter::Run::~Run() {
+    if (m_thread)
+        m_thread->restore(m_interp);
+    if (m_inspection)
+        deleteInterpreter(m_interp, *m_inspection);
+    if (m_thread)
+        m_thread->closeReplacements();
+}
+
+TclInterpreter::TclInterpreter() : m_run(std::make_unique<Run>()) {
+    m_run->setUp();
+}
+
+TclInterpreter::~TclInterpreter() = default;
+
+Tcl_Interp* TclInterpreter::get() const {
+    return m_run->interp();
 }
 
 } // namespace hbs_addressing

@@ -1,14 +1,18 @@
-// A Tcl interpreter that is deleted with its owner and leaves the process's locale alone.
+// A Tcl interpreter for scripts of hard blocks, which leaves the process as it was.
 #pragma once
 
 #include <tcl.h>
 
+#include <memory>
+
 namespace hbs_addressing {
 
-/// A plain interpreter (no init.tcl, no command of this library's). Used by one thread.
+/// A plain interpreter (no init.tcl, no command of this library's), guarded by a `TclGuard` with
+/// the time limit of `findScriptTimeLimit`. Used by one thread.
 ///
-/// Creating an interpreter changes the process's locale (Tcl wants "C" numbers), which would change
-/// how the whole tool reads numbers: the locale that stood before is put back.
+/// When it goes, all that Tcl or its scripts changed of the process or the thread is put back:
+/// locale (Tcl wants "C" numbers, which would change how the whole tool reads numbers), SIGPIPE,
+/// working directory, environment, standard channels, system encoding.
 class TclInterpreter {
 public:
     TclInterpreter();
@@ -17,10 +21,11 @@ public:
     TclInterpreter& operator=(const TclInterpreter&) = delete;
 
     /// The interpreter, or null if Tcl gave none.
-    [[nodiscard]] Tcl_Interp* get() const { return m_interp; }
+    [[nodiscard]] Tcl_Interp* get() const;
 
 private:
-    Tcl_Interp* m_interp;
+    class Run;
+    std::unique_ptr<Run> m_run;
 };
 
 } // namespace hbs_addressing
