@@ -118,6 +118,13 @@ std::vector<HBSPeripheral*> HBSClockingAlgo::startRun() {
     return enabled;
 }
 
+bool HBSClockingAlgo::climbLadder(const std::function<bool()>& solveStep) {
+    return std::any_of(kToleranceLadder.begin(), kToleranceLadder.end(), [&](float tolerance) {
+        m_toleranceFactor = tolerance;
+        return solveStep();
+    });
+}
+
 const char* HBSClockingAlgo::faultOfPllCounts(const char* severalText) const {
     const auto anyDomain = [this](auto&& test) {
         return std::any_of(m_powerDomains.begin(), m_powerDomains.end(),

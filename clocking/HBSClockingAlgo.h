@@ -24,7 +24,6 @@ namespace hbs_clocking {
 // Of the searches of four and six PLLs (clocking/search).
 class CombinationList;
 struct ComboResult;
-struct ComboSearch;
 struct DividerRange;
 struct StepCandidates;
 struct TreeShape;
@@ -155,6 +154,9 @@ protected:
     /// result any more. None, after a line that says why and with the earlier result left, for a
     /// tree that can't be solved as it stands.
     [[nodiscard]] std::vector<HBSPeripheral*> startRun();
+    /// Takes the tolerances of the ladder in order, each as the present one, until `solveStep`
+    /// returns true. False, with the last tolerance left, if it never does.
+    [[nodiscard]] bool climbLadder(const std::function<bool()>& solveStep);
     /// The complaint about a tree whose domains haven't one PLL each, or null. A domain without any
     /// comes first, wherever it stands; `severalText` is for a domain with more than one.
     [[nodiscard]] const char* faultOfPllCounts(const char* severalText) const;
@@ -251,10 +253,6 @@ protected:
     [[nodiscard]] bool searchCombos(const TreeShape& shape,
                                     const std::vector<HBSPeripheral*>& enabled,
                                     const CombinationList& combos, ComboResult& result);
-    /// The best of the combinations from `first` up to but not including `last`; runs on worker
-    /// threads. False also for a range that can't win against the others.
-    bool evaluateCombos(const ComboSearch& search, std::uint64_t first, std::uint64_t last,
-                        ComboResult& result) const;
 
     // Solutions (HBSClockingAlgo_solutions.cpp).
 
@@ -286,9 +284,9 @@ private:
     [[nodiscard]] bool collectStepCandidates(const std::vector<HBSPeripheral*>& enabled,
                                              const std::vector<HBSPeripheral*>& noc,
                                              StepCandidates& candidates);
-    [[nodiscard]] bool searchChunks(ComboSearch search, ComboResult& result) const;
-    void complainOfNocPeripherals(const ComboSearch& search) const;
-    void writeDecisions(const ComboSearch& search, const Tuple& tuple, ComboResult& result) const;
+    void complainOfNocPeripherals(const TreeShape& shape, const CombinationList& combos) const;
+    void writeDecisions(const TreeShape& shape, const std::vector<HBSPeripheral*>& enabled,
+                        const Tuple& tuple, ComboResult& result) const;
     void sendTimingMessage(std::size_t enabledCount,
                            std::chrono::steady_clock::time_point start) const;
     void configurePll(const std::string& name, const std::vector<unsigned>& config);

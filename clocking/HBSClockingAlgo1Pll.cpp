@@ -38,22 +38,20 @@ bool HBSClockingAlgo1Pll::runSolution() {
     const std::vector<HBSPeripheral*> enabled = startRun();
     if (enabled.empty())
         return false;
-    for (const float tolerance : kToleranceLadder) {
-        m_toleranceFactor = tolerance;
+    return climbLadder([&] {
         MultiplierBitMap multiplierBits;
         std::vector<unsigned> multipliers;
         if (!collectCandidates(enabled, multiplierBits, multipliers))
-            continue;
+            return false;
         const std::vector<unsigned> covering =
             filterMultipliersForDomain(multipliers, multiplierBits, 0);
         PeripheralResult peripheralResult;
         PllResult pllResult;
         if (!solveMultiplierList(enabled, covering, peripheralResult, pllResult))
-            continue;
+            return false;
         applySolution(peripheralResult, pllResult);
-        break;
-    }
-    return m_resultFound;
+        return true;
+    });
 }
 
 bool HBSClockingAlgo1Pll::solveMultiplierList(const std::vector<HBSPeripheral*>& enabled,

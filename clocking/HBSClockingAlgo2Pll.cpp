@@ -67,12 +67,11 @@ bool HBSClockingAlgo2Pll::runSolution() {
     const std::vector<HBSPeripheral*> enabled = startRun();
     if (enabled.empty())
         return false;
-    for (const float tolerance : kToleranceLadder) {
-        m_toleranceFactor = tolerance;
+    return climbLadder([&] {
         MultiplierBitMap multiplierBits;
         std::vector<unsigned> multipliers;
         if (!collectCandidates(enabled, multiplierBits, multipliers))
-            continue;
+            return false;
         // Both run before either is tested: each list locks its own domain's tolerance.
         const auto firsts = filterMultipliersForDomain(multipliers, multiplierBits, 0);
         const auto seconds = filterMultipliersForDomain(multipliers, multiplierBits, 1);
@@ -80,11 +79,10 @@ bool HBSClockingAlgo2Pll::runSolution() {
         PllResult pllResult;
         if (!solveMultiplierPairs(enabled, buildPairs(firsts, seconds), peripheralResult,
                                   pllResult))
-            continue;
+            return false;
         applySolution(peripheralResult, pllResult);
-        break;
-    }
-    return m_resultFound;
+        return true;
+    });
 }
 
 bool HBSClockingAlgo2Pll::solveMultiplierPairs(

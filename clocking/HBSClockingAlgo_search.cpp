@@ -49,16 +49,24 @@ struct SetPll {
     unsigned cross;
 };
 
-/// Finds the best of all before the chunks are searched: one without a good combination would take
-/// long to find its own best, which doesn't count. Gives the tuples evaluated.
-std::uint64_t lookAhead(ComboSearch& search) {
-    const TupleSearch::Result ahead =
-        search.tuples.search(0, search.combos.size(), search.knownSum);
-    if (ahead.winner)
-        search.knownSum = static_cast<double>(ahead.winner->sum);
-    else
-        search.isSolvable = false;
-    return ahead.evaluatedTuples;
+/// The chunks are those of the exhaustive search, one per thread: a near tie is decided by them.
+[[nodiscard]] TupleSearch::Result searchChunks(const SearchProblem& problem) {
+    const TupleSearch tuples(problem);
+    const std::uint64_t n = problem.combinations.size();
+    if (n <= kMaxForOneThread)
+        return tuples.search(std::array{std::uint64_t{0}}, {});
+    const int wanted = HPAParamMgr::getParamMgr()->getValueAsInt("general.maxThreads");
+    // A count below 1 makes no sense; it is taken as 1.
+    const auto threads = static_cast<unsigned>(std::clamp(wanted, 1, kMaxThreads));
+    std::vector<std::uint64_t> chunks(threads);
+    for (unsigned i = 0; i < threads; ++i)
+        chunks[i] = i * (n / threads);
+    TupleSearch::RunOnThreads onThreads;
+    if (threads > 1)
+        onThreads = [threads](const std::function<void()>& work) {
+            runOnSharedExecutor("6pll_Clocking", threads, [&work](unsigned) { work(); });
+        };
+    return tuples.search(chunks, onThreads);
 }
 
 } // namespace
@@ -81,20 +89,19 @@ bool HBSClockingAlgo::runLadder(const TreeShape& shape, const ComboBuilder& buil
     m_searchStatistics = {};
     if (applyCachedSolution(enabled))
         return true;
-    for (const float tolerance : kToleranceLadder) {
-        m_toleranceFactor = tolerance;
+    static_cast<void>(climbLadder([&] {
         StepCandidates candidates;
         if (!collectStepCandidates(enabled, noc, candidates))
-            continue;
+            return false;
         const CombinationList combos = buildCombos(candidates);
         ComboResult result;
         if (combos.isEmpty() || !searchCombos(shape, enabled, combos, result))
-            continue;
+            return false;
         m_totalRelativeError = result.total;
         storeSolution(enabled, result.peripherals, result.plls);
         applySolution(result.peripherals, result.plls);
-        break;
-    }
+        return true;
+    }));
     if (m_resultFound)
         sendTimingMessage(enabled.size(), start);
     return m_resultFound;
@@ -172,81 +179,38 @@ bool HBSClockingAlgo::searchCombos(const TreeShape& shape,
     problem.nocDivider = [this, hasOneNoc](unsigned mul) {
         return hasOneNoc ? computeNocClkoutDiv(mul) : 1; // asking would print
     };
-    const TupleSearch tuples(problem);
-    const ComboSearch search{shape, enabled, combos, tuples, tuples.knownSum(), true};
-
-    const std::uint64_t n = combos.size();
     // Here and not where the tuples are looked at, as the output belongs to the caller's thread.
     if (!hasOneNoc)
-        complainOfNocPeripherals(search);
-    bool found = false;
-    if (n <= kMaxForOneThread)
-        found = evaluateCombos(search, 0, n, result);
-    else
-        found = searchChunks(search, result);
-    m_searchStatistics = {n, result.evaluatedTuples};
-    return found;
-}
-
-bool HBSClockingAlgo::searchChunks(ComboSearch search, ComboResult& result) const {
-    const std::uint64_t n = search.combos.size();
-    const int wanted = HPAParamMgr::getParamMgr()->getValueAsInt("general.maxThreads");
-    // A count below 1 makes no sense; it is taken as 1.
-    const auto threads = static_cast<unsigned>(std::clamp(wanted, 1, kMaxThreads));
-    const std::uint64_t evaluatedAhead = threads > 1 ? lookAhead(search) : 0;
-    const std::uint64_t chunk = n / threads;
-    std::vector<ComboResult> parts(threads);
-    runOnSharedExecutor("6pll_Clocking", threads, [&](unsigned i) {
-        evaluateCombos(search, i * chunk, i + 1 == threads ? n : (i + 1) * chunk, parts[i]);
-    });
-
-    float best = kWorstTotalError;
-    const ComboResult* winner = nullptr;
-    std::uint64_t evaluated = evaluatedAhead;
-    for (const ComboResult& part : parts) {
-        evaluated += part.evaluatedTuples;
-        if (part.peripherals.empty() || !(best > part.total))
-            continue;
-        best = part.total;
-        winner = &part;
-    }
-    if (winner != nullptr)
-        result = *winner;
-    result.evaluatedTuples = evaluated;
-    return winner != nullptr;
-}
-
-bool HBSClockingAlgo::evaluateCombos(const ComboSearch& search, std::uint64_t first,
-                                     std::uint64_t last, ComboResult& result) const {
-    if (!search.isSolvable)
-        return false;
-    const TupleSearch::Result found = search.tuples.search(first, last, search.knownSum);
-    result.evaluatedTuples = found.evaluatedTuples;
+        complainOfNocPeripherals(shape, combos);
+    const TupleSearch::Result found = searchChunks(problem);
+    m_searchStatistics = {combos.size(), found.evaluatedTuples};
     if (!found.winner)
         return false;
     result.total = found.winner->sum;
-    writeDecisions(search, found.winner->tuple, result);
+    writeDecisions(shape, enabled, found.winner->tuple, result);
     return true;
 }
 
-void HBSClockingAlgo::complainOfNocPeripherals(const ComboSearch& search) const {
+void HBSClockingAlgo::complainOfNocPeripherals(const TreeShape& shape,
+                                               const CombinationList& combos) const {
     // Every tuple of dividers asks for the NOC divider, and every time is told what is wrong.
     const std::size_t crossTuples = buildCrossDivCombos().size();
-    search.combos.forEach(0, search.combos.size(), [&](const Combination& combination) {
+    combos.forEach(0, combos.size(), [&](const Combination& combination) {
         std::size_t tuples = crossTuples;
-        for (const DividerRange& range : buildClkoutDivCombos(search.shape, combination))
+        for (const DividerRange& range : buildClkoutDivCombos(shape, combination))
             tuples *= range.size();
         for (std::size_t i = 0; i < tuples; ++i)
             static_cast<void>(computeNocClkoutDiv(combination[1]));
     });
 }
 
-void HBSClockingAlgo::writeDecisions(const ComboSearch& search, const Tuple& tuple,
+void HBSClockingAlgo::writeDecisions(const TreeShape& shape,
+                                     const std::vector<HBSPeripheral*>& enabled, const Tuple& tuple,
                                      ComboResult& result) const {
     std::array<SetPll, kRoles> plls{};
     const bool hasOneNoc = getNocPeripherals().size() == 1;
-    for (unsigned pll = 0; pll < search.shape.pllCount; ++pll) {
-        const unsigned roleIndex = search.shape.roleOf(pll);
+    for (unsigned pll = 0; pll < shape.pllCount; ++pll) {
+        const unsigned roleIndex = shape.roleOf(pll);
         const auto role = static_cast<Role>(roleIndex);
         const unsigned mul = tuple.muls[roleIndex];
         unsigned div = tuple.div(role);
@@ -257,13 +221,13 @@ void HBSClockingAlgo::writeDecisions(const ComboSearch& search, const Tuple& tup
         plls[roleIndex] = {freqMhz, div, crosses ? tuple.cross(role) : kNoCrossing};
         result.plls[getPllNameByIndex(pll)] = {mul, div, plls[roleIndex].cross};
     }
-    for (HBSPeripheral* peripheral : search.enabled) {
+    for (HBSPeripheral* peripheral : enabled) {
         const auto domain = static_cast<unsigned>(peripheral->getPowerDomainIndex());
-        std::vector<ClockSlot> slots(search.shape.pllCount);
+        std::vector<ClockSlot> slots(shape.pllCount);
         for (unsigned pll = 0; pll < slots.size(); ++pll) {
-            const unsigned role = search.shape.roleOf(pll);
+            const unsigned role = shape.roleOf(pll);
             const auto& [freqMhz, div, cross] = plls[role];
-            const Reach reach = search.shape.reach[domain][role];
+            const Reach reach = shape.reach[domain][role];
             if (reach == Reach::Direct)
                 slots[pll] = {freqMhz, div};
             else if (reach == Reach::Across)

@@ -8,244 +8,206 @@ namespace hbs_clocking {
 
 namespace {
 
-/// Beyond this the contexts searched are forgotten, at the price of searching some again.
-constexpr std::size_t kMostSearchedBytes = 4U << 20U;
+/// Beyond this all that was remembered is forgotten, at the price of searching some of it again.
+constexpr std::size_t kMostBytes = 3U << 20U;
 
-[[nodiscard]] double largestOf(const SavingRow& savings, std::size_t begin, std::size_t end) {
-    const auto first = savings.begin() + static_cast<std::ptrdiff_t>(begin);
-    return static_cast<double>(
-        *std::max_element(first, first + static_cast<std::ptrdiff_t>(end - begin)));
-}
+/// Tells which choices of a list, in its order, may matter: with all else the same, a choice must
+/// be better than those before it in its segment, by as much as the rounding of the sums may hide.
+class LowSums {
+public:
+    explicit LowSums(double room) : m_room(room) {}
+
+    [[nodiscard]] bool take(const OwnChoice& choice) {
+        if (choice.segment != m_segment)
+            m_least = std::numeric_limits<double>::infinity();
+        m_segment = choice.segment;
+        const bool isLow = choice.sum <= m_least + m_room;
+        m_least = std::min(m_least, choice.sum);
+        return isLow;
+    }
+
+private:
+    double m_room;
+    double m_least = std::numeric_limits<double>::infinity();
+    unsigned m_segment = 0;
+};
 
 } // namespace
 
 ContextSearch::ContextSearch(const SearchProblem& problem, const SourceTable& table,
-                             const PriceBound& bound, const CombinationRange& range)
-    : m_problem(problem), m_table(table), m_bound(bound), m_range(range),
-      m_ownChoices(problem, table, bound), m_places(problem.requests.size()),
-      m_tailsDependOnHead(problem.combinations.tailsDependOnHead()) {
+                             const PriceBound& bound, const OwnPlls& own, ChunkLows& lows)
+    : m_problem(problem), m_table(table), m_bound(bound), m_own(own), m_lows(lows),
+      m_places(problem.requests.size()),
+      m_completion2(table, 2, Role::Own2First, Role::Own2Second, problem.tolerance),
+      m_choices2(problem, table, 2, own.seconds), m_choices3(problem, table, 3, own.pairs),
+      m_nearRows(table.domain(0).stride + table.domain(1).stride) {
     assert(!problem.combinations.stages()[2].looksAt(indexOf(Role::Own2Second)));
     for (unsigned domain = 0; domain < kDomains; ++domain) {
         const std::vector<unsigned>& positions = table.domain(domain).positions;
         for (unsigned i = 0; i < positions.size(); ++i)
             m_places[positions[i]] = {domain, i};
     }
+    fillLeast();
 }
 
-bool ContextSearch::isWorthSearching(const Context& context) {
-    const std::array<unsigned, 2> place = {context.main->mul, context.noc->mul};
-    std::string key;
-    for (const ErrorRow& errors : context.errors)
-        key += keyOf(errors);
-    // Where the range begins amid a context, what comes before it must not stand for equals that
-    // come later.
-    const bool onEdge = place[0] == m_range.first[0] && place[1] == m_range.first[1];
-    if (m_tailsDependOnHead || onEdge)
-        key.append({static_cast<char>(place[0]), static_cast<char>(place[1])});
-    m_searchedBytes += key.size();
-    if (m_searchedBytes > kMostSearchedBytes) {
-        m_searched.clear();
-        m_searchedBytes = key.size();
+void ContextSearch::fillLeast() {
+    for (const unsigned domain : {2U, 3U}) {
+        ErrorRow& least = m_least[domain];
+        least.assign(m_table.domain(domain).stride, kUnserved);
+        for (const Role role :
+             {Role::Own2First, Role::Own2Second, Role::Own3First, Role::Own3Second})
+            for (const PllOption& option : m_table.options(role).all)
+                for (std::size_t i = 0; i < least.size() && option.errors[domain] != nullptr; ++i)
+                    least[i] = std::min(least[i], std::fabs(option.errors[domain][i]));
     }
-    const auto [entry, isNew] = m_searched.try_emplace(std::move(key), place);
-    if (!isNew && entry->second <= place)
+}
+
+void ContextSearch::search(const PllOption& main, const PllOption& noc) {
+    forgetIfLarge();
+    if (!enter(main, noc) || isDominated())
+        return;
+    m_seen.clear();
+    for (const OwnPlls::Group& group : m_own.groups)
+        searchGroup(group);
+}
+
+bool ContextSearch::enter(const PllOption& main, const PllOption& noc) {
+    m_context.plls = {&main, &noc};
+    m_context.head.muls = {main.mul, noc.mul};
+    if (!fillErrors())
         return false;
-    entry->second = place;
+    m_context.nearSum = sumForBound(m_context.errors[0]) + sumForBound(m_context.errors[1]);
+    m_context.certain = {m_own.seconds.certain(m_context.errors[2]),
+                         m_own.pairs.certain(m_context.errors[3])};
+    const double limit = m_lows.limitBehind(m_context.head.muls, 2);
+    m_context.ceiling = m_bound.ceilingOf(limit);
+    const double certain = m_context.nearSum + m_context.certain[0] + m_context.certain[1];
+    return certain - m_bound.ownSavings() <= m_context.ceiling &&
+           static_cast<double>(floorOfSums()) <= limit &&
+           m_completion2.isPossible(m_context.errors[2]);
+}
+
+bool ContextSearch::fillErrors() {
+    for (unsigned domain = 0; domain < kDomains; ++domain) {
+        const DomainRequests& requests = m_table.domain(domain);
+        ErrorRow& errors = m_context.errors[domain];
+        errors.assign(requests.stride, 0.0F);
+        std::fill_n(errors.begin(), requests.positions.size(), m_problem.tolerance);
+        for (const PllOption* option : m_context.plls)
+            if (option->errors[domain] != nullptr)
+                takeBetter(errors, option->errors[domain]);
+        if (domain < 2 && !areAllServed(errors, m_problem.tolerance))
+            return false;
+    }
     return true;
 }
 
-void ContextSearch::search(const Context& context, NearMinimum& sums) {
-    m_context = &context;
-    m_sums = &sums;
-    m_head = {context.main->mul, context.noc->mul};
-    updateCeiling();
-    m_errorIds.clear();
-    m_done.clear();
-    const CombinationTails tails(m_problem.combinations.stages()[1], m_head);
-    if (!boundContext(tails))
-        return;
-    const std::size_t count = m_table.options(Role::Own2First).all.size();
-    for (std::size_t begin = 0; begin < count;) {
-        const OwnGroup group = groupAt(begin);
-        searchGroup(group, tails);
-        begin = group.end;
+float ContextSearch::floorOfSums() const {
+    float sum = 0.0F;
+    for (const auto& [domain, place] : m_places) {
+        const float error = m_context.errors[domain][place];
+        sum += domain < 2 ? error : std::min(std::fabs(error), m_least[domain][place]);
     }
+    return sum;
 }
 
-void ContextSearch::updateCeiling() {
-    Tuple place;
-    place.muls = m_head;
-    m_ceiling = m_bound.ceilingOf(m_sums->limitFrom(place));
-}
-
-bool ContextSearch::isOnEdge(unsigned places) const {
-    return std::equal(m_head.begin(), m_head.begin() + places, m_range.first.begin());
-}
-
-bool ContextSearch::boundContext(const CombinationTails& tails) {
-    for (const unsigned domain : {2U, 3U})
-        m_prices[domain] = m_bound.prices(domain);
-    const float tolerance = m_problem.tolerance;
-    m_certain = m_context->nearSum;
-    m_certain += capPrices(m_prices[2], m_context->errors[2], tolerance);
-    m_domain3Prices = capPrices(m_prices[3], m_context->errors[3], tolerance);
-    m_certain += m_domain3Prices;
-
-    const PllOptions& firsts = m_table.options(Role::Own2First);
-    const PllOptions& seconds = m_table.options(Role::Own2Second);
-    computeSavings(firsts, 2, m_prices[2], m_firstSavings);
-    computeSavings(firsts, 3, m_prices[3], m_acrossSavings);
-    computeSavings(seconds, 2, m_prices[2], m_secondSavings);
-    m_firsts2.assign(firsts.all,
-                     [&](std::size_t i) { return m_firstSavings[i] + m_acrossSavings[i]; });
-    m_seconds2.assign(seconds.all, [&](std::size_t i) { return m_secondSavings[i]; });
-
-    SavingRow& savings = m_errors; // a row to work in
-    for (const auto& [role, byMultiplier] :
-         {std::pair(Role::Own3First, &m_firsts3), std::pair(Role::Own3Second, &m_seconds3)}) {
-        const PllOptions& options = m_table.options(role);
-        computeSavings(options, 3, m_prices[3], savings);
-        byMultiplier->assign(options.all, [&](std::size_t i) { return savings[i]; });
-    }
-    const CombinationTails anyTails3(m_problem.combinations.stages()[2]);
-    m_best3Anyhow = static_cast<double>(largestTogether(m_firsts3, m_seconds3, anyTails3).saving);
-    const auto best2 = static_cast<double>(largestTogether(m_firsts2, m_seconds2, tails).saving);
-    return m_certain - best2 - m_best3Anyhow <= m_ceiling;
-}
-
-ContextSearch::OwnGroup ContextSearch::groupAt(std::size_t begin) const {
-    const std::vector<PllOption>& options = m_table.options(Role::Own2First).all;
-    std::size_t end = begin + 1;
-    while (end < options.size() && options[end].mul == options[begin].mul &&
-           options[end].div == options[begin].div)
-        ++end;
-    return {begin, end, largestOf(m_acrossSavings, begin, end)};
-}
-
-void ContextSearch::searchGroup(const OwnGroup& group, const CombinationTails& tails) {
-    const std::vector<PllOption>& options = m_table.options(Role::Own2First).all;
-    const PllOption& own = options[group.begin];
-    const MultiplierMask allowed = tails.seconds(own.mul);
-    const double certain = m_certain - static_cast<double>(m_firstSavings[group.begin]) -
-                           group.acrossSaving -
-                           static_cast<double>(m_seconds2.largestAmong(allowed).saving);
-    if (certain - m_best3Anyhow > m_ceiling)
-        return;
-    if (isOnEdge(2) && own.mul < m_range.first[2])
-        return;
-    if (m_head[2] != own.mul) {
-        m_head[2] = own.mul;
-        updateCeiling();
-        const CombinationTails tails3(m_problem.combinations.stages()[2], m_head);
-        m_best3 = static_cast<double>(largestTogether(m_firsts3, m_seconds3, tails3).saving);
-    }
-    if (certain - m_best3 > m_ceiling)
-        return;
-    collectSeconds(group, allowed);
-    if (m_seconds.empty())
-        return;
-    for (std::size_t i = group.begin; i < group.end; ++i) {
-        searchAcross(options[i], static_cast<double>(m_acrossSavings[i]), false);
-        if (m_anyOnEdge)
-            searchAcross(options[i], static_cast<double>(m_acrossSavings[i]), true);
-    }
-}
-
-void ContextSearch::collectSeconds(const OwnGroup& group, const MultiplierMask& allowed) {
-    const PllOption& own = m_table.options(Role::Own2First).all[group.begin];
-    const PllOptions& seconds = m_table.options(Role::Own2Second);
-    ErrorRow withOwn = m_context->errors[2];
-    takeBetter(withOwn, own.errors[2]);
-    m_seconds.clear();
-    m_secondsKnown.clear();
-    m_leastSecondSum = std::numeric_limits<double>::infinity();
-    m_anyOnEdge = false;
-    const bool isEdgeGroup = isOnEdge(3);
-    const unsigned edge = m_range.first[3];
-
-    const double inDomain3 = m_domain3Prices - group.acrossSaving - m_best3;
-    const double missing = m_certain - static_cast<double>(m_firstSavings[group.begin]) -
-                           group.acrossSaving - m_best3 - m_ceiling;
-    for (const auto& [saving, mul] : m_seconds2.all()) {
-        if (missing > static_cast<double>(saving))
-            break; // those to come save less still
-        if (!allowed.contains(mul) || (isEdgeGroup && mul < edge))
-            continue;
-        for (const PllOption& second : seconds.of(mul)) {
-            if (missing > static_cast<double>(m_secondSavings[seconds.indexOf(second)]))
-                continue;
-            m_errors = withOwn;
-            takeBetter(m_errors, second.errors[2]);
-            if (!areAllServed(m_errors, m_problem.tolerance))
-                continue;
-            const double sum = sumForBound(m_errors);
-            if (m_context->nearSum + sum + inDomain3 <= m_ceiling)
-                addSecond(second, isEdgeGroup && mul == edge, sum);
-        }
-    }
-}
-
-void ContextSearch::addSecond(const PllOption& option, bool onEdge, double sum) {
-    const auto nextId = static_cast<unsigned>(m_errorIds.size());
-    const unsigned id = m_errorIds.try_emplace(keyOf(m_errors), nextId).first->second;
-    const auto [entry, isNew] = m_secondsKnown.try_emplace(2 * id + onEdge, m_seconds.size());
-    if (isNew) {
-        m_seconds.push_back({&option, id, onEdge, sum, m_errors});
-        m_anyOnEdge = m_anyOnEdge || onEdge;
-        m_leastSecondSum = std::min(m_leastSecondSum, sum);
-    } else if (&option < m_seconds[entry->second].option) {
-        m_seconds[entry->second].option = &option; // the same errors, earlier
-    }
-}
-
-void ContextSearch::searchAcross(const PllOption& own, double acrossSaving, bool onEdge) {
-    const double sumSoFar = m_context->nearSum + m_leastSecondSum;
-    if (sumSoFar + m_domain3Prices - acrossSaving - m_best3 > m_ceiling)
-        return;
-    m_errors = m_context->errors[3];
-    takeBetter(m_errors, own.errors[3]);
-    const OwnChoices::Muls from =
-        onEdge ? OwnChoices::Muls{m_range.first[4], m_range.first[5]} : OwnChoices::Muls{};
-    const OwnChoiceList& list = m_ownChoices.find(m_errors, m_head, m_ceiling - sumSoFar, from);
-    for (const Second& second : m_seconds) {
-        if (second.isOnEdge != onEdge || comesTooLate(own, second, list.id))
-            continue;
-        for (const OwnChoice& choice : list.choices) {
-            const double sum = m_context->nearSum + second.sum + choice.sum;
-            if (sum <= m_ceiling)
-                evaluate(own, second, choice);
-        }
-    }
-}
-
-bool ContextSearch::comesTooLate(const PllOption& own, const Second& second, unsigned listId) {
-    // With the same errors in domain 2 and the same choices for domain 3, the sums are the same;
-    // only an earlier place makes them worth another look.
-    const auto behind8 = [](unsigned div) { return static_cast<std::uint8_t>(8 - div); };
-    const std::array<std::uint8_t, 5> place = {own.mul, second.option->mul, behind8(own.div),
-                                               behind8(second.option->div), behind8(own.cross)};
-    const std::uint64_t key = std::uint64_t{second.id} << 32U | listId;
-    const auto [entry, isNew] = m_done.try_emplace(key, place);
-    if (isNew)
-        return false;
-    if (entry->second <= place)
+bool ContextSearch::isDominated() {
+    const auto& [main, noc] = m_context.plls;
+    const unsigned chunk = m_lows.chunkOf(m_context.head.muls, 2);
+    m_context.head.isKey = chunk == ChunkLows::kSeveral;
+    m_context.numbers = {m_choices2.contextOf(m_context.errors[2], m_context.head),
+                         m_choices3.contextOf(m_context.errors[3], m_context.head)};
+    ErrorRow near = m_context.errors[0];
+    near.insert(near.end(), m_context.errors[1].begin(), m_context.errors[1].end());
+    const std::array<unsigned, 4> key = {m_nearRows.add(near.data()), m_context.numbers[0],
+                                         m_context.numbers[1], chunk};
+    // Why the earlier context's search stands for this one, though it may have cut what this one
+    // would not: limits never rise. The limit behind an earlier place was then at least what it is
+    // behind this place now, so whatever may matter here was within it there, was offered at an
+    // earlier place, and an equal sum later in the same chunk is no record low.
+    // The place is in the order of the enumeration for tuples that are the same in all else.
+    const std::array<unsigned, 5> place = {main->mul, noc->mul, 8U - main->div, 4U - main->cross,
+                                           4U - noc->cross};
+    const auto [entry, isNew] = m_searched.try_emplace(key, place);
+    if (!isNew && entry->second <= place)
         return true;
     entry->second = place;
     return false;
 }
 
-void ContextSearch::evaluate(const PllOption& own, const Second& second, const OwnChoice& choice) {
-    ++m_evaluated;
-    const std::array<const float*, kDomains> errors = {m_context->errors[0].data(),
-                                                       m_context->errors[1].data(),
-                                                       second.errors.data(), choice.errors.data()};
-    float sum = 0.0F; // in the order of the peripherals, since each addition rounds
-    for (const auto& [domain, place] : m_places)
-        sum += errors[domain][place];
-    if (static_cast<double>(sum) > m_sums->limit())
+void ContextSearch::searchGroup(const OwnPlls::Group& group) {
+    const Context& context = m_context;
+    const double rest3 = context.certain[1] - m_own.bestPair;
+    const double rest = context.nearSum + rest3 - group.acrossSaving;
+    if (rest + context.certain[0] - group.saving - m_own.bestSecond > context.ceiling)
         return;
+    const double least2 = m_choices2.least(context.numbers[0], group.begin, context.ceiling - rest);
+    for (std::size_t option = group.begin; option < group.end; ++option) {
+        const double sum = context.nearSum + least2;
+        if (sum + rest3 - m_own.acrossSavings[option] > context.ceiling)
+            continue;
+        const double least3 = m_choices3.least(context.numbers[1], option, context.ceiling - sum);
+        if (sum + least3 <= context.ceiling)
+            combine(group, option, least2, least3);
+    }
+}
+
+void ContextSearch::combine(const OwnPlls::Group& group, std::size_t option, double least2,
+                            double least3) {
+    const PllOption& own = m_table.options(Role::Own2First).all[option];
+    ChoiceHead& head = m_context.head;
+    head.muls[2] = own.mul;
+    head.chunkStarts = m_lows.startsWithin(head.muls, 3);
+    const double budget = m_context.ceiling - m_context.nearSum;
+    const auto seconds =
+        m_choices2.choices(m_context.numbers[0], group.begin, budget - least3, head);
+    if (seconds.empty())
+        return;
+    const auto pairs = m_choices3.choices(m_context.numbers[1], option, budget - least2, head);
+    if (pairs.empty())
+        return;
+    double limit = m_lows.limitBehind(head.muls, 3);
+    const double rounding = m_bound.roundingOf(limit);
+    limit += rounding;
+    const double near = exactSum(m_context.errors[0]) + exactSum(m_context.errors[1]);
+    const std::uint64_t evaluated = m_evaluated;
+    LowSums lows2(2.0 * rounding);
+    for (const OwnChoice& second : seconds) {
+        if (!lows2.take(second))
+            continue;
+        LowSums lows3(2.0 * rounding);
+        for (const OwnChoice& pair : pairs)
+            if (lows3.take(pair) && near + second.sum + pair.sum <= limit)
+                offer(own, second, pair);
+    }
+    if (m_evaluated != evaluated)
+        m_context.ceiling = m_bound.ceilingOf(m_lows.limitBehind(head.muls, 2));
+}
+
+void ContextSearch::offer(const PllOption& own, const OwnChoice& second, const OwnChoice& pair) {
+    const Tuple tuple = tupleOf(own, second, pair);
+    const unsigned chunk = m_lows.chunkOf(tuple.muls, kRoles);
+    // The same errors give the same sum, and of equal sums in a chunk only the first one counts. A
+    // sum that was above the limit when it was met first is above it still.
+    const std::uint64_t key =
+        (std::uint64_t{second.row} << 36U) | (std::uint64_t{pair.row} << 8U) | chunk;
+    const auto [entry, isNew] = m_seen.try_emplace(key);
+    Seen& seen = entry->second;
+    if (isNew)
+        seen.sum = sumOf(second, pair);
+    else if (seen.tuple <= tuple)
+        return;
+    ++m_evaluated;
+    seen.tuple = tuple;
+    if (static_cast<double>(seen.sum) <= m_lows.limit())
+        m_lows.offer(tuple, seen.sum);
+}
+
+Tuple ContextSearch::tupleOf(const PllOption& own, const OwnChoice& second,
+                             const OwnChoice& pair) const {
     const std::array<const PllOption*, kRoles> options = {
-        m_context->main, m_context->noc, &own, second.option, choice.first, choice.second};
+        m_context.plls[0],    m_context.plls[1],  &own,
+        second.setting.first, pair.setting.first, pair.setting.second};
     Tuple tuple;
     for (unsigned role = 0; role < kRoles; ++role) {
         tuple.muls[role] = options[role]->mul;
@@ -253,9 +215,29 @@ void ContextSearch::evaluate(const PllOption& own, const Second& second, const O
     }
     for (unsigned role = 0; role < tuple.crossesBelow4.size(); ++role)
         tuple.crossesBelow4[role] = static_cast<std::uint8_t>(4 - options[role]->cross);
-    if (m_range.contains(tuple.muls))
-        m_sums->offer(tuple, sum);
-    updateCeiling();
+    return tuple;
+}
+
+float ContextSearch::sumOf(const OwnChoice& second, const OwnChoice& pair) const {
+    const std::array<const float*, kDomains> errors = {
+        m_context.errors[0].data(), m_context.errors[1].data(), m_choices2.errors(second.row),
+        m_choices3.errors(pair.row)};
+    float sum = 0.0F; // in the order of the peripherals, since each addition rounds
+    for (const auto& [domain, place] : m_places)
+        sum += errors[domain][place];
+    return sum;
+}
+
+void ContextSearch::forgetIfLarge() {
+    constexpr std::size_t bytesPerContext = 100; // of the map
+    if (m_choices2.bytes() + m_choices3.bytes() + m_nearRows.bytes() +
+            m_searched.size() * bytesPerContext <
+        kMostBytes)
+        return;
+    m_choices2.clear();
+    m_choices3.clear();
+    m_nearRows = RowIndex(m_table.domain(0).stride + m_table.domain(1).stride);
+    m_searched.clear();
 }
 
 } // namespace hbs_clocking

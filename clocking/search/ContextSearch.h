@@ -1,122 +1,89 @@
-// The search behind one setting of the main and the NOC PLL: the own PLLs of domains 2 and 3.
+// The search behind one setting of the main and the NOC PLL, a context: the own PLLs of domains 2
+// and 3.
+//
+// A context's sum is that of domains 0 and 1, which is fixed, and of domains 2 and 3. The first own
+// PLL of domain 2 is the only one that both of them see. For each of its options the least sum of
+// each domain is looked up (`ChoiceTable`); where the two keep under the ceiling, the choices of
+// both are combined.
 #pragma once
 
 #include <array>
 #include <cstdint>
-#include <string>
+#include <map>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
-#include "clocking/search/NearMinimum.h"
-#include "clocking/search/OwnChoices.h"
+#include "clocking/search/ChoiceTable.h"
+#include "clocking/search/ChunkLows.h"
+#include "clocking/search/OwnPlls.h"
 
 namespace hbs_clocking {
 
-/// The combinations from `first` up to but not including `end`, by role.
-struct CombinationRange {
-    Combination first{};
-    Combination end{};
-
-    [[nodiscard]] bool contains(const Combination& muls) const {
-        return first <= muls && muls < end;
-    }
-};
-
-/// A setting of the main and the NOC PLL.
-struct Context {
-    const PllOption* main = nullptr;
-    const PllOption* noc = nullptr;
-    /// What the peripherals get from these two: in domains 0 and 1 that is all they get.
-    std::array<ErrorRow, kDomains> errors;
-    double nearSum = 0.0; ///< of domains 0 and 1, for bounds
-};
-
-/// Goes through the settings of the other PLLs that the bounds leave over, and offers the sums of
-/// those that come out near the minimum. One object serves the contexts of one search, one after
-/// the other.
+/// Searches contexts one after the other and offers the sums that may decide the winner. One object
+/// per thread.
 class ContextSearch {
 public:
     ContextSearch(const SearchProblem& problem, const SourceTable& table, const PriceBound& bound,
-                  const CombinationRange& range);
+                  const OwnPlls& own, ChunkLows& lows);
 
-    /// False if an earlier context, already searched and remembered, has the same errors, and with
-    /// them the same sums.
-    [[nodiscard]] bool isWorthSearching(const Context& context);
-    void search(const Context& context, NearMinimum& sums);
+    void search(const PllOption& main, const PllOption& noc);
 
-    /// Tuples whose sum was computed.
+    /// Tuples whose sum was offered.
     [[nodiscard]] std::uint64_t evaluatedTuples() const { return m_evaluated; }
 
 private:
-    /// Options of the first own PLL of domain 2 that differ in the cross-domain divider only.
-    struct OwnGroup {
-        std::size_t begin;
-        std::size_t end;
-        double acrossSaving; ///< the largest
+    /// The context under way.
+    struct Context {
+        std::array<const PllOption*, 2> plls{}; ///< main and NOC
+        std::array<ErrorRow, kDomains> errors;  ///< that these two leave
+        double nearSum = 0.0;                   ///< of domains 0 and 1
+        std::array<double, 2> certain{};        ///< of domains 2 and 3, before any saving
+        std::array<unsigned, 2> numbers{};      ///< in the tables of domains 2 and 3
+        ChoiceHead head;
+        double ceiling = 0.0; ///< bounds above this are of no interest
     };
-    /// A setting of the second own PLL of domain 2.
-    struct Second {
-        const PllOption* option;
-        unsigned id;   ///< of the errors: the same errors, the same number
-        bool isOnEdge; ///< where the range begins amid the settings of domain 3
-        double sum;
-        ErrorRow errors;
+    /// Where a pair of rows of domains 2 and 3 was met first in the enumeration, and their sum.
+    struct Seen {
+        Tuple tuple;
+        float sum;
     };
 
-    void updateCeiling();
-    /// Whether the range begins amid the settings behind the places of the head set so far. What
-    /// comes before it must not stand for equals that come later.
-    [[nodiscard]] bool isOnEdge(unsigned places) const;
-    [[nodiscard]] bool boundContext(const CombinationTails& tails);
-    [[nodiscard]] OwnGroup groupAt(std::size_t begin) const;
-    void searchGroup(const OwnGroup& group, const CombinationTails& tails);
-    void collectSeconds(const OwnGroup& group, const MultiplierMask& allowed);
-    /// With the errors in `m_errors`.
-    void addSecond(const PllOption& option, bool onEdge, double sum);
-    void searchAcross(const PllOption& own, double acrossSaving, bool onEdge);
-    [[nodiscard]] bool comesTooLate(const PllOption& own, const Second& second, unsigned listId);
-    void evaluate(const PllOption& own, const Second& second, const OwnChoice& choice);
+    [[nodiscard]] bool enter(const PllOption& main, const PllOption& noc);
+    [[nodiscard]] bool fillErrors();
+    void fillLeast();
+    /// The sum of what each peripheral gets at least behind this context, rounded as a tuple's sum.
+    /// Since rounded addition is monotone, no tuple's sum is below it, and unlike a bound it is
+    /// exact where it is reached: it tells ties, which bounds with room for rounding can't.
+    [[nodiscard]] float floorOfSums() const;
+    /// Whether an earlier context, already searched, has the same errors, and with them all sums
+    /// of this one at earlier places.
+    [[nodiscard]] bool isDominated();
+    void searchGroup(const OwnPlls::Group& group);
+    void combine(const OwnPlls::Group& group, std::size_t option, double least2, double least3);
+    void offer(const PllOption& own, const OwnChoice& second, const OwnChoice& pair);
+    [[nodiscard]] Tuple tupleOf(const PllOption& own, const OwnChoice& second,
+                                const OwnChoice& pair) const;
+    [[nodiscard]] float sumOf(const OwnChoice& second, const OwnChoice& pair) const;
+    void forgetIfLarge();
 
     const SearchProblem& m_problem;
     const SourceTable& m_table;
     const PriceBound& m_bound;
-    const CombinationRange& m_range;
-    OwnChoices m_ownChoices;
+    const OwnPlls& m_own;
+    ChunkLows& m_lows;
     std::vector<std::pair<unsigned, unsigned>> m_places; ///< domain and place of each peripheral
-    bool m_tailsDependOnHead; ///< what goes with a context is a matter of its multipliers
-    /// By errors: the earliest context that had them.
-    std::unordered_map<std::string, std::array<unsigned, 2>> m_searched;
-    std::size_t m_searchedBytes = 0; ///< of its keys
+    std::array<ErrorRow, kDomains> m_least; ///< that the own PLLs of domains 2 and 3 give
+    Completion m_completion2;
+    ChoiceTable m_choices2;
+    ChoiceTable m_choices3;
+    Context m_context;
+    RowIndex m_nearRows; ///< errors of domains 0 and 1
+    /// By near errors, contexts of both tables and chunk: the earliest context that had them.
+    std::map<std::array<unsigned, 4>, std::array<unsigned, 5>> m_searched;
+    /// Of the context, by rows of domains 2 and 3 and chunk.
+    std::unordered_map<std::uint64_t, Seen> m_seen;
     std::uint64_t m_evaluated = 0;
-
-    // Of the context under way.
-    const Context* m_context = nullptr;
-    NearMinimum* m_sums = nullptr;
-    /// The places of the main and the NOC PLL and of domain 2's first. That of its second stays 0:
-    /// no stage looks at it.
-    Combination m_head{};
-    double m_ceiling = 0.0;                  ///< bounds above this are of no interest
-    std::array<PriceRow, kDomains> m_prices; ///< of domains 2 and 3, capped
-    double m_domain3Prices = 0.0;
-    double m_certain = 0.0; ///< near sum and capped prices
-    SavingRow m_firstSavings;
-    SavingRow m_acrossSavings;
-    SavingRow m_secondSavings;
-    MultiplierSavings m_firsts2; ///< across too
-    MultiplierSavings m_seconds2;
-    MultiplierSavings m_firsts3;
-    MultiplierSavings m_seconds3;
-    double m_best3Anyhow = 0.0; ///< what the own PLLs of domain 3 save, whatever the head
-    double m_best3 = 0.0;       ///< behind the head set so far
-    ErrorRow m_errors;
-    std::vector<Second> m_seconds;
-    std::unordered_map<unsigned, std::size_t> m_secondsKnown; ///< by id and edge
-    double m_leastSecondSum = 0.0;
-    bool m_anyOnEdge = false;
-    std::unordered_map<std::string, unsigned> m_errorIds;
-    /// By errors of domain 2 and list of choices for domain 3: the earliest place that had them.
-    std::unordered_map<std::uint64_t, std::array<std::uint8_t, 5>> m_done;
 };
 
 } // namespace hbs_clocking

@@ -58,4 +58,13 @@ inline void takeBetter(ErrorRow& errors, const float* offered) {
     return static_cast<double>((lanes[0] + lanes[1]) + (lanes[2] + lanes[3]));
 }
 
+/// The sum in double precision, where the errors of all peripherals add up with no error to speak
+/// of.
+[[nodiscard]] inline double exactSum(const ErrorRow& errors) {
+    double sum = 0.0;
+    for (const float error : errors)
+        sum += static_cast<double>(error);
+    return sum;
+}
+
 } // namespace hbs_clocking

@@ -13,9 +13,11 @@
 // so close that none stands for certain, more of them must be known: a wider band.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <compare>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <optional>
 
@@ -54,6 +56,13 @@ public:
     /// The same for tuples at or behind this place: only a record low plays a part.
     [[nodiscard]] double limitFrom(const Tuple& place) const;
     void offer(const Tuple& tuple, float sum);
+    /// Sums above this play no part any more; higher limits change nothing.
+    void lowerLimit(double limit) { m_limit = std::min(m_limit, limit); }
+    /// The smallest sum offered; infinite before any.
+    [[nodiscard]] double lowest() const {
+        return m_lows.empty() ? std::numeric_limits<double>::infinity()
+                              : static_cast<double>(m_lows.rbegin()->second);
+    }
 
     /// Whether the sums within the limit tell the winner. If not, a wider band must be searched.
     [[nodiscard]] bool isDecided() const;

@@ -66,7 +66,7 @@ void PriceBound::improve() {
     }
     const double worst = static_cast<double>(m_problem.tolerance) *
                          static_cast<double>(m_problem.requests.size()) * (1 + m_roundingFactor);
-    Ascent ascent{worst, worst, -1.0, m_prices};
+    Ascent ascent{worst, worst, -std::numeric_limits<double>::infinity(), m_prices};
     for (unsigned round = 0; round < kRounds; ++round) {
         evaluate();
         if (m_lowest > ceilingOf(worst))

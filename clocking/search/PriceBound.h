@@ -1,4 +1,5 @@
-// A lower bound of the sum of errors that falls apart into one term per PLL.
+// A Lagrangian bound of the sum of errors, which falls apart into one term per PLL; the prices are
+// its multipliers.
 //
 // Give each peripheral a price, any number not below 0. A clock saves a peripheral as much as its
 // error lies under the price. Whatever clocks are chosen, the error of a peripheral is at least its
@@ -54,6 +55,10 @@ public:
     }
     /// The best that the PLLs of domains 2 and 3 can save, with multipliers that go together.
     [[nodiscard]] double ownSavings() const { return m_ownSavings; }
+    /// Those of domain 2, across too, or of domain 3.
+    [[nodiscard]] double ownSavings(unsigned domain) const {
+        return static_cast<double>(m_bestOwn[domain - 2].saving);
+    }
     /// No sum lies below this.
     [[nodiscard]] double lowest() const { return m_lowest; }
 
@@ -65,6 +70,11 @@ public:
     /// A bound above this is above the limit, however the sums were rounded.
     [[nodiscard]] double ceilingOf(double limit) const {
         return limit + (limit + m_sumOfPrices) * m_roundingFactor;
+    }
+
+    /// How far a tuple's rounded sum, if it isn't above `limit`, may lie from its exact sum.
+    [[nodiscard]] double roundingOf(double limit) const {
+        return limit * static_cast<double>(m_problem.requests.size() + 4) * 0x1p-23;
     }
 
 private:

@@ -1,24 +1,32 @@
 // The search of one step of the ladder: multipliers, output dividers and cross-domain dividers with
 // the smallest sum of errors, exactly as if all had been tried in their order.
 //
-// Method. The errors that every setting of a PLL gives are tabulated (`SourceTable`), a bound made
-// of one number per setting is fitted to them (`PriceBound`), and the settings are searched from
-// the most promising on: the main and the NOC PLL here, the PLLs of domain 2 in `ContextSearch`,
-// those of domain 3 in `OwnChoices`. What the bound leaves over is summed in single precision and
-// in order; from the sums near the smallest one `NearMinimum` tells who would have won.
+// Method: branch and bound. The errors that every setting of a PLL gives are tabulated
+// (`SourceTable`), a Lagrangian bound made of one number per setting is fitted to them
+// (`PriceBound`), and the settings of the main and the NOC PLL are searched best first
+// (`ContextQueue`). Behind each of them the own PLLs of domains 2 and 3 are bounded and enumerated
+// from memoised Pareto fronts (`ContextSearch`, `ChoiceTable`, `ErrorFront`). What the bounds leave
+// over is summed in single precision and in order; from the sums near the smallest one `ChunkLows`
+// tells which of them the exhaustive search would have ended with.
 //
 // Cost. The table takes peripherals × multipliers × dividers; the bound some thirty times as many
 // additions; the rest depends on how many settings come near the best one, usually a few dozen.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <span>
 
-#include "clocking/search/ContextSearch.h"
+#include "clocking/search/ChunkLows.h"
+#include "clocking/search/PriceBound.h"
 
 namespace hbs_clocking {
 
-/// Made once per step, then only read: several threads may search ranges of it.
+class ContextQueue;
+struct OwnPlls;
+
+/// Made once per step.
 class TupleSearch {
 public:
     /// The problem must outlive the search; its list has three stages and isn't empty.
@@ -28,34 +36,29 @@ public:
         std::optional<NearMinimum::Winner> winner;
         std::uint64_t evaluatedTuples = 0;
     };
+    /// Calls the function on several threads at once and waits for all of them.
+    using RunOnThreads = std::function<void(const std::function<void()>&)>;
 
-    /// A sum that some combination of the list gives, or more than any sum.
-    [[nodiscard]] double knownSum() const { return m_known; }
-
-    /// Who wins among the combinations from `first` up to but not including `last`. `known` is a
-    /// sum that some combination of the list gives; a range whose sums all lie above it by more
-    /// than the margin has no winner, as it can't win against the others either.
-    [[nodiscard]] Result search(std::uint64_t first, std::uint64_t last, double known) const;
+    /// Who wins among the combinations, divided into chunks that begin at these indices, the first
+    /// of which is 0. `runOnThreads` may be empty; it is called where there is work for several
+    /// threads. The winner is the same with any threads. What a thread throws comes to the caller.
+    [[nodiscard]] Result search(std::span<const std::uint64_t> chunks,
+                                const RunOnThreads& runOnThreads) const;
 
 private:
-    /// A setting of the first two multipliers, and a bound of all that lies behind it.
-    struct Pair {
-        double bound;
-        unsigned main;
-        unsigned noc;
-    };
-
     [[nodiscard]] float sumOfFavourites() const;
-    [[nodiscard]] CombinationRange rangeOf(std::uint64_t first, std::uint64_t last) const;
-    [[nodiscard]] std::vector<Pair> pairsIn(const CombinationRange& range) const;
-    void searchPair(const Pair& pair, ContextSearch& contexts, NearMinimum& sums) const;
-    [[nodiscard]] bool fillContext(Context& context) const;
+    [[nodiscard]] std::vector<Combination> startsOf(std::span<const std::uint64_t> chunks) const;
+    /// Offers all sums that the limits leave over; gives how many.
+    [[nodiscard]] std::uint64_t collect(ChunkLows& lows, const RunOnThreads& runOnThreads) const;
+    [[nodiscard]] std::uint64_t collectOnThreads(ChunkLows& lows, ContextQueue& queue,
+                                                 const OwnPlls& own,
+                                                 const RunOnThreads& runOnThreads) const;
 
     const SearchProblem& m_problem;
     SourceTable m_table;
     PriceBound m_bound;
     double m_proven; ///< no sum lies above this
-    double m_known;  ///< a sum that some combination of the list gives
+    double m_known;  ///< a sum that some combination of the list gives, or more than any sum
 };
 
 } // namespace hbs_clocking

@@ -1,0 +1,64 @@
+// The record lows of a search whose combinations are divided into chunks.
+//
+// Each chunk of the enumeration has a winner of its own, the end of the chain of its sums (see
+// `NearMinimum`); of the chunks' winners the smallest wins, the earliest chunk among equals. One
+// pass over all combinations, in any order and by any number of threads, collects what decides
+// this, since a sum goes to the chunk that its place lies in.
+//
+// A chunk whose smallest sum lies above the smallest of all, m, by more than twice the margin can't
+// win: the winner of m's chunk lies above m by less than that. So sums above
+// m × (1 + twice the margin) × (1 + band) play no part in any chunk.
+#pragma once
+
+#include <atomic>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "clocking/search/NearMinimum.h"
+
+namespace hbs_clocking {
+
+/// Safe to use from several threads at once. The limits never rise.
+class ChunkLows {
+public:
+    /// The chunks begin at `starts`, combinations by role, the first of which is the first
+    /// combination of all. For the rest see `NearMinimum`.
+    ChunkLows(std::vector<Combination> starts, double worst, bool isProven, double band);
+
+    /// What `chunkOf` gives where the combinations belong to more than one chunk.
+    static constexpr unsigned kSeveral = ~0U;
+    /// The chunk of all combinations that begin with these places of `head`.
+    [[nodiscard]] unsigned chunkOf(const Combination& head, unsigned places) const;
+
+    /// The starts of chunks amid the combinations that begin with these places of `head`: none
+    /// where all belong to one chunk.
+    [[nodiscard]] std::span<const Combination> startsWithin(const Combination& head,
+                                                            unsigned places) const;
+
+    /// Sums above this play no part, nor will they.
+    [[nodiscard]] double limit() const { return m_limit.load(std::memory_order_relaxed); }
+    /// The same for tuples whose combinations begin with these places of `head`: in the chunk of
+    /// the first of them only a sum below the lows before them plays a part.
+    [[nodiscard]] double limitBehind(const Combination& head, unsigned places) const;
+    void offer(const Tuple& tuple, float sum);
+
+    /// Whether the sums within the limit tell the winner. If not, a wider band must be searched.
+    [[nodiscard]] bool isDecided() const;
+    [[nodiscard]] std::optional<NearMinimum::Winner> winner() const;
+
+private:
+    [[nodiscard]] unsigned chunkAt(const Combination& muls) const;
+    /// Whether the chunk may hold the winner.
+    [[nodiscard]] bool counts(const NearMinimum& chunk) const;
+
+    std::vector<Combination> m_starts;
+    std::vector<NearMinimum> m_chunks;
+    double m_band;
+    double m_lowest;
+    std::atomic<double> m_limit; ///< the highest of the chunks' limits
+    mutable std::mutex m_mutex;
+};
+
+} // namespace hbs_clocking
