@@ -38,8 +38,9 @@
 /// an element of another type is passed over.
 ///
 /// Every operation but `parseComponentParameters` raises `HEXError`, naming the file, where it
-/// can't be read, is no JSON, or is nested deeper than a thousand levels. The tables are then as
-/// they were, in every operation.
+/// can't be read, is no JSON, is nested deeper than a thousand levels, or holds more than the
+/// parameter "general.maxInputMiB" allows once it is unpacked. The tables are then as they were, in
+/// every operation.
 class TQ_EXPORT HBSJsonReader {
 public:
     /// True if the file has the required objects. Where "slaves" or "masters" is missing the result

@@ -1,9 +1,8 @@
 #include "handoff/HWHDesignParams.h"
 
+#include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <set>
-#include <utility>
+#include <functional>
 
 #include "HSTStringUtils.h"
 
@@ -11,32 +10,28 @@ namespace hwh {
 
 namespace {
 
-std::vector<std::string_view> splitWords(std::string_view text) {
-    std::vector<std::string_view> words;
-    while (!text.empty()) {
-        if (text.front() == ' ')
-            text.remove_prefix(1);
-        const std::size_t blank = text.find(' ');
-        words.push_back(text.substr(0, blank));
-        text = blank == std::string_view::npos ? "" : text.substr(blank + 1);
-    }
-    return words;
+/// Takes the next word off the front of a text that isn't empty.
+std::string_view takeWord(std::string_view& text) {
+    if (text.front() == ' ')
+        text.remove_prefix(1);
+    const std::size_t blank = text.find(' ');
+    const std::string_view word = text.substr(0, blank);
+    text = blank == std::string_view::npos ? std::string_view() : text.substr(blank + 1);
+    return word;
 }
 
-bool names(const std::string& name, const char* unit) {
-    return name.find(unit) != std::string::npos;
+std::size_t rollingHashOf(std::string_view key) {
+    RollingHash hash;
+    for (const char c : key)
+        hash.add(c);
+    return hash.value();
+}
+
+bool names(std::string_view name, std::string_view unit) {
+    return name.find(unit) != std::string_view::npos;
 }
 
 } // namespace
-
-void parseTclPairs(const std::string& prefix, std::string_view text, HWHTextMap& result) {
-    result.clear();
-    if (text.size() >= 2 && text.front() == '{' && text.back() == '}')
-        text = text.substr(1, text.size() - 2);
-    const auto words = splitWords(text);
-    for (std::size_t i = 0; i + 1 < words.size(); i += 2)
-        result[std::string(prefix).append("_").append(words[i])] = words[i + 1];
-}
 
 std::string scaledToHz(const std::string& megahertz) {
     constexpr double kHzPerMhz = 1000000.0;
@@ -48,72 +43,109 @@ std::string scaledToHz(const std::string& megahertz) {
     return std::to_string(static_cast<std::uint32_t>(static_cast<std::int64_t>(hertz)));
 }
 
-DesignParams::DesignParams(const HWHTextMap& params) : m_params(params) {
-    std::set<std::size_t> lengths;
-    for (const auto& [key, text] : params) {
-        // Without a blank there is a single word, which yields nothing.
-        if (text.find(' ') == std::string::npos)
-            continue;
-        m_composites[key].text = &text;
-        lengths.insert(key.size());
+CompositeWords::CompositeWords(std::string_view text) {
+    if (text.size() >= 2 && text.front() == '{' && text.back() == '}')
+        text = text.substr(1, text.size() - 2);
+    const auto blanks = static_cast<std::size_t>(std::count(text.begin(), text.end(), ' '));
+    m_keys.reserve(blanks / 2 + 1);
+    m_values.reserve(blanks / 2 + 1);
+    while (!text.empty()) {
+        const std::string_view key = takeWord(text);
+        if (text.empty())
+            return;
+        m_longestKey = std::max(m_longestKey, key.size());
+        const std::uint32_t number = m_keys.intern(key);
+        m_values.resize(m_keys.size());
+        m_values[number] = takeWord(text);
     }
-    m_keyLengths.assign(lengths.begin(), lengths.end());
 }
 
-/// Visits the keys that may yield `name`, shorter ones first, while `visit` says true.
+std::optional<std::string_view> CompositeWords::find(std::string_view key) const {
+    const std::uint32_t number = key.size() > m_longestKey ? kNone : m_keys.find(key);
+    return number == kNone ? std::nullopt : std::optional(m_values[number]);
+}
+
+DesignParams::DesignParams(const HWHTextMap& params) {
+    m_entries.reserve(params.size());
+    m_index.reserve(params.size());
+    for (const auto& [name, text] : params) {
+        const auto number = static_cast<std::uint32_t>(m_entries.size());
+        m_index.insert(std::hash<std::string_view>()(name), number);
+        m_entries.push_back({name, &text});
+        // Without a blank there is a single word, which yields nothing.
+        if (text.find(' ') != std::string::npos)
+            addComposite(number);
+    }
+    std::sort(m_keyLengths.begin(), m_keyLengths.end());
+    m_keyLengths.erase(std::unique(m_keyLengths.begin(), m_keyLengths.end()), m_keyLengths.end());
+}
+
+void DesignParams::addComposite(std::uint32_t number) {
+    const std::string_view key = m_entries[number].name;
+    m_composites.insert(rollingHashOf(key), number);
+    if (m_keyLengths.empty() || m_keyLengths.back() != key.size())
+        m_keyLengths.push_back(key.size());
+}
+
+/// Calls `visit(text)` for what each composite yields for `name`, shorter keys first, while it says
+/// true.
 template <class Visitor>
-void DesignParams::forEachCandidate(std::string_view name, Visitor&& visit) const {
+void DesignParams::forEachFound(std::string_view name, Visitor&& visit) {
+    RollingHash hash;
+    std::size_t hashed = 0;
     for (const std::size_t length : m_keyLengths) {
         if (length >= name.size())
             return;
-        if (name[length] == '_' && !visit(name.substr(0, length)))
+        if (name[length] != '_')
+            continue;
+        for (; hashed < length; ++hashed)
+            hash.add(name[hashed]);
+        const std::uint32_t number = findComposite(name.substr(0, length), hash.value());
+        if (number == kNone)
+            continue;
+        const auto found = wordsOf(number).find(name.substr(length + 1));
+        if (found && !visit(*found))
             return;
     }
 }
 
-std::string DesignParams::resolve(const std::string& name) {
-    if (const std::string* value = find(name))
-        return names(name, "_FREQMHZ") ? scaledToHz(*value) : *value;
-    if (const std::string* value = findInShortest(name))
-        return names(name, "CTRL_ACT_FREQMHZ") ? scaledToHz(*value) : *value;
-    return name;
+DesignParams::Value DesignParams::resolve(std::string_view name) {
+    if (const auto text = findText(name))
+        return {*text, ValueSource::Design, names(name, "_FREQMHZ")};
+    Value value{name};
+    forEachFound(name, [&](std::string_view text) {
+        value = {text, ValueSource::Composite, names(name, "CTRL_ACT_FREQMHZ")};
+        return false;
+    });
+    return value;
 }
 
-const std::string* DesignParams::resolveEnable(const std::string& name) {
-    if (const std::string* value = find(name))
-        return value;
-    const std::string* last = nullptr;
-    forEachCandidate(name, [&](std::string_view key) {
-        if (const std::string* value = findIn(key, name))
-            last = value;
+std::optional<std::string_view> DesignParams::resolveEnable(std::string_view name) {
+    if (const auto text = findText(name))
+        return text;
+    std::optional<std::string_view> last;
+    forEachFound(name, [&](std::string_view text) {
+        last = text;
         return true;
     });
     return last;
 }
 
-const std::string* DesignParams::find(const std::string& name) const {
-    const auto entry = m_params.find(name);
-    return entry == m_params.end() ? nullptr : &entry->second;
+std::optional<std::string_view> DesignParams::findText(std::string_view name) const {
+    const std::uint32_t number =
+        m_index.find(std::hash<std::string_view>()(name),
+                     [&](std::uint32_t candidate) { return m_entries[candidate].name == name; });
+    return number == kNone ? std::nullopt
+                           : std::optional<std::string_view>(*m_entries[number].text);
 }
 
-const std::string* DesignParams::findInShortest(const std::string& name) {
-    const std::string* first = nullptr;
-    forEachCandidate(name, [&](std::string_view key) {
-        first = findIn(key, name);
-        return first == nullptr;
-    });
-    return first;
+std::uint32_t DesignParams::findComposite(std::string_view key, std::size_t hash) const {
+    return m_composites.find(hash,
+                             [&](std::uint32_t number) { return m_entries[number].name == key; });
 }
 
-const std::string* DesignParams::findIn(std::string_view key, const std::string& name) {
-    const auto entry = m_composites.find(key);
-    if (entry == m_composites.end())
-        return nullptr;
-    Composite& composite = entry->second;
-    if (composite.text != nullptr)
-        parseTclPairs(std::string(key), *std::exchange(composite.text, nullptr), composite.pairs);
-    const auto pair = composite.pairs.find(name);
-    return pair == composite.pairs.end() ? nullptr : &pair->second;
+const CompositeWords& DesignParams::wordsOf(std::uint32_t number) {
+    return m_words.try_emplace(number, *m_entries[number].text).first->second;
 }
 
 } // namespace hwh

@@ -2,62 +2,92 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "handoff/HWHNameTable.h"
 #include "handoff/HWHTables.h"
 
 namespace hwh {
-
-/// Fills `result` with what a composite's `text`, a word list with or without braces around it,
-/// stands for: "prefix_key" to value for each pair of words. One blank in front of a word is
-/// dropped, so that three blanks in a row make an empty word; a single word yields nothing, an odd
-/// last one is dropped.
-void parseTclPairs(const std::string& prefix, std::string_view text, HWHTextMap& result);
 
 /// A frequency's text from MHz to Hz: truncated to an integer of which the low 32 bits count.
 /// Reads what `atof` reads, with the decimal point of the classic locale; "0" for a text that is
 /// no number, for NaN and for what 64 bits can't hold.
 [[nodiscard]] std::string scaledToHz(const std::string& megahertz);
 
-/// Answers names out of the caller's map, which has to outlive it.
+/// The words of a composite parameter, a list with or without braces around it, in pairs of a key
+/// and its value. One blank in front of a word is dropped, so that three blanks in a row make an
+/// empty word; a single word yields nothing, an odd last one is dropped. Of two equal keys the
+/// later counts.
+class CompositeWords {
+public:
+    /// `text` has to outlive the object.
+    explicit CompositeWords(std::string_view text);
+
+    [[nodiscard]] std::optional<std::string_view> find(std::string_view key) const;
+    [[nodiscard]] std::size_t size() const { return m_values.size(); }
+
+private:
+    NameTable m_keys;
+    std::vector<std::string_view> m_values; ///< by the number of the key
+    std::size_t m_longestKey = 0;
+};
+
+/// Where the value of a parameter comes from.
+enum class ValueSource : std::uint8_t {
+    Metadata,  ///< the design doesn't know the name: it is the value itself
+    Design,    ///< the design's parameter of that name
+    Composite, ///< a pair inside one of the design's composites
+};
+
+/// Answers names out of the caller's map, which has to outlive it and all that it gives.
 ///
 /// A composite K yields only names that go on with "_" behind K, so the candidates for a name are
 /// found at the underscores of the name itself, and of these only where some composite's key is
-/// that long. Each composite is parsed once, when it is first asked.
+/// that long; their hashes come up while the name's own is taken. Each composite is parsed once,
+/// when it is first asked.
 class DesignParams {
 public:
+    struct Value {
+        std::string_view text;
+        ValueSource source = ValueSource::Metadata;
+        bool isInMegahertz = false; ///< and wanted in Hz
+    };
+
     explicit DesignParams(const HWHTextMap& params);
 
     /// The value that a parameter of the metadata gets: the design parameter of that name, else
-    /// the pair of the shortest composite that yields it, scaled to Hz where the name says MHz,
-    /// else the name itself.
-    [[nodiscard]] std::string resolve(const std::string& name);
+    /// the pair of the shortest composite that yields it, else the name itself.
+    [[nodiscard]] Value resolve(std::string_view name);
 
     /// The text that decides an enable parameter: the design parameter of that name, else the pair
-    /// of the longest composite that yields it, else null.
-    [[nodiscard]] const std::string* resolveEnable(const std::string& name);
+    /// of the longest composite that yields it.
+    [[nodiscard]] std::optional<std::string_view> resolveEnable(std::string_view name);
 
-    [[nodiscard]] bool contains(const std::string& name) const { return m_params.contains(name); }
+    /// The text of the design parameter of that name.
+    [[nodiscard]] std::optional<std::string_view> findText(std::string_view name) const;
 
 private:
-    struct Composite {
+    struct Entry {
+        std::string_view name;
         const std::string* text = nullptr;
-        HWHTextMap pairs; ///< filled when `text` has been parsed and is null
     };
 
-    const std::string* find(const std::string& name) const;
-    const std::string* findIn(std::string_view key, const std::string& name);
-    const std::string* findInShortest(const std::string& name);
+    std::uint32_t findComposite(std::string_view key, std::size_t hash) const;
+    void addComposite(std::uint32_t number);
+    const CompositeWords& wordsOf(std::uint32_t number);
     template <class Visitor>
-    void forEachCandidate(std::string_view name, Visitor&& visit) const;
+    void forEachFound(std::string_view name, Visitor&& visit);
 
-    const HWHTextMap& m_params;
-    std::unordered_map<std::string_view, Composite> m_composites;
+    std::vector<Entry> m_entries; ///< all parameters, in order
+    HashIndex m_index;
+    HashIndex m_composites;                ///< those of them that are composites
     std::vector<std::size_t> m_keyLengths; ///< of the composites, each once, ascending
+    std::unordered_map<std::uint32_t, CompositeWords> m_words; ///< of composites asked so far
 };
 
 } // namespace hwh

@@ -3,11 +3,11 @@
 #include <string_view>
 #include <utility>
 
-#include "HCRapidJsonReadWriteUtils.h"
-#include "handoff/HWHJsonAccess.h"
 #include "handoff/HWHVocabulary.h"
 
 namespace hwh {
+
+using base::JsonNode;
 
 /// What slaves and masters have in common.
 struct TableFiller::Instance {
@@ -21,58 +21,59 @@ struct TableFiller::Instance {
         return entry == scalars.end() ? std::string() : entry->second;
     }
 
-    void readMember(std::string_view name, const JsonValue& value);
+    void readMember(std::string_view name, const JsonNode& value);
 };
 
 namespace {
 
-void readConnections(const JsonValue& value, std::map<std::string, std::string>& connections) {
-    forEachElement(value, [&](const JsonValue& connection) {
-        if (connection.IsObject())
-            connections[HCRapidJsonReadWriteUtils::GetStringProperty(connection, "INSTANCE")] =
-                HCRapidJsonReadWriteUtils::GetStringProperty(connection, "PORT");
+void readConnections(const JsonNode& value, std::map<std::string, std::string>& connections) {
+    value.forEachElement([&](const JsonNode& connection) {
+        if (connection.isObject())
+            connections[std::string(findText(connection, member::kInstance))] =
+                findText(connection, member::kPort);
     });
 }
 
-HWHPortRecord readPort(const JsonValue& port) {
+HWHPortRecord readPort(const JsonNode& port) {
     HWHPortRecord record;
-    const std::pair<std::string_view, std::string*> fields[] = {{"NAME", &record.NAME},
-                                                                {"DIR", &record.DIR},
-                                                                {"SIG_IS", &record.SIG_IS},
-                                                                {"IRQID", &record.IRQID}};
-    forEachMember(port, [&](std::string_view name, const JsonValue& value) {
-        if (name == "CONNECTIONS")
+    const std::pair<std::string_view, std::string*> fields[] = {
+        {member::kName, &record.NAME},
+        {member::kDirection, &record.DIR},
+        {member::kSignalKind, &record.SIG_IS},
+        {member::kInterruptId, &record.IRQID}};
+    port.forEachMember([&](const JsonNode& name, const JsonNode& value) {
+        if (name.text() == member::kConnections)
             readConnections(value, record.CONNECTIONS);
         for (const auto& [fieldName, field] : fields)
-            if (name == fieldName)
+            if (name.text() == fieldName)
                 *field = textOf(value);
     });
     return record;
 }
 
-void appendTexts(const JsonValue& array, HWHTextList& texts) {
-    forEachElement(array, [&](const JsonValue& element) {
-        if (element.IsString())
-            texts.push_back(textOf(element));
+void appendTexts(const JsonNode& array, HWHTextList& texts) {
+    array.forEachElement([&](const JsonNode& element) {
+        if (element.isString())
+            texts.emplace_back(element.text());
     });
 }
 
-HWHExternalAddressing readExternalAddressing(const JsonValue& entry) {
+HWHExternalAddressing readExternalAddressing(const JsonNode& entry) {
     HWHExternalAddressing addressing;
-    forEachMember(entry, [&](std::string_view name, const JsonValue& value) {
-        if (name == "ADDRESS_SPACE")
-            forEachMemberOfElements(value, [&](std::string_view space, const JsonValue& texts) {
-                if (!texts.IsObject())
+    entry.forEachMember([&](const JsonNode& name, const JsonNode& value) {
+        if (name.text() == "ADDRESS_SPACE")
+            value.forEachMemberOfElements([&](const JsonNode& space, const JsonNode& texts) {
+                if (!texts.isObject())
                     return;
-                HWHTextMap& target = addressing.ADDRESS_SPACE[std::string(space)];
+                HWHTextMap& target = addressing.ADDRESS_SPACE[std::string(space.text())];
                 target.clear();
                 copyTexts(texts, target);
             });
-        else if (name == "ENPARAM")
+        else if (name.text() == "ENPARAM")
             addressing.ENPARAM = textOf(value);
-        else if (name == "VLNV")
+        else if (name.text() == "VLNV")
             addressing.VLNV = textOf(value);
-        else if (name == "MODE")
+        else if (name.text() == "MODE")
             addressing.MODE = textOf(value);
     });
     return addressing;
@@ -80,67 +81,60 @@ HWHExternalAddressing readExternalAddressing(const JsonValue& entry) {
 
 } // namespace
 
-void TableFiller::Instance::readMember(std::string_view name, const JsonValue& value) {
-    if (name == "PORTS") {
-        forEachElement(value, [&](const JsonValue& port) {
-            if (!port.IsObject())
+void copyTexts(const JsonNode& object, HWHTextMap& texts) {
+    object.forEachMember([&](const JsonNode& name, const JsonNode& value) {
+        texts[std::string(name.text())] = textOf(value);
+    });
+}
+
+void TableFiller::Instance::readMember(std::string_view name, const JsonNode& value) {
+    if (name == member::kPorts) {
+        value.forEachElement([&](const JsonNode& port) {
+            if (!port.isObject())
                 return;
             HWHPortRecord record = readPort(port);
             ports[record.NAME] = std::move(record);
         });
-    } else if (name == "PARAMETERS") {
+    } else if (name == member::kParameters) {
         copyTexts(value, parameters);
     } else {
         scalars[std::string(name)] = textOf(value);
     }
 }
 
-TableFiller::Found TableFiller::fill(const JsonValue& working) const {
-    const auto forEachInstance = [](const JsonValue& list, auto read) {
-        forEachMemberOfElements(list, [&](std::string_view name, const JsonValue& value) {
-            if (value.IsObject())
-                read(std::string(name), value);
-        });
-    };
-    const JsonValue* slaves = findArray(working, "slaves");
-    if (slaves == nullptr)
-        return Found::Incomplete;
-    forEachInstance(
-        *slaves, [&](const std::string& name, const JsonValue& value) { readSlave(name, value); });
-    const JsonValue* masters = findArray(working, "masters");
-    if (masters == nullptr)
-        return Found::Incomplete;
-    forEachInstance(*masters, [&](const std::string& name, const JsonValue& value) {
-        readMaster(name, value);
+bool TableFiller::fill(const ConnectivityFile& file) const {
+    forEachObject(file.slaves(), [&](const JsonNode& name, const JsonNode& value) {
+        readSlave(std::string(name.text()), value);
     });
-    const JsonValue* external = findArray(working, "external_addressing");
-    if (external == nullptr)
-        return Found::Instances;
-    forEachInstance(*external, [&](const std::string& name, const JsonValue& value) {
-        externalAddressingTable[name] = readExternalAddressing(value);
+    forEachObject(file.masters(), [&](const JsonNode& name, const JsonNode& value) {
+        readMaster(std::string(name.text()), value);
     });
-    return Found::Everything;
+    forEachObject(file.externalAddressing(), [&](const JsonNode& name, const JsonNode& value) {
+        externalAddressingTable[std::string(name.text())] = readExternalAddressing(value);
+    });
+    file.reportEnd();
+    return file.masters().has_value();
 }
 
-void TableFiller::readSlave(const std::string& name, const JsonValue& value) const {
+void TableFiller::readSlave(const std::string& name, const JsonNode& value) const {
     Instance instance;
-    forEachMember(value, [&](std::string_view member, const JsonValue& content) {
-        instance.readMember(member, content);
+    value.forEachMember([&](const JsonNode& key, const JsonNode& content) {
+        instance.readMember(key.text(), content);
     });
     store(name, scalar::kRoleSlave, std::move(instance));
 }
 
-void TableFiller::readMaster(const std::string& name, const JsonValue& value) const {
+void TableFiller::readMaster(const std::string& name, const JsonNode& value) const {
     Instance instance;
     HWHTextList excludedSlaves;
     std::map<std::string, HWHTextList> apertures;
-    forEachMember(value, [&](std::string_view member, const JsonValue& content) {
-        if (member == "excluded_slaves")
+    value.forEachMember([&](const JsonNode& key, const JsonNode& content) {
+        if (key.text() == member::kExcludedSlaves)
             appendTexts(content, excludedSlaves);
-        else if (member == "EXCLUDED_INTERFACES")
+        else if (key.text() == member::kExcludedInterfaces)
             readExcludedInterfaces(name, content, apertures);
         else
-            instance.readMember(member, content);
+            instance.readMember(key.text(), content);
     });
     const std::string moduleName = instance.moduleName();
     excludedSlavesTable[moduleName] = std::move(excludedSlaves);
@@ -148,17 +142,20 @@ void TableFiller::readMaster(const std::string& name, const JsonValue& value) co
     store(name, scalar::kRoleMaster, std::move(instance));
 }
 
-void TableFiller::readExcludedInterfaces(const std::string& instanceName, const JsonValue& value,
+void TableFiller::readExcludedInterfaces(const std::string& instanceName, const JsonNode& value,
                                          std::map<std::string, HWHTextList>& apertures) const {
-    forEachMemberOfElements(value, [&](std::string_view interface, const JsonValue& facts) {
-        const std::string interfaceName(interface);
-        HWHTextList texts;
-        forEachMember(facts, [&](std::string_view name, const JsonValue& content) {
-            if (name == "EN_PARAM") {
+    value.forEachMemberOfElements([&](const JsonNode& interface, const JsonNode& facts) {
+        const std::string interfaceName(interface.text());
+        HWHTextList* texts = nullptr; // restarts for each interface
+        facts.forEachMember([&](const JsonNode& name, const JsonNode& content) {
+            if (name.text() == "EN_PARAM") {
                 interfaceEnableTable[{instanceName, interfaceName}] = textOf(content);
-            } else if (name == "APERTURE") {
-                appendTexts(content, texts);
-                apertures[interfaceName] = texts;
+            } else if (name.text() == "APERTURE") {
+                if (texts == nullptr) {
+                    texts = &apertures[interfaceName];
+                    texts->clear();
+                }
+                appendTexts(content, *texts);
             }
         });
     });

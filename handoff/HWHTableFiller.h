@@ -1,7 +1,10 @@
-// From the working object of a connectivity file to the tables.
+// From a connectivity file to the tables of the reader's callers.
 #pragma once
 
-#include "JsonDocument.h"
+#include <map>
+#include <string>
+
+#include "handoff/HWHConnectivity.h"
 #include "handoff/HWHTables.h"
 
 namespace hwh {
@@ -17,23 +20,20 @@ public:
     HWHApertureTable& apertureTable;
     HWHInterfaceEnableTable& interfaceEnableTable;
 
-    /// What the working object had.
-    enum class Found {
-        Incomplete, ///< "slaves" or "masters" is missing
-        Instances,  ///< both, but no "external_addressing"
-        Everything,
-    };
-
-    [[nodiscard]] Found fill(const JsonValue& working) const;
+    /// False where the file lacks slaves or masters.
+    [[nodiscard]] bool fill(const ConnectivityFile& file) const;
 
 private:
     struct Instance;
 
-    void readSlave(const std::string& name, const JsonValue& value) const;
-    void readMaster(const std::string& name, const JsonValue& value) const;
-    void readExcludedInterfaces(const std::string& instanceName, const JsonValue& value,
+    void readSlave(const std::string& name, const base::JsonNode& value) const;
+    void readMaster(const std::string& name, const base::JsonNode& value) const;
+    void readExcludedInterfaces(const std::string& instanceName, const base::JsonNode& value,
                                 std::map<std::string, HWHTextList>& apertures) const;
     void store(const std::string& name, const char* role, Instance&& instance) const;
 };
+
+/// Puts the members of an object into `texts`.
+void copyTexts(const base::JsonNode& object, HWHTextMap& texts);
 
 } // namespace hwh

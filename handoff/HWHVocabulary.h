@@ -128,7 +128,7 @@ inline constexpr const char* kHighAddressName = "C_HIGHADDR";
 inline constexpr const char* kHardwareVersion = "11.0";
 inline constexpr const char* kEnabled = "1";
 inline constexpr const char* kUndefinedSignal = "undef";
-inline constexpr const char* kGuvVersionTail = " = 1.2"; ///< behind `key::kGuvversion`
+inline constexpr const char* kGuvVersion = "1.2";
 
 } // namespace hwh::word
 
@@ -172,6 +172,23 @@ inline constexpr const char* kIsData = "IS_DATA";
 inline constexpr const char* kIsInstruction = "IS_INSTRUCTION";
 
 } // namespace hwh::scalar
+
+/// Further members of the connectivity metadata.
+namespace hwh::member {
+
+inline constexpr const char* kPorts = "PORTS";
+inline constexpr const char* kParameters = "PARAMETERS";
+inline constexpr const char* kExcludedSlaves = "excluded_slaves";
+inline constexpr const char* kExcludedInterfaces = "EXCLUDED_INTERFACES";
+inline constexpr const char* kName = "NAME";
+inline constexpr const char* kDirection = "DIR";
+inline constexpr const char* kSignalKind = "SIG_IS";
+inline constexpr const char* kInterruptId = "IRQID";
+inline constexpr const char* kConnections = "CONNECTIONS";
+inline constexpr const char* kInstance = "INSTANCE";
+inline constexpr const char* kPort = "PORT";
+
+} // namespace hwh::member
 
 /// Kinds of signal that are told apart, exactly as spelt.
 namespace hwh::signal {

@@ -1,11 +1,10 @@
 #include "hardblock/HBSHardBlockDataMgr.h"
 
-#include <algorithm>
 #include <iostream>
 
 #include "HUTEnv.h"
 #include "HUTFile.h"
-#include "hardblock/metadata_reader.h"
+#include "hardblock/MetadataReader.h"
 
 HBSHardBlockDataMgr::HBSHardBlockDataMgr() = default;
 HBSHardBlockDataMgr::~HBSHardBlockDataMgr() = default;
@@ -13,8 +12,14 @@ HBSHardBlockDataMgr::~HBSHardBlockDataMgr() = default;
 HBSHardBlockDataMgr* HBSHardBlockDataMgr::getHardBlockDataMgr() {
     static HBSHardBlockDataMgr* instance = nullptr;
     if (instance == nullptr) {
-        instance = new HBSHardBlockDataMgr;
-        instance->scanMetadataDirectory();
+        auto* const made = new HBSHardBlockDataMgr;
+        try {
+            made->scanMetadataDirectory();
+        } catch (...) { // the next call reads the whole data area again
+            delete made;
+            throw;
+        }
+        instance = made;
     }
     return instance;
 }
@@ -45,12 +50,24 @@ bool HBSHardBlockDataMgr::createHardBlocks(const std::string& file) {
 }
 
 hardblock::HardBlockData* HBSHardBlockDataMgr::getHardBlockByName(const std::string& name) {
-    const auto found = std::find_if(m_hardBlocks.begin(), m_hardBlocks.end(),
-                                    [&](const auto& block) { return block->getName() == name; });
-    if (found != m_hardBlocks.end())
-        return found->get();
+    updateIndex();
+    const auto found = m_byName.find(name);
+    if (found != m_byName.end())
+        return found->second;
     std::cout << "Warning : Unable to find Information for Hard Block: " << name << std::endl;
     return nullptr;
+}
+
+/// A hard block may be renamed behind the manager's back: the index then starts anew.
+void HBSHardBlockDataMgr::updateIndex() {
+    const std::uint64_t renames = hardblock::HardBlockData::s_renames;
+    if (renames != m_renames) {
+        m_byName.clear();
+        m_indexed = 0;
+        m_renames = renames;
+    }
+    for (; m_indexed < m_hardBlocks.size(); ++m_indexed)
+        m_byName.emplace(m_hardBlocks[m_indexed]->m_name, m_hardBlocks[m_indexed].get());
 }
 
 std::vector<hardblock::HardBlockData*> HBSHardBlockDataMgr::getHardBlocksData() {

@@ -1,6 +1,10 @@
 #include "hardblock/HardBlockData.h"
 
+#include <utility>
+
 namespace hardblock {
+
+std::atomic<std::uint64_t> HardBlockData::s_renames{0};
 
 HardBlockData::HardBlockData(const std::string& name) : m_name(name) {}
 HardBlockData::~HardBlockData() = default;
@@ -10,13 +14,13 @@ std::string HardBlockData::getName() const {
 }
 
 void HardBlockData::setName(const std::string& name) {
+    ++s_renames;
     m_name = name;
 }
 
 Interface* HardBlockData::createInterface(const std::string& name) {
-    if (Interface* stored = getInterfaceByName(name))
-        return stored;
-    return m_interfaces.emplace(name, std::make_unique<Interface>(name)).first->second.get();
+    auto made = std::make_unique<Interface>(name);
+    return m_interfaces.try_emplace(name, std::move(made)).first->second.get();
 }
 
 Interface* HardBlockData::getInterfaceByName(const std::string& name) {

@@ -1,6 +1,8 @@
 // What one hard block of the device offers to a design: its pins and its interfaces.
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -10,7 +12,11 @@
 #include "hardblock/Pin.h"
 #include "tq_export.h"
 
+class HBSHardBlockDataMgr;
+
 namespace hardblock {
+
+struct MetadataSource;
 
 /// Owns its interfaces and pins. The pointers that it gives are borrowed and stay valid as long as
 /// it lives. Names alone tie pins, interfaces and port maps together. Holds no lock: not to be
@@ -43,6 +49,12 @@ public:
     [[nodiscard]] Pins::iterator getPinsEndIterator();
 
 private:
+    friend class ::HBSHardBlockDataMgr;
+    friend struct MetadataSource;
+
+    /// Of all hard blocks. Different ones may be renamed on different threads.
+    static std::atomic<std::uint64_t> s_renames;
+
     std::string m_name;
     Interfaces m_interfaces;
     Pins m_pins;

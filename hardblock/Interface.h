@@ -1,17 +1,25 @@
 // An interface of a hard block: the module of its access point, its parameters, its port maps.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "hardblock/PortMap.h"
 #include "tq_export.h"
 
 namespace hardblock {
 
+struct MetadataSource;
+
 /// Owns its port maps; pointers to them stay valid as long as it lives. Iterators go in no defined
 /// order.
+///
+/// What the metadata says of parameters and port maps is read when it is first asked for, by any
+/// operation below that deals with them; operations on a const interface may run on several threads
+/// at once all the same. Exhausted memory raises `std::bad_alloc`, and the next call tries again.
 ///
 ///     Interface axi("S_AXI");
 ///     axi.addPortMap("A[7:4]", "X[3:0]");
@@ -43,17 +51,27 @@ public:
     /// Adds one mapping to the port map of the port's bare name. Both texts are "name[L:R]",
     /// "name[N]" or "name".
     void addPortMap(const std::string& port, const std::string& mapped);
-    /// What stands behind one bit of a port: A[7:4] asks for bit 4 alone, and A for the port whole.
-    /// The empty text for an unknown port and for a bit that no mapping holds.
+    /// The pin bit that one bit of a port is mapped to: A[7:4] asks for bit 4 alone, and A for the
+    /// port whole. The empty text for an unknown port and for a bit that no mapping holds.
     [[nodiscard]] std::string getPortMapByName(const std::string& port) const;
     [[nodiscard]] PortMaps::iterator getPortMapStartIterator();
     [[nodiscard]] PortMaps::iterator getPortMapEndIterator();
 
 private:
+    friend struct MetadataSource;
+
+    struct Contents {
+        PortMaps portMaps; ///< by the port's bare name
+        Parameters parameters;
+    };
+
+    void addSource(MetadataSource source);
+    Contents& contents() const;
+
     std::string m_name;
     std::string m_apModuleName;
-    PortMaps m_portMaps; ///< by the port's bare name
-    Parameters m_parameters;
+    mutable std::atomic<Contents*> m_contents{nullptr}; ///< owned; made at the first use
+    std::vector<MetadataSource> m_sources;              ///< of the contents, in order
 };
 
 } // namespace hardblock

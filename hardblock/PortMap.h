@@ -1,4 +1,4 @@
-// What stands behind the bits of one port: mappings of its ranges onto ranges of other ports.
+// The port map of one port: mappings of its ranges onto ranges of other ports.
 #pragma once
 
 #include <string>
@@ -43,7 +43,7 @@ public:
     [[nodiscard]] std::string getName() const;
     void setName(const std::string& name);
 
-    // The vectors themselves. They have the same length and order as long as nobody but `insert`
+    // The vectors themselves. They have the same length and order as long as only `insert`
     // fills them.
     [[nodiscard]] MappedPorts& getMappedPorts();
     [[nodiscard]] MappedRawPorts& getMappedRawPorts();
@@ -52,7 +52,7 @@ public:
     void insert(std::string& portName, int portRight, int portLeft, std::string& mappedName,
                 int mappedRight, int mappedLeft);
 
-    /// The name of what stands behind a bit of a mapping whose port side has the numbers `right`
+    /// The name that a bit is mapped to by a mapping whose port side has the numbers `right`
     /// and `left`: "name", or "name[N]". The mapped side's left number isn't looked at, so N may
     /// lie beyond it. N wraps in 32 bits. The empty text for bit -1 of a port side with a range.
     [[nodiscard]] std::string getPortName(int bit, const MappedPort& mapped, int right,

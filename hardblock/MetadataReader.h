@@ -18,9 +18,10 @@ using HardBlocks = std::vector<std::unique_ptr<HardBlockData>>;
 bool readMetadataFile(const HUTFile& file, HardBlocks& hardBlocks);
 
 /// Appends the hard blocks of a JSON text. Malformed JSON sends "@90-2@%s" and adds nothing, and so
-/// does, without a message, a stream that fails on its way to the end.
+/// does a text beyond the limit of all readers. A stream that fails on its way to the end, as that
+/// of a damaged protected file does, adds nothing either, without a message.
 ///
-/// A value of an unsuitable type, wherever it stands, is skipped (a hard block, interface or pin
+/// A value of an unsuitable type is skipped at any level (a hard block, interface or pin
 /// without an object for its body stays empty), with the
 /// message "@90-8@%s%s" of its type and key (the root's key is empty), and the reading goes on.
 bool parseMetadataStream(std::istream& stream, HardBlocks& hardBlocks);

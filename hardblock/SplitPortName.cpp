@@ -1,4 +1,4 @@
-#include "hardblock/splitPortName.h"
+#include "hardblock/SplitPortName.h"
 
 #include <algorithm>
 #include <charconv>
@@ -23,7 +23,7 @@ int toInt(std::string_view text) {
     return text.front() == '-' ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
 }
 
-/// What stands between the brackets; empty where they are out of order.
+/// The text between the brackets; empty where they are out of order.
 std::string_view between(std::string_view text, std::size_t open, std::size_t close) {
     return open < close ? text.substr(open + 1, close - open - 1) : std::string_view();
 }

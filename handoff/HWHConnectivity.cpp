@@ -1,0 +1,164 @@
+#include "handoff/HWHConnectivity.h"
+
+#include <algorithm>
+#include <array>
+
+#include "ComMsgMgr.h"
+#include "HCRapidJsonReadWriteUtils.h"
+#include "HEXError.h"
+#include "HUTFile.h"
+#include "handoff/HWHVocabulary.h"
+#include "input/InputFile.h"
+
+namespace hwh {
+
+namespace {
+
+using base::JsonNode;
+using base::JsonTape;
+
+constexpr unsigned kDebugMask = 0x1000003;
+
+/// The core, and its devices, whose metadata is split by cells.
+constexpr const char* kSplitCore = "tovak";
+constexpr const char* kSplitDevices[] = {"qmzt4401", "qmzt4402"};
+
+template <class... Args>
+void sendDebugLine(int line, const char* format, const Args&... args) {
+    ComMsgMgr::sendScopedMsg::eval(static_cast<int>(sizeof...(args)), __FILE__, line, "hbs",
+                                   "cdo.gen", kDebugMask, format, args...);
+}
+
+JsonTape readAfterEntry(const std::string& fileName) {
+    sendDebugLine(__LINE__, "\t\t\t HBSJsonReader::parseconnectivityjson- tmpFile: %s Enter\n",
+                  fileName);
+    return readJsonFile(fileName);
+}
+
+JsonTape readAfterEntry(const std::string& fileName, bool isAddressing) {
+    sendDebugLine(
+        __LINE__,
+        "\t\t HBSJsonReader::parseconnectivityjson- isAddressing: %d fileName: %s Enter\n",
+        isAddressing, fileName);
+    return readJsonFile(fileName);
+}
+
+bool isSplitByCells(HWHTextMap& systemInfo) {
+    if (systemInfo[fact::kCoreName] != kSplitCore)
+        return false;
+    const std::string& device = systemInfo[fact::kDevice];
+    return device == kSplitDevices[0] || device == kSplitDevices[1];
+}
+
+std::string_view cellKey(std::string_view cellName) {
+    const std::size_t divider = cellName.find('_');
+    return divider == std::string_view::npos ? cellName : cellName.substr(divider + 1);
+}
+
+struct FactName {
+    std::string_view name;
+    std::string_view InstanceFacts::*fact;
+};
+
+constexpr std::array<FactName, 13> kFactNames{{
+    {scalar::kSdkName, &InstanceFacts::sdkName},
+    {scalar::kEnableParam, &InstanceFacts::enableParam},
+    {scalar::kClassification, &InstanceFacts::classification},
+    {scalar::kIpType, &InstanceFacts::ipType},
+    {scalar::kModType, &InstanceFacts::modType},
+    {scalar::kModClass, &InstanceFacts::modClass},
+    {scalar::kMultiSocketSmp, &InstanceFacts::multiSocketSmp},
+    {scalar::kSlrNumber, &InstanceFacts::slrNumber},
+    {scalar::kBaseAddress, &InstanceFacts::baseAddress},
+    {scalar::kHighAddress, &InstanceFacts::highAddress},
+    {scalar::kMemType, &InstanceFacts::memType},
+    {scalar::kIsData, &InstanceFacts::isData},
+    {scalar::kIsInstruction, &InstanceFacts::isInstruction},
+}};
+
+} // namespace
+
+JsonTape readJsonFile(const std::string& fileName) {
+    using Outcome = base::ReadOutcome;
+    const std::string canonicalName = HUTFile(fileName).getCanonicalName();
+    const base::FileContent content = input::readFile(fileName);
+    if (content.outcome == Outcome::Missing || content.outcome == Outcome::Unopened)
+        HCRapidJsonReadWriteUtils::errorReadingJsonFile(canonicalName);
+    if (!content.isWhole())
+        throw HEXError("the JSON file '" + canonicalName + "' can't be read: " + content.reason);
+    JsonTape tape(content.text);
+    if (tape.HasParseError())
+        HCRapidJsonReadWriteUtils::errorParsingJsonFile(
+            canonicalName, HCRapidJsonReadWriteUtils::GetErrorMsgFromDocument(tape));
+    return tape;
+}
+
+std::optional<JsonNode> findMember(const JsonNode& object, std::string_view name) {
+    std::optional<JsonNode> found;
+    object.forEachMember([&](const JsonNode& member, const JsonNode& value) {
+        if (!found && member.text() == name)
+            found = value;
+    });
+    return found;
+}
+
+std::optional<JsonNode> findObject(const JsonNode& object, std::string_view name) {
+    const auto value = findMember(object, name);
+    return value && value->isObject() ? value : std::nullopt;
+}
+
+std::optional<JsonNode> findArray(const JsonNode& object, std::string_view name) {
+    const auto value = findMember(object, name);
+    return value && value->isArray() ? value : std::nullopt;
+}
+
+ConnectivityFile::ConnectivityFile(const std::string& fileName) : m_tape(readAfterEntry(fileName)) {
+    findLists(findObject(m_tape.root(), "metadata"));
+}
+
+ConnectivityFile::ConnectivityFile(const std::string& fileName, bool isAddressing,
+                                   HWHTextMap& systemInfo)
+    : m_tape(readAfterEntry(fileName, isAddressing)) {
+    const auto metadata = findObject(m_tape.root(), "metadata");
+    const bool split = metadata && isSplitByCells(systemInfo);
+    findLists(split ? findObject(*metadata, cellKey(systemInfo[fact::kCellName])) : metadata);
+}
+
+void ConnectivityFile::findLists(const std::optional<JsonNode>& working) {
+    if (working)
+        m_slaves = findArray(*working, "slaves");
+    if (m_slaves)
+        m_masters = findArray(*working, "masters");
+    if (m_masters)
+        m_externalAddressing = findArray(*working, "external_addressing");
+}
+
+void ConnectivityFile::reportEnd() const {
+    if (m_externalAddressing)
+        sendDebugLine(__LINE__, "\t\t HBSJsonReader::parseconnectivityjson- Exit\n");
+}
+
+InstanceFacts readFacts(const JsonNode& instance) {
+    InstanceFacts facts;
+    instance.forEachMember([&](const JsonNode& name, const JsonNode& value) {
+        const auto* known = std::find_if(
+            kFactNames.begin(), kFactNames.end(),
+            [text = name.text()](const FactName& factName) { return factName.name == text; });
+        if (known != kFactNames.end())
+            facts.*(known->fact) = textOf(value);
+    });
+    return facts;
+}
+
+Connection readConnection(const JsonNode& connection) {
+    Connection ends;
+    connection.forEachMember([&](const JsonNode& name, const JsonNode& value) {
+        if (ends.instance.node == Text::kMissing && name.text() == member::kInstance)
+            ends.instance.node = value.index();
+        else if (ends.port.node == Text::kMissing && name.text() == member::kPort)
+            ends.port.node = value.index();
+    });
+    return ends;
+}
+
+} // namespace hwh
