@@ -8,7 +8,7 @@
 #include "tq_export.h"
 
 /// Turns a typed text into a number: hexadecimal behind a leading "0x" in either letter case, else
-/// decimal (a leading 0 means nothing). White space and a sign may stand before a decimal number,
+/// decimal (a leading 0 means nothing). White space and a sign may precede a decimal number,
 /// but a text that begins with "-" is invalid; " -1" wraps around to the highest number.
 ///
 /// Fails with an `HTCErrors::command_failed`, where TEXT is the text as given:

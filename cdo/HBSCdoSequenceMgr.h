@@ -21,7 +21,7 @@ public:
     HBSCdoSequenceMgr& operator=(const HBSCdoSequenceMgr&) = delete;
 
     /// Makes a wrapper and enters it under its name; it lives until it is deleted below. A wrapper
-    /// that stood under that name stays alive but can't be reached by name any more, and then
+    /// of that name stays alive but can't be reached by name any more, and then
     /// belongs to whoever holds its pointer.
     HBSCdoSequenceWrapper* createCdoSequenceWrapper(const std::string& name, CdoSequence* sequence);
     /// Destroys the wrapper of that name and forgets it. Fails for an unknown name.

@@ -11,7 +11,7 @@ HBSCdoSequenceWrapper::~HBSCdoSequenceWrapper() {
         hdi::tcltasks::invalidate(this);
         try {
             hdi::pyinfra::invalidate(this);
-        } catch (...) { // a destructor has nobody to tell
+        } catch (...) { // a destructor can't report
         }
     } catch (...) { // a broken Tcl side leaves the Python side alone, too
     }

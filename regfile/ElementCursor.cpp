@@ -117,6 +117,10 @@ int ElementCursor::nextField(std::span<const std::string_view> names) {
     return found == names.end() ? 0 : static_cast<int>(found - names.begin()) + 1;
 }
 
+const xercesc::DOMElement* ElementCursor::element() const {
+    return static_cast<const xercesc::DOMElement*>(m_node);
+}
+
 std::string ElementCursor::text() const {
     FoldedText folded;
     return foldAscii(m_node, folded) ? folded.take() : foldConverted(m_node);

@@ -20,6 +20,9 @@ public:
     /// no element is left or `names` hasn't got it, which ends the level either way.
     [[nodiscard]] int nextField(std::span<const std::string_view> names);
 
+    /// The element stepped to last, or null behind the last one.
+    [[nodiscard]] const xercesc::DOMElement* element() const;
+
     /// The element's text in the local code page, trimmed, each inner run of white space folded to
     /// one blank. Comments and processing instructions don't count.
     [[nodiscard]] std::string text() const;

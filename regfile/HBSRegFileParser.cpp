@@ -1,5 +1,8 @@
 #include "regfile/HBSRegFileParser.h"
 
+#include <xercesc/util/OutOfMemoryException.hpp>
+
+#include <new>
 #include <utility>
 
 #include "HSTStringUtils.h"
@@ -7,6 +10,7 @@
 #include "regfile/RegFileDocument.h"
 #include "regfile/RegFileFormat.h"
 #include "regfile/RegisterNumbers.h"
+#include "regfile/XmlGuards.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define TQ_ADDRESS_SANITIZER
@@ -38,7 +42,7 @@ enum RegisterField {
     kRegisterDim = 8
 };
 
-/// Any other text leaves the access as it stands.
+/// Any other text leaves the access unchanged.
 void readAccess(const std::string& text, std::string& access) {
     if (text == "read-write")
         access = "rw";
@@ -51,35 +55,76 @@ void readAccess(const std::string& text, std::string& access) {
 } // namespace
 
 std::unique_ptr<HBSRegistersMap> HBSRegFileParser::parseFile(const std::string& path) {
+    return read(path, nullptr);
+}
+
+std::unique_ptr<HBSRegistersMap> HBSRegFileParser::parseFile(const std::string& path,
+                                                             std::vector<HBSRegFileStop>& stops) {
+    return read(path, &stops);
+}
+
+std::unique_ptr<HBSRegistersMap> HBSRegFileParser::read(const std::string& path, Stops* stops) try {
     if (path.empty())
         return nullptr;
     std::unique_ptr<HBSRegistersMap> registers(new HBSRegistersMap(path));
-    const regfile::RegFileDocument document(path);
+    const regfile::RegFileDocument document(path, stops != nullptr);
     if (document.root() == nullptr)
         return nullptr;
-    HBSRegFileParser(registers.get()).readDocument(Cursor(document.root()));
+    HBSRegFileParser parser(registers.get(), document, stops);
+    parser.readDocument(Cursor(document.root()));
+    parser.keepRegisters();
     return registers;
+} catch (const xercesc::OutOfMemoryException&) { // which is no standard exception
+    throw std::bad_alloc();
+}
+
+/// The registers of a map outlive it; those of a file that wasn't read to its end have no map.
+void HBSRegFileParser::keepRegisters() {
+    for (auto& made : m_made) {
+        TQ_KEEP_FOR_EVER(made.get());
+        static_cast<void>(made.release());
+    }
+}
+
+int HBSRegFileParser::nextField(Cursor& cursor, Names names) {
+    const int position = cursor.nextField(names);
+    if (position == 0 && m_stops != nullptr && cursor.element() != nullptr)
+        addStop(cursor, names);
+    return position;
+}
+
+void HBSRegFileParser::addStop(const Cursor& cursor, Names names) {
+    const xercesc::DOMElement& element = *cursor.element();
+    const xercesc::DOMNode& parent = *element.getParentNode();
+    const regfile::Place place = m_document.placeOf(element);
+    HBSRegFileStop stop{place.line, place.column, regfile::toText(element.getTagName()), {}, {}};
+    stop.level = parent.getNodeType() == xercesc::DOMNode::DOCUMENT_NODE
+                     ? "the document"
+                     : "<" + regfile::toText(parent.getNodeName()) + ">";
+    for (const std::string_view name : names)
+        stop.expected.append(stop.expected.empty() ? "" : ", ").append(name);
+    m_stops->push_back(std::move(stop));
 }
 
 void HBSRegFileParser::readDocument(Cursor cursor) {
-    while (cursor.nextField(regfile::kDocument) != 0)
+    while (nextField(cursor, regfile::kDocument) != 0)
         readComponent(cursor.children());
 }
 
 void HBSRegFileParser::readComponent(Cursor cursor) {
-    while (const int position = cursor.nextField(regfile::kComponent))
+    while (const int position = nextField(cursor, regfile::kComponent))
         if (position == kComponentMemoryMaps)
             readMemoryMaps(cursor.children());
 }
 
 void HBSRegFileParser::readMemoryMaps(Cursor cursor) {
-    while (cursor.nextField(regfile::kMemoryMaps) != 0)
+    while (nextField(cursor, regfile::kMemoryMaps) != 0)
         readMemoryMap(cursor.children());
 }
 
 void HBSRegFileParser::readMemoryMap(Cursor cursor) {
     std::string name;
-    while (const int position = cursor.nextField(regfile::kMemoryMap)) {
+    while (const int position = nextField(cursor, regfile::kMemoryMap)) {
         if (position == kMapName)
             name = cursor.text();
         else if (position == kMapAddressBlock)
@@ -89,7 +134,7 @@ void HBSRegFileParser::readMemoryMap(Cursor cursor) {
 
 void HBSRegFileParser::readAddressBlock(Cursor cursor, const std::string& mapName) {
     Block block{mapName, {}};
-    while (const int position = cursor.nextField(regfile::kAddressBlock)) {
+    while (const int position = nextField(cursor, regfile::kAddressBlock)) {
         if (position == kBlockBaseAddress)
             block.baseAddress = cursor.text();
         else if (position == kBlockRegister)
@@ -99,7 +144,7 @@ void HBSRegFileParser::readAddressBlock(Cursor cursor, const std::string& mapNam
 
 void HBSRegFileParser::readRegister(Cursor cursor, const Block& block) {
     HBSRegister* current = nullptr;
-    while (const int position = cursor.nextField(regfile::kRegister)) {
+    while (const int position = nextField(cursor, regfile::kRegister)) {
         if (position == kRegisterName)
             current = addRegister(cursor.text(), block.mapName);
         else if (current != nullptr)
@@ -108,13 +153,14 @@ void HBSRegFileParser::readRegister(Cursor cursor, const Block& block) {
 }
 
 HBSRegister* HBSRegFileParser::addRegister(std::string name, const std::string& mapName) {
-    std::unique_ptr<HBSRegister> added(new HBSRegister);
+    HBSRegister* const added =
+        m_made.emplace_back(std::unique_ptr<HBSRegister>(new HBSRegister)).get();
     added->m_fullName = HSTStringUtils::to_upper(mapName + "_" + name);
     added->m_name = std::move(name);
     // The first of a name stays; a later one is filled all the same but can't be reached.
-    m_registers->m_registers.emplace(added->m_name, added.get());
-    TQ_KEEP_FOR_EVER(added.get());
-    return added.release();
+    if (m_registers->m_registers.emplace(added->m_name, added).second)
+        m_registers->m_inFileOrder.push_back(added);
+    return added;
 }
 
 void HBSRegFileParser::readProperty(HBSRegister& target, int position, const Cursor& cursor,

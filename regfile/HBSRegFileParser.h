@@ -1,8 +1,12 @@
 // Reads register description files: IP-XACT components whose elements carry the prefix "spirit:".
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "regfile/HBSRegistersMap.h"
 #include "tq_export.h"
@@ -11,7 +15,17 @@ namespace hbs {
 
 namespace regfile {
 class ElementCursor;
+class RegFileDocument;
 } // namespace regfile
+
+/// A place where the reader left out the rest of a level.
+struct HBSRegFileStop {
+    std::size_t line = 0;   ///< of the element, from 1
+    std::size_t column = 0; ///< from 1, in UTF-16 code units
+    std::string element;    ///< the one that its level doesn't know: "spirit:alias"
+    std::string level;      ///< what it lies in: "<spirit:register>", or "the document"
+    std::string expected;   ///< the elements that the level knows, a comma list
+};
 
 /// Turns a file into a table of its registers:
 ///
@@ -23,8 +37,8 @@ class ElementCursor;
 /// The reader walks the document in order and knows only the elements of `RegFileFormat.h`. To be
 /// read whole, a file has to keep to this:
 ///
-/// - Elements carry the prefix "spirit:", whatever namespace it stands for.
-/// - Nothing but the listed elements stands anywhere on the way to a register or among a register's
+/// - Elements carry the prefix "spirit:", for any namespace.
+/// - Only the listed elements occur on the way to a register or among a register's
 ///   own elements. The first other element ends its level: it and what follows it there is left
 ///   out, and the walk goes on one level up. A spirit:displayName ends its register; one in front
 ///   of the registers loses the whole block.
@@ -41,9 +55,11 @@ class ElementCursor;
 /// Texts are taken in the local code page, with white space trimmed and folded to one blank.
 ///
 /// Files may come from outside: external entities and DTDs are never fetched (a reference to an
-/// external entity makes the file unreadable, and so do attribute lists, parameter entities and
-/// entities of more than 65,536 characters), expansion of entities is bounded, what isn't a regular
-/// file is never opened, and a protected file may unpack to at most 1 GiB.
+/// external entity makes the file unreadable, and so do attribute lists and parameter entities),
+/// what isn't a regular file is never opened, and a file may have 1 GiB at most, when unpacked.
+/// Unreadable is also a file with more than 262,144 levels, 8,388,608 elements, 4,096 attributes of
+/// one element, 16,384 different names, 4,096 declarations in its document type, 65,536 characters
+/// in one entity, 1,000 expansions of entities or 4,194,304 characters out of them.
 ///
 /// Not guarded: the first call in a process must not run beside another.
 class HBSRegFileParser {
@@ -58,6 +74,10 @@ public:
     [[nodiscard]] TQ_EXPORT static std::unique_ptr<HBSRegistersMap>
     parseFile(const std::string& path);
 
+    /// Likewise, and adds to `stops` every place where an element ended its level, in file order.
+    [[nodiscard]] TQ_EXPORT static std::unique_ptr<HBSRegistersMap>
+    parseFile(const std::string& path, std::vector<HBSRegFileStop>& stops);
+
 private:
     using Cursor = regfile::ElementCursor;
 
@@ -67,7 +87,17 @@ private:
         std::string baseAddress;
     };
 
-    explicit HBSRegFileParser(HBSRegistersMap* registers) : m_registers(registers) {}
+    using Names = std::span<const std::string_view>;
+    using Stops = std::vector<HBSRegFileStop>;
+
+    HBSRegFileParser(HBSRegistersMap* registers, const regfile::RegFileDocument& document,
+                     Stops* stops)
+        : m_registers(registers), m_document(document), m_stops(stops) {}
+
+    static std::unique_ptr<HBSRegistersMap> read(const std::string& path, Stops* stops);
+    /// Steps the cursor; where an element outside `names` ends the level, the stop is kept.
+    int nextField(Cursor& cursor, Names names);
+    void addStop(const Cursor& cursor, Names names);
 
     // One walk for each level; each starts at the element's first child.
     void readDocument(Cursor cursor);
@@ -77,11 +107,15 @@ private:
     void readAddressBlock(Cursor cursor, const std::string& mapName);
     void readRegister(Cursor cursor, const Block& block);
 
+    void keepRegisters();
     HBSRegister* addRegister(std::string name, const std::string& mapName);
     static void readProperty(HBSRegister& target, int position, const Cursor& cursor,
                              const std::string& baseAddress);
 
     HBSRegistersMap* m_registers;
+    const regfile::RegFileDocument& m_document;
+    Stops* m_stops;                                   ///< may be null
+    std::vector<std::unique_ptr<HBSRegister>> m_made; ///< until the whole file is read
 };
 
 } // namespace hbs

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "regfile/HBSRegister.h"
 #include "tq_export.h"
@@ -18,6 +19,9 @@ public:
     /// The register of exactly that name, as written in the file, or null.
     [[nodiscard]] TQ_EXPORT HBSRegister* getRegister(const std::string& name);
 
+    /// Those that `getRegister` finds, each once, in file order.
+    [[nodiscard]] const std::vector<HBSRegister*>& getRegisters() const { return m_inFileOrder; }
+
 private:
     friend class HBSRegFileParser;
 
@@ -25,6 +29,7 @@ private:
 
     std::string m_fileName;
     std::unordered_map<std::string, HBSRegister*> m_registers;
+    std::vector<HBSRegister*> m_inFileOrder;
 };
 
 } // namespace hbs

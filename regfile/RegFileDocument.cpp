@@ -1,147 +1,64 @@
 #include "regfile/RegFileDocument.h"
 
-#include <boost/iostreams/filtering_stream.hpp>
 #include <xercesc/dom/DOM.hpp>
-#include <xercesc/framework/MemBufInputSource.hpp>
-#include <xercesc/parsers/XercesDOMParser.hpp>
-#include <xercesc/sax/EntityResolver.hpp>
-#include <xercesc/sax/ErrorHandler.hpp>
-#include <xercesc/sax/SAXParseException.hpp>
-#include <xercesc/util/BinFileInputStream.hpp>
-#include <xercesc/util/OutOfMemoryException.hpp>
-#include <xercesc/util/PlatformUtils.hpp>
-#include <xercesc/util/SecurityManager.hpp>
-#include <xercesc/validators/DTD/DTDElementDecl.hpp>
-#include <xercesc/validators/DTD/DTDEntityDecl.hpp>
+#include <xercesc/sax/InputSource.hpp>
+#include <xercesc/util/BinMemInputStream.hpp>
 
 #include <algorithm>
-#include <cstring>
 #include <iostream>
-#include <new>
 #include <optional>
-#include <stdexcept>
-#include <vector>
+#include <utility>
 
-#include "HUTFile.h"
-#include "regfile/LocalText.h"
+#include "input/InputFile.h"
+#include "regfile/PlacedDomParser.h"
+#include "regfile/XercesRuntime.h"
+#include "regfile/XmlGuards.h"
+#include "regfile/XmlLimits.h"
 #include "xp.h"
-#include "xp_autodetect.h"
 
 namespace hbs::regfile {
 
 namespace {
 
-/// Far above what a description needs, far below what harms: nested entities stop within 10 ms.
-constexpr XMLSize_t kMostEntityExpansions = 1000;
-constexpr XMLSize_t kMostEntityCharacters = 1U << 16U;
-constexpr std::size_t kMostUnpackedBytes = std::size_t{1} << 30;
-
-/// Ends a parse that can't go on.
-class Fault : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
-std::string toText(const XMLCh* wide) {
-    const LocalText narrow(xercesc::XMLString::transcode(wide));
-    return narrow == nullptr ? std::string() : narrow.get();
+/// The content up to its end, or of a protected file up to its first NUL byte; nothing where there
+/// is no file.
+std::optional<std::string> readContent(const std::string& path) {
+    const bool isProtected = isl::iostreams::xp::is_encrypted(path.c_str());
+    base::FileContent content = input::readFile(path);
+    if (content.outcome == base::ReadOutcome::Missing)
+        return std::nullopt;
+    if (!content.isWhole())
+        throw Fault(path + ": " + content.reason);
+    if (isProtected)
+        content.text.resize(std::min(content.text.find('\0'), content.text.size()));
+    return std::move(content.text);
 }
 
-/// Xerces tells most faults to its handler and throws nothing, so without this one a broken file
-/// would pass as good. Warnings are no faults.
-class FaultHandler final : public xercesc::ErrorHandler {
-public:
-    void warning(const xercesc::SAXParseException&) override {}
-    void error(const xercesc::SAXParseException& fault) override { raise(fault); }
-    void fatalError(const xercesc::SAXParseException& fault) override { raise(fault); }
-    void resetErrors() override {}
-
-private:
-    [[noreturn]] static void raise(const xercesc::SAXParseException& fault) {
-        throw Fault(toText(fault.getMessage()) + " (line " + std::to_string(fault.getLineNumber()) +
-                    ", column " + std::to_string(fault.getColumnNumber()) + ")");
-    }
-};
-
-/// No file or address that a description names is ever opened.
-class NoEntities final : public xercesc::EntityResolver {
-public:
-    xercesc::InputSource* resolveEntity(const XMLCh*, const XMLCh* systemId) override {
-        throw Fault("the external entity '" + toText(systemId) + "' is not read");
-    }
-};
-
-/// A parser that refuses what the limit on expansions doesn't count: entities that a document type
-/// expands in itself (attribute defaults, parameter entities), and long texts given many times.
-class GuardedParser final : public xercesc::XercesDOMParser {
-public:
-    void startAttList(const xercesc::DTDElementDecl& /*element*/) override {
-        throw Fault("attribute lists are not read");
-    }
-    void entityDecl(const xercesc::DTDEntityDecl& entity, const bool isParameter,
-                    const bool isIgnored) override {
-        if (isParameter)
-            throw Fault("parameter entities are not read");
-        if (entity.getValueLen() > kMostEntityCharacters)
-            throw Fault("the entity '" + toText(entity.getName()) + "' is too long");
-        xercesc::XercesDOMParser::entityDecl(entity, isParameter, isIgnored);
-    }
-};
-
-/// A file named by its bytes: Xerces' own source takes addresses, too, and loses names that the
-/// local code page can't hold.
+/// A file that is read once, so that every parser gets the same bytes.
 class FileSource final : public xercesc::InputSource {
 public:
-    explicit FileSource(const std::string& path)
-        : xercesc::InputSource(path.c_str()), m_path(path) {}
+    FileSource(const std::string& path, xercesc::MemoryManager& memory)
+        : xercesc::InputSource(path.c_str(), &memory), m_content(readContent(path)) {}
 
+    /// Null for a file that couldn't be opened, which the parser reports.
     xercesc::BinInputStream* makeStream() const override {
-        auto stream = std::make_unique<xercesc::BinFileInputStream>(m_path.c_str());
-        return stream->getIsOpen() ? stream.release() : nullptr;
+        if (!m_content)
+            return nullptr;
+        return new (getMemoryManager()) xercesc::BinMemInputStream(
+            reinterpret_cast<const XMLByte*>(m_content->data()), m_content->size(),
+            xercesc::BinMemInputStream::BufOpt_Reference, getMemoryManager());
     }
+    [[nodiscard]] std::size_t size() const { return m_content ? m_content->size() : 0; }
 
 private:
-    std::string m_path;
+    std::optional<std::string> m_content;
 };
 
-void initializeXerces() {
-    try {
-        xercesc::XMLPlatformUtils::Initialize();
-    } catch (const xercesc::XMLException& error) {
-        std::cerr << "XML toolkit initialization error: " << toText(error.getMessage())
-                  << std::endl;
-    }
-}
-
-/// The plain content of a protected file; empty where it can't be had whole.
-std::string readProtected(const std::string& path) {
-    boost::iostreams::filtering_istream stream;
-    isl::iostreams::xp_autodetect()(path, stream);
-    std::string content;
-    std::vector<char> chunk(1 << 16);
-    while (stream.good()) {
-        stream.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-        content.append(chunk.data(), static_cast<std::size_t>(stream.gcount()));
-        if (content.size() > kMostUnpackedBytes)
-            throw Fault(path + " unpacks to more than 1 GiB");
-    }
-    if (stream.bad())
-        content.clear();
-    return content;
-}
-
-void parseFile(xercesc::XercesDOMParser& parser, const std::string& path) {
-    const HUTFile file(path);
-    // A path is cut at a NUL byte by the system, which would then open another file.
-    if ((file.exists() && !file.isFile()) || path.find('\0') != std::string::npos)
-        throw Fault(path + " is not a regular file");
-    if (!isl::iostreams::xp::is_encrypted(path.c_str())) {
-        parser.parse(FileSource(path));
-        return;
-    }
-    const std::string content = readProtected(path);
-    parser.parse(xercesc::MemBufInputSource(reinterpret_cast<const XMLByte*>(content.c_str()),
-                                            std::strlen(content.c_str()), "mXML"));
+void parseFile(xercesc::XercesDOMParser& parser, const std::string& path,
+               xercesc::MemoryManager& memory) {
+    const FileSource source(path, memory);
+    checkLimits(source, source.size());
+    parser.parse(source);
 }
 
 /// Names and paths in a fault must not make a line of their own, or steer a terminal.
@@ -153,9 +70,10 @@ std::string onOneLine(std::string text) {
 }
 
 /// Gives what is wrong with the file, or nothing.
-std::optional<std::string> faultOf(xercesc::XercesDOMParser& parser, const std::string& path) {
+std::optional<std::string> faultOf(xercesc::XercesDOMParser& parser, const std::string& path,
+                                   xercesc::MemoryManager& memory) {
     try {
-        parseFile(parser, path);
+        parseFile(parser, path, memory);
         return std::nullopt;
     } catch (const Fault& fault) {
         return fault.what();
@@ -163,44 +81,41 @@ std::optional<std::string> faultOf(xercesc::XercesDOMParser& parser, const std::
         return toText(error.getMessage());
     } catch (const xercesc::DOMException& error) {
         return toText(error.getMessage());
-    } catch (const xercesc::OutOfMemoryException&) {
-        throw std::bad_alloc();
     }
 }
 
 } // namespace
 
-/// Xerces borrows its helpers, so they outlive the parser itself.
 struct RegFileDocument::Parser {
-    FaultHandler faults;
-    NoEntities entities;
-    xercesc::SecurityManager limits;
-    GuardedParser xml;
+    ParserMemory memory;
+    XmlGuards guards;
+    std::unique_ptr<xercesc::XercesDOMParser> xml;
+    PlacedDomParser* placed = nullptr; ///< `xml`, where places are kept
 
-    Parser() {
-        xml.setValidationScheme(xercesc::XercesDOMParser::Val_Never);
-        xml.setDoNamespaces(false);
-        xml.setDoSchema(false);
-        xml.setLoadExternalDTD(false);
-        xml.setDisableDefaultEntityResolution(true);
-        limits.setEntityExpansionLimit(kMostEntityExpansions);
-        xml.setErrorHandler(&faults);
-        xml.setEntityResolver(&entities);
-        xml.setSecurityManager(&limits);
+    explicit Parser(bool withPlaces) {
+        if (withPlaces)
+            xml.reset(placed = new PlacedDomParser(memory));
+        else
+            xml = std::make_unique<xercesc::XercesDOMParser>(nullptr, &memory);
+        guards.applyTo(*xml);
     }
 };
 
-RegFileDocument::RegFileDocument(const std::string& path) {
-    initializeXerces();
-    m_parser = std::make_unique<Parser>();
-    if (const auto fault = faultOf(m_parser->xml, path)) {
+RegFileDocument::RegFileDocument(const std::string& path, bool withPlaces) {
+    startXerces();
+    m_parser = std::make_unique<Parser>(withPlaces);
+    if (const auto fault = faultOf(*m_parser->xml, path, m_parser->memory)) {
         std::cerr << "Error parsing file: " << onOneLine(*fault) << std::endl;
         return;
     }
-    if (const xercesc::DOMDocument* const document = m_parser->xml.getDocument())
+    if (const xercesc::DOMDocument* const document = m_parser->xml->getDocument())
         m_root = document->getDocumentElement();
 }
 
 RegFileDocument::~RegFileDocument() = default;
+
+Place RegFileDocument::placeOf(const xercesc::DOMElement& element) const {
+    return m_parser->placed == nullptr ? Place() : m_parser->placed->placeOf(&element);
+}
 
 } // namespace hbs::regfile

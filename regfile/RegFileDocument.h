@@ -6,14 +6,16 @@
 #include <memory>
 #include <string>
 
+#include "regfile/PlacedDomParser.h"
+
 namespace hbs::regfile {
 
 /// Owns the XML parser, and with it the document.
 class RegFileDocument {
 public:
     /// Opens and parses the file, which may be protected. A fault is reported as one line on the
-    /// standard error stream.
-    explicit RegFileDocument(const std::string& path);
+    /// standard error stream. Keeping the places of all elements takes time and memory.
+    explicit RegFileDocument(const std::string& path, bool withPlaces = false);
     ~RegFileDocument();
 
     RegFileDocument(const RegFileDocument&) = delete;
@@ -21,6 +23,8 @@ public:
 
     /// Null where the file couldn't be parsed.
     [[nodiscard]] const xercesc::DOMElement* root() const { return m_root; }
+    /// Zeros without places.
+    [[nodiscard]] Place placeOf(const xercesc::DOMElement& element) const;
 
 private:
     struct Parser;

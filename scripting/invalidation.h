@@ -3,6 +3,8 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
+#include <new>
 #include <vector>
 
 #include "scripting/native_cache.h"
@@ -18,6 +20,17 @@ template <class NativeToScript>
     return std::any_of(first, last, [&](const auto& entry) { return entry.second == script; });
 }
 
+/// The script object at that position of the table's range, or null behind its end.
+template <class NativeToScript>
+[[nodiscard]] typename NativeToScript::mapped_type
+scriptAt(const NativeToScript& nativeToScript, const typename NativeToScript::key_type& native,
+         std::size_t position) {
+    auto [entry, last] = nativeToScript.equal_range(native);
+    while (entry != last && position-- > 0)
+        ++entry;
+    return entry == last ? nullptr : entry->second;
+}
+
 /// Ends every binding of `native`: takes each of its script objects out of `scriptToNative` and
 /// hands it to `release`, in table order, and empties its range in `nativeToScript` at the end. A
 /// script object that only `nativeToScript` knows goes to `corrupt`, which must not return; the
@@ -27,12 +40,18 @@ void endBindings(NativeToScript& nativeToScript, ScriptToNative& scriptToNative,
                  const typename NativeToScript::key_type& native, Release release,
                  Corrupt corrupt) {
     // A copy, as the script side may run code of its own that binds and unbinds other objects.
+    // Without memory for it each object is looked for in the table: no binding may stay.
+    const std::size_t count = nativeToScript.count(native);
     std::vector<typename NativeToScript::mapped_type> scripts;
-    const auto [first, last] = nativeToScript.equal_range(native);
-    for (auto entry = first; entry != last; ++entry)
-        scripts.push_back(entry->second);
-
-    for (const auto script : scripts) {
+    try {
+        scripts.reserve(count);
+        const auto [first, last] = nativeToScript.equal_range(native);
+        for (auto entry = first; entry != last; ++entry)
+            scripts.push_back(entry->second);
+    } catch (const std::bad_alloc&) { // the copy is empty then
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto script = scripts.empty() ? scriptAt(nativeToScript, native, i) : scripts[i];
         if (scriptToNative.erase(script) == 0) {
             if (!isBound(nativeToScript, native, script))
                 continue;

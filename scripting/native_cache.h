@@ -55,7 +55,7 @@ class TQ_EXPORT native_cache<T*> : public native_cache_base {
     static NativeToTcl& get_n2t_cache();
     /// Tcl to native.
     static TclToNative& get_t2n_cache();
-    /// The flag: true once anybody has fetched a table. While it is true each call asks whether
+    /// The flag: true once a table was fetched. While it is true each call asks whether
     /// Tcl is shutting down, which turns it false until a table is fetched again.
     static bool& observers();
 

@@ -56,7 +56,7 @@ class TQ_EXPORT py_native_cache<T*> : public py_native_cache_base {
     static NativeToPython& get_n2py_cache();
     /// Python to native.
     static PythonToNative& get_py2n_cache();
-    /// The flag: true once anybody has fetched a table. While it is true each call asks whether
+    /// The flag: true once a table was fetched. While it is true each call asks whether
     /// Python is shutting down, which turns it false until a table is fetched again.
     static bool& observers();
 
