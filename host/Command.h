@@ -3,12 +3,12 @@
 
 #include <CLI/CLI.hpp>
 
-#include <stdexcept>
-#include <string>
-
-#include "host/Table.h"
+#include "diagnostics/Diagnostic.h"
+#include "workbench/files/InputError.h"
 
 namespace host {
+
+using tq::InputError;
 
 /// Exit statuses of the program.
 enum ExitStatus {
@@ -17,15 +17,14 @@ enum ExitStatus {
     kBadInput = 2, ///< bad command line or bad file
 };
 
-/// A file or a command line that can't be used; the text names the file, the line and the column
-/// where there are any, and what was expected. Text of others in it can't steer a terminal.
-class BadInput : public std::runtime_error {
-public:
-    explicit BadInput(const std::string& text) : std::runtime_error(printable(text)) {}
-};
+/// A person reads the first findings; the rest is counted.
+inline constexpr std::size_t kMostFindings = 20;
+
+/// Writes findings to the standard error stream as compilers do, and the count of those left out.
+void printFindings(const tq::DiagnosticList& findings);
 
 // Each declares its word with its options on `app`. The word's callback does the work, leaves the
-// exit status in `status` and raises `BadInput` where the input can't be used.
+// exit status in `status` and raises `InputError` where the input can't be used.
 void declareClocks(CLI::App& app, int& status);
 void declareDefine(CLI::App& app, int& status);
 void declareCdo(CLI::App& app, int& status);
@@ -33,5 +32,8 @@ void declareHardblock(CLI::App& app, int& status);
 void declareHandoff(CLI::App& app, int& status);
 void declareAddressing(CLI::App& app, int& status);
 void declareRegisters(CLI::App& app, int& status);
+
+/// The whole program: gives its exit status, and raises nothing.
+int runProgram(int argc, char** argv) noexcept;
 
 } // namespace host

@@ -1,0 +1,88 @@
+// What the program does from its command line to its exit status.
+
+#include <exception>
+#include <iostream>
+#include <new>
+
+#include "host/Command.h"
+#include "tq_version.h"
+#include "workbench/text/DiagnosticText.h"
+#include "workbench/text/Text.h"
+
+namespace host {
+
+namespace {
+
+/// The status to exit with: output that got lost is no result.
+int finished(int status) {
+    if (std::cout.flush())
+        return status;
+    std::cerr << "hbs: the output can't be written\n";
+    return kNoResult;
+}
+
+/// Calls `print`, which needs memory of its own.
+template <class Print>
+void complain(Print print) noexcept {
+    try {
+        print();
+    } catch (const std::bad_alloc&) {
+        std::cerr << "hbs: out of memory\n";
+    }
+}
+
+/// A finding with a place has its own headline; one without is the program's.
+void printError(const tq::Diagnostic& diagnostic) {
+    std::cerr << (diagnostic.place.file.empty() ? "hbs: " : "") << tq::describe(diagnostic);
+}
+
+/// Streams, such as those that the help is put together with, swallow what memory failures raise.
+bool g_ranOutOfMemory = false;
+
+[[noreturn]] void noteOutOfMemory() {
+    g_ranOutOfMemory = true;
+    throw std::bad_alloc();
+}
+
+int parseAndRun(int argc, char** argv) {
+    CLI::App app("Knows the hard blocks of a programmable device.", "hbs");
+    app.require_subcommand(1);
+    app.set_version_flag("--version", TQ_VERSION_STRING);
+    int exitStatus = kSuccess;
+    declareClocks(app, exitStatus);
+    declareDefine(app, exitStatus);
+    declareCdo(app, exitStatus);
+    declareHardblock(app, exitStatus);
+    declareHandoff(app, exitStatus);
+    declareAddressing(app, exitStatus);
+    declareRegisters(app, exitStatus);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        const int status = app.exit(error);
+        if (g_ranOutOfMemory)
+            throw std::bad_alloc();
+        return status == 0 ? finished(kSuccess) : kBadInput;
+    }
+    return finished(exitStatus);
+}
+
+} // namespace
+
+int runProgram(int argc, char** argv) noexcept {
+    std::set_new_handler(noteOutOfMemory);
+    g_ranOutOfMemory = false;
+    try {
+        return parseAndRun(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::cerr << "hbs: out of memory\n";
+    } catch (const InputError& error) {
+        complain([&] { printError(error.diagnostic()); });
+        return kBadInput;
+    } catch (const std::exception& error) {
+        complain([&] { std::cerr << "hbs: " << tq::printable(error.what()) << '\n'; });
+    }
+    return kNoResult;
+}
+
+} // namespace host

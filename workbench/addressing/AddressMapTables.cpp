@@ -1,0 +1,80 @@
+#include "workbench/addressing/AddressMapTables.h"
+
+#include <ostream>
+#include <string>
+
+#include "workbench/text/Table.h"
+#include "workbench/text/Text.h"
+
+namespace tq {
+
+namespace {
+
+std::string hex(const HABMAddrValue& value) {
+    return value.isValid() ? value.getPrettyHexStringValue(0) : "?";
+}
+
+std::string namesOf(const std::vector<const HABMInterface*>& interfaces) {
+    std::string names;
+    for (const HABMInterface* interface : interfaces)
+        names += (names.empty() ? "" : ", ") + interface->getInterfaceName();
+    return names;
+}
+
+void printBlocks(std::ostream& out, const std::vector<AddressMap::Block>& blocks) {
+    using Align = Table::Align;
+    Table table({{"base", Align::Right},
+                 {"end", Align::Right},
+                 {"size", Align::Right},
+                 {"name"},
+                 {"path"},
+                 {"interfaces"},
+                 {"reached from"},
+                 {"state"}});
+    for (const AddressMap::Block& block : blocks)
+        table.addRow({hex(block.base), hex(block.end), block.size.getAbrvStringValue(),
+                      block.definition->getName(), block.path, namesOf(block.access->interfaces),
+                      namesOf(block.access->ports), block.instance == nullptr ? "off" : "on"});
+    table.print(out);
+}
+
+void printSpace(std::ostream& out, const AddressMap::Space& space) {
+    using Align = Table::Align;
+    out << "\nAs seen from " << printable(space.path) << " ("
+        << space.space->getRange().getAbrvStringValue() << "):\n";
+    Table table({{"base", Align::Right},
+                 {"end", Align::Right},
+                 {"size", Align::Right},
+                 {"block"},
+                 {"kind"}});
+    for (const AddressMap::SpaceEntry& entry : space.assigned)
+        table.addRow({hex(entry.start), hex(AddressMap::endOf(entry.start, entry.size)),
+                      entry.size.getAbrvStringValue(), entry.name,
+                      HABMAddrAssign::decodeAssignType(entry.assign->getAssignType())});
+    table.print(out);
+}
+
+void printRemoved(std::ostream& out, const std::vector<AddressMap::Removed>& removed) {
+    out << "\nSwitched off:\n";
+    Table table({{"kind"}, {"path"}, {"stays if"}});
+    for (const AddressMap::Removed& item : removed) {
+        const std::string& condition = item.interface == nullptr ? item.block->getEnablement()
+                                                                 : item.interface->getEnablement();
+        table.addRow({item.interface == nullptr ? "block" : "interface", item.path,
+                      condition.empty() ? "it is connected" : condition});
+    }
+    table.print(out);
+}
+
+} // namespace
+
+void printAddressMap(std::ostream& out, const AddressMap& map) {
+    printBlocks(out, map.blocks());
+    for (const AddressMap::Space& space : map.spaces())
+        if (!space.assigned.empty())
+            printSpace(out, space);
+    if (!map.removed().empty())
+        printRemoved(out, map.removed());
+}
+
+} // namespace tq

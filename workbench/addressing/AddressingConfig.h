@@ -1,0 +1,70 @@
+// The config of a hard block subsystem as a person writes it.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "blockmodel/HABM.h"
+#include "diagnostics/Diagnostic.h"
+#include "tq_workbench_export.h"
+#include "workbench/files/JsonFile.h"
+
+namespace tq {
+
+/// A JSON file of this form; every key but those of an assign's two ends is optional:
+///
+///     {
+///       "name": "linux_boot",
+///       "parameters": { "NAME": "text" },
+///       "instances": {
+///         "uart0": { "parameters": { "NAME": "text" }, "registers": { "CTRL": "0x1" } }
+///       },
+///       "assigns": [
+///         { "name": "low", "block": "/ddr0/map/block", "segment": "/cpu0/space/segment",
+///           "offset": "0x0", "range": "2G", "type": "internal" }
+///       ]
+///     }
+///
+/// A register is named by its path below the instance, or by its bare name. Addresses are texts
+/// that HABMAddrValue reads, or whole numbers. An assign starts at the segment's offset, spans the
+/// block and is "normal" unless said otherwise.
+///
+/// What the definition doesn't have, an instance, a register or an end of an assign, raises
+/// `InputError` with its place in the file, as does everything malformed. A sink is warned of
+/// parameters that the definition doesn't have, of values wider than their register and of assigns
+/// beyond their segment; all of them count as they are.
+class TQ_WORKBENCH_EXPORT AddressingConfig {
+public:
+    /// The config that changes nothing.
+    AddressingConfig();
+    static AddressingConfig read(JsonFile file, const HABMBlock& definition,
+                                 const DiagnosticSink& sink = {});
+
+    /// The block that HBSAddressing::createSubsystemInstance takes.
+    [[nodiscard]] const HABMBlock& block() const { return *m_block; }
+
+    /// Creates the assigns on a subsystem that has none of their names. One with an end that isn't
+    /// there goes to nowhere, as it does where the config has switched that end off.
+    void addAssignsTo(HABMBlock& subsystem) const;
+
+private:
+    struct Assign {
+        std::string name;
+        std::string blockPath;
+        std::string segmentPath;
+        HABMAddrValue offset;
+        HABMAddrValue range;
+        HABMAddrAssign::AssignType type = HABMAddrAssign::Normal;
+    };
+
+    class Reader;
+
+    explicit AddressingConfig(const std::string& name);
+    static void addAssign(HABMBlock& subsystem, const Assign& assign);
+
+    std::unique_ptr<HABMBlock> m_block;
+    std::vector<Assign> m_assigns;
+};
+
+} // namespace tq

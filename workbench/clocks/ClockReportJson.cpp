@@ -1,0 +1,132 @@
+// The report of `hbs clocks` as JSON.
+
+#include <array>
+#include <charconv>
+#include <ostream>
+
+#include "base/JsonWriter.h"
+#include "workbench/clocks/ClockReport.h"
+
+namespace tq {
+
+namespace {
+
+class ReportWriter {
+public:
+    explicit ReportWriter(std::ostream& out) : m_stream(out), m_json(m_stream) {
+        m_json.SetIndent(' ', 2);
+    }
+
+    void write(const ClockReport& report) {
+        m_json.StartObject();
+        key("solved").Bool(report.found);
+        if (report.found)
+            writeSolution(report);
+        else
+            writeList("alone", report.alone);
+        m_json.EndObject();
+    }
+
+private:
+    using Json = JsonPrettyWriter<rapidjson::OStreamWrapper>;
+
+    void writeSolution(const ClockReport& report) {
+        number("tolerance", report.tolerance);
+        number("sum_of_relative_errors", report.totalError);
+        if (report.search) {
+            key("search").StartObject();
+            key("combinations").Uint64(report.search->combinations);
+            key("settings_looked_at").Uint64(report.search->evaluated);
+            m_json.EndObject();
+        }
+        writeList("plls", report.plls);
+        writeList("peripherals", report.peripherals);
+    }
+
+    template <class Item>
+    void writeList(const char* name, const std::vector<Item>& items) {
+        key(name).StartArray();
+        for (const Item& item : items) {
+            m_json.StartObject();
+            writeItem(item);
+            m_json.EndObject();
+        }
+        m_json.EndArray();
+    }
+
+    void writeItem(const ClockReport::Pll& pll) {
+        text("name", pll.name);
+        text("domain", pll.domain);
+        key("multiplier").Uint(pll.multiplier);
+        key("output_divider").Uint(pll.outputDivider);
+        key("cross_domain_divider").Uint(pll.crossDivider);
+        number("mhz", pll.mhz);
+    }
+
+    void writeItem(const ClockReport::Peripheral& line) {
+        writeRequest(line.request);
+        key("enabled").Bool(line.request.enabled);
+        if (!line.given)
+            return;
+        text("pll", line.pll);
+        key("divider").Uint(line.divider);
+        writeGiven("mhz", *line.given);
+    }
+
+    void writeItem(const ClockReport::Alone& alone) {
+        writeRequest(alone.request);
+        number("max_error_percent", alone.request.maxErrorPercent);
+        key("within_reach").Bool(alone.allowed);
+        if (alone.nearest)
+            writeGiven("nearest_mhz", *alone.nearest);
+        else
+            key("nearest_mhz").Null();
+    }
+
+    void writeRequest(const ClockTree::Peripheral& request) {
+        text("name", request.name);
+        text("domain", request.domain);
+        number("request_mhz", request.mhz);
+    }
+
+    void writeGiven(const char* name, const GivenClock& given) {
+        number(name, given.mhz);
+        if (!given.errorPercent) {
+            key("error_percent").Null();
+            key("error_ppm").Null();
+            return;
+        }
+        number("error_percent", *given.errorPercent);
+        number("error_ppm", *given.errorPercent * 1e4);
+    }
+
+    Json& key(const char* name) {
+        m_json.Key(name);
+        return m_json;
+    }
+
+    void text(const char* name, const std::string& value) {
+        key(name).String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+    }
+
+    /// The shortest text that reads back as the same number of its own precision.
+    template <class Number>
+    void number(const char* name, Number value) {
+        std::array<char, 64> digits{};
+        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+        key(name).RawValue(digits.data(), static_cast<std::size_t>(end - digits.data()),
+                           rapidjson::kNumberType);
+    }
+
+    rapidjson::OStreamWrapper m_stream;
+    Json m_json;
+};
+
+} // namespace
+
+void printClockJson(const ClockReport& report, std::ostream& out) {
+    ReportWriter(out).write(report);
+    out << '\n';
+}
+
+} // namespace tq

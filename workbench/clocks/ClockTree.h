@@ -1,0 +1,73 @@
+// Clock tree files: what they hold, how they are read, and the solver built from one.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "clocking/HBSClockingAlgo.h"
+#include "tq_workbench_export.h"
+#include "workbench/files/JsonFile.h"
+
+namespace tq {
+
+/// A clock tree file, checked as far as the file alone allows. In JSON:
+///
+///     {
+///       "plls": 2,                  // of the solver: 1, 2, 4 or 6
+///       "reference_mhz": 33.333,
+///       "max_cross_mhz": 1000,      // the rest of these four have the library's defaults
+///       "allow_cross_domain": false,
+///       "domains": [
+///         { "name": "LOW", "plls": [ { "name": "PLL0", "max_mhz": 2000, "noc": false } ] },
+///         ...
+///       ],
+///       "peripherals": [
+///         { "name": "UART", "domain": "LOW", "mhz": 100,
+///           "max_error_percent": 100, "enabled": true, "noc": false },
+///         ...
+///       ]
+///     }
+///
+/// Domains are in the order that the solver expects; trees of 4 and 6 PLLs have four of them, the
+/// second named "NOC_DOMAIN", and one enabled peripheral marked "noc". Names are unique within
+/// their list, and not empty.
+struct ClockTree {
+    struct Pll {
+        std::string name;
+        float maxMhz = 2000.0F;
+        bool noc = false;
+    };
+    struct Domain {
+        std::string name;
+        std::vector<Pll> plls;
+    };
+    struct Peripheral {
+        std::string name;
+        std::string domain;
+        float mhz = 0.0F;
+        float maxErrorPercent = 100.0F;
+        bool enabled = true;
+        bool noc = false;
+    };
+
+    unsigned pllCount = 1;
+    float referenceMhz = 33.333F;
+    float maxCrossMhz = 1000.0F;
+    bool allowCrossDomain = false;
+    std::vector<Domain> domains;
+    std::vector<Peripheral> peripherals;
+};
+
+/// Raises `InputError` with the place of what can't be used.
+[[nodiscard]] TQ_WORKBENCH_EXPORT ClockTree readClockTree(const JsonFile& file);
+
+/// Called with the tolerance when a search of four or six PLLs goes on to a step.
+using StepObserver = std::function<void(float)>;
+
+/// The solver of the tree's kind, with all that the tree holds. Lists keep their order.
+[[nodiscard]] TQ_WORKBENCH_EXPORT std::unique_ptr<hbs_clocking::HBSClockingAlgo>
+buildClockSolver(const ClockTree& tree, const StepObserver& observer = {});
+
+} // namespace tq

@@ -1,0 +1,29 @@
+#include "workbench/text/MessageFinding.h"
+
+#include <sstream>
+#include <string>
+#include <utility>
+
+namespace tq {
+
+namespace {
+
+std::string idOf(const ComMsg& message) {
+    if (!message.format.starts_with('@'))
+        return message.scope;
+    return message.format.substr(1, message.format.find('@', 1) - 1);
+}
+
+} // namespace
+
+Diagnostic findingOf(const ComMsg& message) {
+    std::istringstream lines(message.text());
+    std::string line;
+    std::getline(lines, line);
+    Diagnostic finding = makeDiagnostic(Severity::Warning, idOf(message), {}, std::move(line));
+    while (std::getline(lines, line))
+        finding.notes.push_back({{}, line});
+    return finding;
+}
+
+} // namespace tq
