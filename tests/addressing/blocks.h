@@ -74,13 +74,14 @@ inline void setRegister(HABMBlock& parent, const std::string& name, const std::s
     block.createRegister(name)->setValue(HABMAddrValue(value));
 }
 
-/// The tool's data area of this test program. It stands before the first test, as the library looks
-/// it up once.
+/// The tool's data area of this test program, with a blank in its path. Made before the first test,
+/// as the library looks it up once.
 class DataArea {
 public:
     DataArea() {
-        std::filesystem::create_directory(m_folder.path() / "mirrel");
-        setenv("TQ_DATA_PATH", m_folder.path().c_str(), 1);
+        const std::filesystem::path area = m_folder.path() / kArea;
+        std::filesystem::create_directories(area / "mirrel");
+        setenv("TQ_DATA_PATH", area.c_str(), 1);
     }
 
     /// Puts a block there under its module name.
@@ -95,13 +96,15 @@ public:
     }
 
     void remove(const std::string& name) const {
-        std::filesystem::remove_all(m_folder.path() / ("mirrel/hardblocks/" + name));
+        std::filesystem::remove_all(m_folder.path() / kArea / ("mirrel/hardblocks/" + name));
     }
 
 private:
     static std::string file(const std::string& name, const char* extension) {
-        return "mirrel/hardblocks/" + name + "/" + name + extension;
+        return std::string(kArea) + "/mirrel/hardblocks/" + name + "/" + name + extension;
     }
+
+    static constexpr const char* kArea = "data area";
 
     support::TempDir m_folder;
 };

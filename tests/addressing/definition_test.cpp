@@ -108,4 +108,17 @@ TEST(Definitions, ReportAStubThatCantBeMergedAndGoOn) {
     EXPECT_FALSE(whole->getSubBlock("small0")->isBlockStub());
 }
 
+TEST(Definitions, BeyondTheirNumberAreReportedOnce) {
+    const int tooMany = 66000;
+    const auto fan = blocks::top("fan");
+    for (int i = 0; i < tooMany; ++i)
+        blocks::stub(*fan, "n" + std::to_string(i), "blade");
+    blocks::data.publish(*fan);
+    blocks::data.publish(*blocks::top("blade"));
+    const support::CapturedMessages messages;
+    ASSERT_NE(nullptr, definition("fan"));
+    EXPECT_EQ(std::vector<std::string>{"@91-44@%s%s|" + blocks::vlnv("blade") + "|/n65535"},
+              messages.lines());
+}
+
 } // namespace

@@ -172,13 +172,28 @@ TEST(HostileNames, ThatAreOneWordAreCarried) {
     EXPECT_EQ("0x3", value(tcl, R"(set ::u\}0\]::e\"f)"));
 }
 
+TEST(ScriptPaths, MayHoldAnyCharacter) {
+    const support::TempDir folder;
+    for (const char* name : {"plain", "a b", "a]b", "a{b", "a}b", "}", "a[set ::ran 1]b", "a\"$b",
+                             "a;set ::ran 1", "a\\", "a\nb", "#", "a { b"}) {
+        const TclInterpreter tcl;
+        const support::CapturedMessages messages;
+        evalHelper(tcl.get(), folder.write(name, "set ::seen 1; set command list"));
+        EXPECT_EQ(0U, messages.all().size()) << name;
+        EXPECT_EQ("1 0", value(tcl, "list $::seen [info exists ::ran]")) << name;
+    }
+}
+
 TEST(HostileExpressions, RunNoCommandBehindTheirEnd) {
     const auto block = blocks::top("hostile");
     blocks::setRegister(blocks::sub(*block, "u0"), "R", "0x1");
     const std::string deep(100000, '[');
     for (const std::string& text :
          {std::string("0} ; set ::ran 1 ; expr {0"), std::string("0}\nset ::ran 1 ;#"),
-          std::string("0 \\{ } ; set ::ran 1 ; expr {0"), std::string("{0"), std::string("0}"),
+          std::string("0 \\{ } ; set ::ran 1 ; expr {0"),
+          std::string("{\\{} eq {} } ; set ::ran 1 ; expr {0"),
+          std::string("{\\\\} eq {} } ; set ::ran 1 ; expr {0"), std::string("{0"),
+          std::string("0}"),
           "register_value(R)} ; set ::ran [set ::ran 1] ; {" + std::string(20, ' '), deep,
           "$a(" + deep, std::string("0\0} ;", 5)}) {
         const TclInterpreter tcl;

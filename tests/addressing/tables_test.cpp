@@ -23,24 +23,35 @@ protected:
         folder.write("hb/data/" + name + ".txt", content);
     }
     std::unique_ptr<HABMBlock> build(bool write = false) {
-        auto block = HBSAddrParseUtil::buildHardblockDefinition(HUTFile(folder.path().string()),
-                                                                "hb", write, report);
+        auto block = HBSAddrParseUtil::buildHardblockDefinition(
+            HUTFile(folder.path().string()), "hb", write, findings.sink(), &report);
         EXPECT_TRUE(block == nullptr || HABMBlockCheck::run(*block).faults.empty());
         return block;
     }
-    /// "table:line reason" of all that was dropped.
-    [[nodiscard]] std::vector<std::string> dropped() const {
+    /// "table:line:column id" of each finding.
+    [[nodiscard]] std::vector<std::string> found() const {
         std::vector<std::string> texts;
-        for (const HBSTableReport& table : report)
-            for (const HBSDroppedRow& row : table.dropped)
-                texts.push_back(table.table.substr(5) + ":" + std::to_string(row.line) + " " +
-                                row.reason);
+        for (const tq::Diagnostic& finding : findings.all())
+            texts.push_back(std::filesystem::path(finding.place.file).stem().string() + ":" +
+                            std::to_string(finding.place.line) + ":" +
+                            std::to_string(finding.place.column) + " " + finding.id);
         return texts;
+    }
+
+    /// What a build finds, joined by "|".
+    [[nodiscard]] std::string allFound() {
+        findings = tq::DiagnosticList();
+        (void)build();
+        std::string all;
+        for (const std::string& text : found())
+            all.append(all.empty() ? "" : "|").append(text);
+        return all;
     }
 
     support::TempDir folder;
     support::CapturedMessages messages;
     std::vector<HBSTableReport> report;
+    tq::DiagnosticList findings;
 };
 
 TEST(TableRecord, SplitsTrimsAndKeepsTheLaterPair) {
@@ -98,10 +109,13 @@ TEST_F(Tables, PortsTakeTheirBoundsOnlyAsVectors) {
     EXPECT_EQ(0xffffffffU, block->getPort("c")->getPortLeft());
     EXPECT_EQ(HABMPort::PortDirection::Out, block->getPort("c")->getPortDirection());
     EXPECT_TRUE(block->getPort("d")->isWirePort());
-    EXPECT_THAT(dropped(),
-                ElementsAre("ports.txt:1 right without digits",
-                            "ports.txt:3 unusable or repeated name 'a'", "ports.txt:5 no port"));
+    EXPECT_THAT(found(), ElementsAre("ports:1:27 bad-number", "ports:1:37 bad-number",
+                                     "ports:4:39 bad-number", "ports:5:1 missing-key",
+                                     "ports:6:24 unknown-value", "ports:6:18 unknown-value",
+                                     "ports:3:6 repeated-name", "ports:2:13 unused-bounds",
+                                     "ports:6:34 unused-bounds"));
     EXPECT_EQ(6U, report[3].rows);
+    EXPECT_EQ(4U, report[3].used);
 }
 
 TEST_F(Tables, RangesGrowToTheHighestRowWhicheverComesFirst) {
@@ -123,10 +137,10 @@ TEST_F(Tables, RangesGrowToTheHighestRowWhicheverComesFirst) {
     EXPECT_EQ(HABMAddrSegment::MemoryType::Data,
               block->getAddrSpace("hb")->getAddrSegment("s")->getMemoryType());
     EXPECT_EQ(HABMAddrValue(1), block->getAddrSpace("u")->getRange());
-    EXPECT_THAT(dropped(), ElementsAre("addrblocks.txt:4 unusable or repeated name 'low'",
-                                       "addrblocks.txt:5 offset that can't be read 'x'"));
-    EXPECT_TRUE(report[0].dropped[0].isWhole);
-    EXPECT_FALSE(report[0].dropped[1].isWhole);
+    EXPECT_THAT(found(),
+                ElementsAre("addrblocks:5:38 bad-address", "addrblocks:4:11 repeated-name"));
+    EXPECT_EQ(5U, report[0].rows);
+    EXPECT_EQ(4U, report[0].used);
 }
 
 TEST_F(Tables, RegistersGoIntoEveryAddressBlockOfTheirName) {
@@ -149,13 +163,12 @@ TEST_F(Tables, RegistersGoIntoEveryAddressBlockOfTheirName) {
     const HABMRegister& plain = *block->findRegister("hb/b/R", true);
     EXPECT_EQ(32U, plain.getWidth());
     EXPECT_EQ(HABMAddrValue(0), plain.getReset());
-    EXPECT_THAT(dropped(),
-                ElementsAre("registers.txt:2 reset that can't be read",
-                            "registers.txt:2 width without digits",
-                            "registers.txt:3 there is no address block 'none'",
-                            "registers.txt:5 unusable or repeated name 'R'",
-                            "registers.txt:6 no '=' in 'word'", "registers.txt:6 no addrblock",
-                            "registers.txt:7 no register"));
+    EXPECT_THAT(found(), ElementsAre("registers:2:30 bad-number", "registers:2:37 bad-address",
+                                     "registers:6:12 not-a-pair", "registers:6:1 missing-key",
+                                     "registers:7:1 missing-key", "registers:5:10 repeated-name",
+                                     "registers:3:22 unknown-addrblock", "addrblocks:1:1 no-size",
+                                     "registers:1:31 misaligned", "addrblocks:2:1 no-size",
+                                     "addrblocks:3:1 no-size"));
 }
 
 TEST_F(Tables, InterfacesReferToTheFirstMapAndCarryAllApertures) {
@@ -180,8 +193,9 @@ TEST_F(Tables, InterfacesReferToTheFirstMapAndCarryAllApertures) {
     EXPECT_EQ("b", source.getPortMaps()[0]->getPhysicalPort());
     EXPECT_EQ("B", source.getPortMaps()[1]->getLogicalPort());
     EXPECT_EQ("two words", source.getPortMaps()[1]->getPhysicalPort());
-    EXPECT_THAT(dropped(), ElementsAre("addrblocks.txt:3 unusable or repeated name 'y'",
-                                       "interfaces.txt:2 portmaps item without a blank 'lone'"));
+    EXPECT_THAT(found(),
+                ElementsAre("interfaces:2:51 bad-portmap", "interfaces:2:56 repeated-portmap",
+                            "addrblocks:3:11 repeated-name", "addrsegments:1:26 unused-interface"));
     EXPECT_EQ("", block->getInterface("N")->getMemoryMapRef());
     EXPECT_EQ(HABMInterface::InterfaceMode::Unknown, block->getInterface("U")->getInterfaceMode());
 }
@@ -210,16 +224,123 @@ TEST_F(Tables, InstancesMakeStubsAndConnectionsNeedTheirType) {
     EXPECT_EQ(HABMInterfaceConnection::ConnectionType::Hard, lines[1]->getConnectionType());
     ASSERT_EQ(1U, block->getPortConnections().size());
     EXPECT_THAT(block->getPortConnections()[0]->getTargetPaths(), ElementsAre("/a/clk", "/b/clk"));
-    EXPECT_THAT(dropped(),
-                ElementsAre("instances.txt:2 vlnv hasn't four fields 'v:l:core'",
-                            "instances.txt:3 unusable or repeated name 'a'",
-                            "instances.txt:4 base_address that can't be read",
-                            "connections.txt:1 neither type=port nor type=interface but type "
-                            "' interface'",
-                            "connections.txt:4 neither type=port nor type=interface but type 'bus'",
-                            "connections.txt:5 no targets"));
+    EXPECT_THAT(found(),
+                ElementsAre("instances:4:41 bad-address", "connections:5:1 missing-key",
+                            "instances:2:17 bad-vlnv", "instances:3:10 repeated-name",
+                            "connections:1:1 missing-key", "connections:4:6 unknown-value"));
 }
 
+TEST_F(Tables, TellsTheSinkWhatIsDroppedOrTakenForSomethingElse) {
+    struct Case {
+        const char *name, *rows, *found;
+    };
+    for (const auto& [name, rows, expected] : std::initializer_list<Case>{
+             {"addrblocks", "size=4K\naddrblock=;size=4K",
+              "addrblocks:1:1 missing-key|addrblocks:2:1 missing-key"},
+             {"addrblocks", " addrblock=b; siz=4K",
+              "addrblocks:1:15 unknown-key|addrblocks:1:1 no-size"},
+             {"addrblocks", "addrblock=b;type=Register;size=1", "addrblocks:1:18 unknown-value"},
+             {"addrblocks", "addrblock=b;memorymap=a/b;size=1", "addrblocks:1:23 unusable-name"},
+             {"registers", "addrblock=b\nregister=r",
+              "registers:1:1 missing-key|registers:2:1 missing-key"},
+             {"registers", "register=r;addrblock=b;reset=x;offset=y",
+              "registers:1:39 bad-address|registers:1:30 bad-address|registers:1:22 "
+              "unknown-addrblock"},
+             {"registers", "register=r;addrblock=b; acces=read_only;access= rw",
+              "registers:1:25 unknown-key|registers:1:49 unknown-value|registers:1:22 "
+              "unknown-addrblock"},
+             {"addrsegments", "addrspace=s", "addrsegments:1:1 missing-key"},
+             {"addrsegments", "addrsegment=g;size=1 G", "addrsegments:1:20 bad-address"},
+             {"addrsegments", "addrsegment=g;type=code;Offset=1",
+              "addrsegments:1:25 unknown-key|addrsegments:1:20 unknown-value"},
+             {"ports", "# port=p\n\tdirection=out", "ports:2:2 missing-key"},
+             {"ports", "port=p;type=bus;direction=output",
+              "ports:1:13 unknown-value|ports:1:27 unknown-value"},
+             {"ports", "port=p;type=;port=p", "ports:1:6 repeated-key|ports:1:13 unknown-value"},
+             {"ports", "port=p;type=vector;left=-1;right=0x0",
+              "ports:1:25 bad-number|ports:1:34 bad-number"},
+             {"ports", "port=p;type=vector;left=9999999999", "ports:1:25 bad-number"},
+             {"interfaces", "mode=master", "interfaces:1:1 missing-key"},
+             {"interfaces", "interface=i;mode=Slave\ninterface=j;mode=target",
+              "interfaces:1:18 unknown-value"},
+             {"interfaces", "interface=i;portmaps=a b,c,,d e,a f",
+              "interfaces:1:26 bad-portmap|interfaces:1:33 repeated-portmap"},
+             {"parameters", "value=1;word", "parameters:1:9 not-a-pair|parameters:1:1 missing-key"},
+             {"parameters", "name=A;value=1\nname=A;value=2", "parameters:2:6 repeated-name"},
+             {"instances", "vlnv=v:l:n:1.0", "instances:1:1 missing-key"},
+             {"instances", "instance=i;vlnv=v:l:n:1.0;base=0", "instances:1:27 unknown-key"},
+             {"connections", "type=port;targets=/a", "connections:1:1 missing-key"},
+             {"connections", "type=port;source=/a;target=/b",
+              "connections:1:21 unknown-key|connections:1:1 missing-key"},
+             {"connections", "type=port;source=/a;targets=/b;style=Hard",
+              "connections:1:38 unknown-value"}}) {
+        std::filesystem::remove_all(folder.file("hb"));
+        table(name, rows);
+        EXPECT_EQ(expected, allFound()) << name << ": " << rows;
+        EXPECT_EQ(findings.count(), findings.count(tq::Severity::Warning)) << rows;
+    }
+}
+
+TEST_F(Tables, TellsTheSinkOfAddressesAndInterfacesThatDontFit) {
+    struct Case {
+        const char *addrblocks, *registers, *found;
+    };
+    for (const auto& [addrblocks, registers, expected] : std::initializer_list<Case>{
+             {"addrblock=a;size=4K\naddrblock=b;offset=4K;size=4K\naddrblock=c;offset=8K;size=1",
+              "", ""},
+             {"addrblock=b;offset=4K;size=4K\naddrblock=a;size=0x1001", "",
+              "addrblocks:2:1 overlap"},
+             {"addrblock=a;size=64K\naddrblock=b;size=4K\naddrblock=c;offset=8K;size=4K", "",
+              "addrblocks:2:1 overlap|addrblocks:3:20 overlap"},
+             {"addrblock=a;size=4K\naddrblock=b;memorymap=m;size=4K", "", ""},
+             {"addrblock=a", "register=r;addrblock=a", "addrblocks:1:1 no-size"},
+             {"addrblock=a;size=8",
+              "register=r;addrblock=a;offset=4\nregister=s;addrblock=a;offset=8",
+              "registers:2:31 outside-addrblock"},
+             {"addrblock=a;size=8", "register=r;addrblock=a;width=128",
+              "registers:1:1 outside-addrblock"},
+             {"addrblock=a;size=4K", "register=r;addrblock=a;offset=2;width=64",
+              "registers:1:31 misaligned"},
+             {"addrblock=a;size=4K", "register=r;addrblock=a;offset=3;width=8", ""},
+             {"addrblock=a;size=4K",
+              "register=r;addrblock=a;offset=4\nregister=s;addrblock=a;offset=0;width=64",
+              "registers:2:31 overlap"},
+             {"addrblock=a;size=4K",
+              "register=r;addrblock=a;access=read_only\nregister=s;addrblock=a;access=write_only",
+              ""},
+             {"addrblock=a;size=4K",
+              "register=r;addrblock=a;access=write_only\nregister=s;addrblock=a",
+              "registers:2:1 overlap"},
+             {"addrblock=a;size=4K;interfaces=S,T,M", "",
+              "addrblocks:1:32 unknown-interface|addrblocks:1:32 unused-interface"}}) {
+        std::filesystem::remove_all(folder.file("hb"));
+        table("interfaces", "interface=S;mode=slave\ninterface=M;mode=master");
+        table("addrblocks", addrblocks);
+        table("registers", registers);
+        EXPECT_EQ(expected, allFound()) << addrblocks << '\n' << registers;
+    }
+    table("addrsegments", "addrsegment=g;interfaces=M,S");
+    table("ports", "port=p;left=31;right=0");
+    EXPECT_THAT(allFound(), testing::StartsWith("ports:1:13 unused-bounds|"));
+    EXPECT_THAT(allFound(), testing::EndsWith("|addrsegments:1:26 unused-interface"));
+}
+
+TEST_F(Tables, FindingsShowTheLineWhatWasExpectedAndTheFirstOfAName) {
+    table("ports", "port=clk\nport=b; direction=output\nport=clk");
+    (void)build();
+    ASSERT_EQ(2U, findings.all().size());
+    const tq::Diagnostic& direction = findings.all()[0];
+    EXPECT_EQ(folder.file("hb/data/ports.txt"), direction.place.file);
+    EXPECT_EQ("port=b; direction=output", direction.place.lineText);
+    EXPECT_EQ("unknown direction \"output\", taken for \"in\"", direction.text);
+    EXPECT_EQ("one of: in, out, inout", direction.expected);
+    const tq::Diagnostic& repeated = findings.all()[1];
+    EXPECT_EQ("the row isn't used: a second port \"clk\"", repeated.text);
+    ASSERT_EQ(1U, repeated.notes.size());
+    EXPECT_EQ("first defined here", repeated.notes[0].text);
+    EXPECT_EQ(1U, repeated.notes[0].place.line);
+    EXPECT_EQ(6U, repeated.notes[0].place.column);
+}
 TEST_F(Tables, WrittenBlockIsTheOneReturned) {
     table("parameters", "name=A;type=long;value=1\nname=A;value=a=b\nname=B\nvalue=3");
     const auto block = build(true);

@@ -105,6 +105,61 @@ TEST_F(System, MergeKeepsTheBlockAndMovesThePathsBelowIt) {
     EXPECT_THAT(HABMBlockCheck::run(*top).dangling, IsEmpty());
 }
 
+TEST(Block, MergeFillsTheTreeUpToItsLastLevelAndNoFurther) {
+    const auto chain = [](int levels) {
+        auto top = HABMBlock::createTopBlock("top");
+        HABMBlock* deepest = top.get();
+        while (--levels > 0)
+            deepest = deepest->createSubBlock("b", "m", false);
+        return top;
+    };
+    constexpr int kLevelOfPlace = 3;
+    const auto top = chain(kLevelOfPlace);
+    const auto child = chain(HABMBlock::kMostLevels - kLevelOfPlace + 1);
+    EXPECT_FALSE(HABMBlock::mergeTopBlock(
+        *top, "/b/b", *chain(HABMBlock::kMostLevels - kLevelOfPlace + 2), true));
+    EXPECT_TRUE(HABMBlock::mergeTopBlock(*top, "/b/b", *child, true));
+}
+
+TEST(Block, StubsAreListedAndDefinitionsThatContainThemselvesKnown) {
+    const auto top = HABMBlock::createTopBlock("soc");
+    top->setModuleVlnv("v:l:soc:1");
+    HABMBlock& cpu = *top->createSubBlock("cpu", "cpu", false);
+    HABMBlock& ring = *cpu.createSubBlock("ring", "soc", false);
+    HABMBlock& late = *top->createSubBlock("late", "uart", false);
+    for (HABMBlock* stub : {&ring, &late})
+        stub->setBlockStub(true);
+    ring.setModuleVlnv("v:l:soc:1");
+    EXPECT_THAT(top->findStubs(), ElementsAre(&ring, &late));
+    EXPECT_THAT(cpu.findStubs(), ElementsAre(&ring));
+    EXPECT_TRUE(ring.isRecursive());
+    EXPECT_FALSE(late.isRecursive());
+    cpu.setModuleVlnv("");
+    EXPECT_FALSE(cpu.isRecursive());
+}
+
+TEST(Path, LeadsToTheObjectOfItsKindFromAnywhereInTheTree) {
+    const auto top = HABMBlock::createTopBlock("top");
+    HABMBlock& sub = *top->createSubBlock("a", "m", false);
+    HABMPort* const port = sub.createPort("x", false);
+    HABMInterface* const interface = sub.createInterface("x", false);
+    HABMAddrBlock* const block = sub.createMemoryMap("x")->createAddrBlock("y");
+    HABMAddrSegment* const segment = sub.createAddrSpace("x")->createAddrSegment("y");
+    for (const HABMBlock* from : {&std::as_const(*top), &std::as_const(sub)}) {
+        EXPECT_EQ(top.get(), HABMPath::findBlock(*from, ""));
+        EXPECT_EQ(&sub, HABMPath::findBlock(*from, "/a"));
+        EXPECT_EQ(port, HABMPath::findPort(*from, "/a/x"));
+        EXPECT_EQ(interface, HABMPath::findInterface(*from, "/a/x"));
+        EXPECT_EQ(block, HABMPath::findAddrBlock(*from, "/a/x/y"));
+        EXPECT_EQ(segment, HABMPath::findAddrSegment(*from, "/a/x/y"));
+    }
+    for (const char* none : {"/", "a", "a/x", "/a/", "/a/x/", "//x", "/a/y", "/a/x/y/z"}) {
+        EXPECT_EQ(nullptr, HABMPath::findBlock(*top, none)) << none;
+        EXPECT_EQ(nullptr, HABMPath::findInterface(*top, none)) << none;
+        EXPECT_EQ(nullptr, HABMPath::findAddrBlock(*top, none)) << none;
+    }
+}
+
 TEST(Block, PortConnectionsNeedTheirSourceAndOneTarget) {
     const auto top = HABMBlock::createTopBlock("top");
     HABMPort& clock = *top->createPort("clk", false);

@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <functional>
 
 #include "HUTFile.h"
 #include "blockmodel/block_generator.h"
@@ -32,6 +33,8 @@ TEST_P(GeneratedBlocks, ComeBackEqualFromFileAndClone) {
     EXPECT_EQ(bytes, generated::bytes(*read));
     const auto clone = HABMBlock::cloneTopBlock(*block);
     EXPECT_EQ(bytes, generated::bytes(*clone));
+    EXPECT_TRUE(block->hasSameContent(*read));
+    EXPECT_TRUE(block->hasSameContent(*clone));
     clone->createSubBlock("another", "m", false)->createPort("p", false);
     clone->getSubBlock("inner")->setParameter("x", "1", true);
     EXPECT_EQ(bytes, generated::bytes(*block));
@@ -56,6 +59,114 @@ TEST_P(GeneratedBlocks, MergedBlockIsTheChildBelowTheStubsPath) {
     EXPECT_EQ(generated::bytes(*child), generated::bytes(*top->removeSubBlock("inner")));
 }
 
+/// A block with every field of every kind of object set to something that a fresh one hasn't got.
+std::unique_ptr<HABMBlock> filledBlock() {
+    auto top = HABMBlock::createTopBlock("soc");
+    top->setModuleVlnv("v:l:soc:1");
+    top->setEnablement("$e");
+    top->setBaseAddress(HABMAddrValue(16));
+    top->setBlockStub(true);
+    top->setParameter("P", "1", true);
+    top->setAttribute("A", "2", true);
+    HABMPort& port = *top->createPort("irq", false);
+    port.setPortType(HABMPort::PortType::Vector);
+    port.setPortDirection(HABMPort::PortDirection::Out);
+    port.setPortLeft(7);
+    port.setPortRight(1);
+    HABMMemoryMap& map = *top->createMemoryMap("map");
+    map.setRange(HABMAddrValue("4K"));
+    HABMAddrBlock& block = *map.createAddrBlock("regs");
+    block.setMemoryType(HABMAddrBlock::MemoryType::Memory);
+    block.setAperture({HABMAddrValue(32), HABMAddrValue(64)});
+    HABMRegister& member = *block.createRegister("CTRL");
+    member.setOffset(HABMAddrValue(4));
+    member.setWidth(16);
+    member.setReset(HABMAddrValue(5));
+    member.setAccess(HABMRegister::RegisterAccess::WriteOnly);
+    member.setValue(HABMAddrValue(6));
+    HABMAddrSpace& space = *top->createAddrSpace("space");
+    space.setRange(HABMAddrValue("4G"));
+    HABMAddrSegment& segment = *space.createAddrSegment("low");
+    segment.setMemoryType(HABMAddrSegment::MemoryType::Instruction);
+    segment.setAperture({HABMAddrValue(), HABMAddrValue(1)});
+    HABMInterface& interface = *top->createInterface("M", false);
+    interface.setInterfaceVlnv("v:l:axi:1");
+    interface.setInterfaceMode(HABMInterface::InterfaceMode::MirroredSlave);
+    interface.setEnablement("$m");
+    interface.setMemoryMapRef("map");
+    interface.setAddrSpaceRef("space");
+    interface.setApertures({HABMAddrAperture("0:1"), HABMAddrAperture("8:8")}, false);
+    interface.createPortMap("ACLK", "clk");
+    HABMPortConnection& wire = *top->createPortConnection("wire", false);
+    wire.setConnectionType(HABMPortConnection::ConnectionType::Hard);
+    wire.setSourcePath("/irq");
+    wire.setTargetPaths({"/a/b", "/c/d"});
+    HABMInterfaceConnection& line = *top->createInterfaceConnection("line", false);
+    line.setConnectionType(HABMInterfaceConnection::ConnectionType::Hard);
+    line.setSourcePath("/M");
+    line.setTargetPath("/uart/S");
+    HABMAddrAssign& assign = *top->createAddrAssign("assign");
+    assign.setAssignType(HABMAddrAssign::Excluded);
+    assign.setOffset(HABMAddrValue(2));
+    assign.setRange(HABMAddrValue(3));
+    assign.setSourcePath("/map/regs");
+    assign.setTargetPath("/space/low");
+    top->createSubBlock("uart", "uart_module", false);
+    return top;
+}
+
+constexpr const char* kFilledBlock =
+    R"({"format":"tq block model","version":1,"block":{)"
+    R"("module":"soc","vlnv":"v:l:soc:1","enable":"$e","base":"0x10","stub":true,)"
+    R"("parameters":[["P","1"]],"attributes":[["A","2"]],)"
+    R"("ports":[{"name":"irq","type":"vector","direction":"out","left":7,"right":1}],)"
+    R"("memory_maps":[{"name":"map","range":"0x1000","blocks":[)"
+    R"({"name":"regs","type":"memory","aperture":["0x20","0x40"],"registers":[)"
+    R"({"name":"CTRL","offset":"0x4","width":16,"reset":"0x5","access":"write_only",)"
+    R"("value":"0x6"}]}]}],)"
+    R"("address_spaces":[{"name":"space","range":"0x100000000","segments":[)"
+    R"({"name":"low","type":"instruction","aperture":["","0x1"]}]}],)"
+    R"("interfaces":[{"name":"M","vlnv":"v:l:axi:1","mode":"mirrored_slave","enable":"$m",)"
+    R"("memory_map":"map","address_space":"space","apertures":[["0x0","0x1"],["0x8","0x8"]],)"
+    R"("port_maps":[["ACLK","clk"]]}],)"
+    R"("port_connections":[{"name":"wire","type":"hard","source":"/irq",)"
+    R"("targets":["/a/b","/c/d"]}],)"
+    R"("interface_connections":[{"name":"line","type":"hard","source":"/M",)"
+    R"("target":"/uart/S"}],)"
+    R"("assigns":[{"name":"assign","type":"excluded","offset":"0x2","range":"0x3",)"
+    R"("source":"/map/regs","target":"/space/low"}],)"
+    R"("blocks":[{"instance":"uart","module":"uart_module"}]}})"
+    "\n";
+
+/// Written to the text and read back from it, so that a field lost on either way is seen.
+TEST(BmjFile, HoldsEveryFieldUnderItsKey) {
+    EXPECT_EQ(kFilledBlock, generated::bytes(*filledBlock()));
+    const auto read = readBack(kFilledBlock);
+    ASSERT_NE(nullptr, read);
+    EXPECT_EQ(kFilledBlock, generated::bytes(*read));
+    EXPECT_EQ(kFilledBlock, generated::bytes(*HABMBlock::cloneTopBlock(*read)));
+}
+
+TEST(Block, ContentIsTheSameUntilSomethingOfItChanges) {
+    const std::vector<std::function<void(HABMBlock&)>> changes{
+        [](HABMBlock& b) { b.setBlockStub(false); },
+        [](HABMBlock& b) { b.setParameter("P", "2", true); },
+        [](HABMBlock& b) { b.getInterface("M")->createPortMap("ARESETN", ""); },
+        [](HABMBlock& b) { b.findRegister("CTRL", true)->setWidth(17); },
+        [](HABMBlock& b) { b.getAddrSpace("space")->createAddrSegment("high"); },
+        [](HABMBlock& b) { b.getPortConnections()[0]->setTargetPaths({"/a/b"}); },
+        [](HABMBlock& b) { b.getAddrAssign("assign")->setTargetPath(""); },
+        [](HABMBlock& b) { b.getSubBlock("uart")->createPort("p", false); },
+    };
+    const auto block = filledBlock();
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        const auto other = filledBlock();
+        EXPECT_TRUE(block->hasSameContent(*other));
+        changes[i](*other);
+        EXPECT_FALSE(block->hasSameContent(*other)) << i;
+    }
+}
+
 /// Every prefix of a file, and every file with a byte changed, is read whole or refused with one
 /// message.
 TEST(BmjFile, DamagedFilesGiveNothingAndOneMessage) {
@@ -65,6 +176,9 @@ TEST(BmjFile, DamagedFilesGiveNothingAndOneMessage) {
         const auto block = readBack(text);
         return messages.all().size() == (block == nullptr ? 1U : 0U);
     };
+    const support::CapturedMessages hidden;
+    EXPECT_EQ(nullptr, readBack(bytes + '\0' + bytes));
+    EXPECT_EQ(1U, hidden.all().size());
     const std::size_t step = bytes.size() / 60 + 1;
     for (std::size_t i = 0; i + 2 < bytes.size(); i += step) {
         const support::CapturedMessages messages;
@@ -101,6 +215,14 @@ TEST(BmjFile, SaysWhyItIsRefused) {
     EXPECT_EQ("it holds a NUL byte", reasonFor(head + std::string("1}\0", 3)));
     EXPECT_EQ("an object was expected",
               reasonFor(std::string(500000, '[') + std::string(500000, ']')));
+    EXPECT_EQ("nothing more was expected", reasonFor(head + R"(1,"block":{}} x)"));
+    EXPECT_EQ("a comma or '}' was expected", reasonFor(head + R"(1,"block":{})"));
+    EXPECT_EQ("it ends too early", reasonFor(head + R"(1,"block":{"vlnv":)"));
+    EXPECT_EQ("the key 'new' is unknown, repeated or out of place",
+              reasonFor(head + R"(1,"block":{},"new":1})"));
+    EXPECT_EQ("'" + std::string(60, 'x') + "…' is unknown as 'type'",
+              reasonFor(head + R"(1,"block":{"ports":[{"name":"p","type":")" +
+                        std::string(61, 'x') + R"("}]}})"));
     const std::vector<HostileCase> cases{
         {R"("ports":[{"name":"p"},{"name":"p"}])",
          "the name 'p' is empty, holds a '/' or stands there twice"},
@@ -122,6 +244,27 @@ TEST(BmjFile, SaysWhyItIsRefused) {
         {R"("parameters":[["a","1"],["a","2"]])",
          "the name 'a' is empty, holds a '/' or stands there twice"},
         {R"("colour":"red")", "the key 'colour' is unknown, repeated or out of place"},
+        {R"("ports":[{"name":"p","left":1.5}])", "'1.5' is no number for 'left'"},
+        {R"("ports":[{"name":"p","left":4294967296}])", "'4294967296' is no number for 'left'"},
+        {R"("ports":[{"name":"p","left":"7"}])", "'7' is no number for 'left'"},
+        {R"("ports":[{"name":"p","left":true}])", "'' is no number for 'left'"},
+        {R"("ports":[{"name":"p"} {"name":"q"}])", "a comma or ']' was expected"},
+        {R"("ports":[{"name":"p"])", "a comma or '}' was expected"},
+        {R"("stub":null)", "true or false was expected as 'stub'"},
+        {R"("vlnv":false)", "a text was expected"},
+        {R"("vlnv":tru)", "Invalid value."},
+        {R"("vlnv" "v")", "a colon was expected"},
+        {R"(7:"v")", "a text was expected"},
+        {R"("vlnv":"v" "enable":"e")", "a comma or '}' was expected"},
+        {R"("parameters":["a","1"])", "a pair was expected"},
+        {R"("parameters":[["a" "1"]])", "a pair was expected"},
+        {R"("parameters":[["a","1","2"]])", "a pair was expected"},
+        {R"("memory_maps":[{"name":"m","blocks":[{"name":"b","aperture":["0x1",2]}]}])",
+         "a text was expected"},
+        {R"("blocks":[{"instance":"a/b","module":"m"}])",
+         "the sub-block 'a/b' has an unusable or repeated name, or stands too deep"},
+        {R"("port_connections":[{"name":""}])",
+         "the name '' is empty, holds a '/' or stands there twice"},
         {R"("interface_connections":[{"name":""}])",
          "the name '' is empty, holds a '/' or stands there twice"},
     };

@@ -119,6 +119,18 @@ TEST(AddrAperture, CompressJoinsWhatTouchesOrOverlaps) {
     EXPECT_EQ("0x0+0x0 0x8+0x8 ", compressed({"", "8:8"}));
     EXPECT_EQ("0x0+0x0? 0x0+0x10 ", compressed({"x:x", "0:0x10"}));
     EXPECT_EQ("", compressed({}));
+    // At the highest address that a value holds.
+    const char* const half = "0x40000000000000000000000000000000";
+    const char* const low = "0:0x40000000000000000000000000000000";
+    const char* const high =
+        "0x40000000000000000000000000000000:0x40000000000000000000000000000000";
+    EXPECT_EQ(std::string(half) + "+" + half + " ",
+              compressed({high, "0x50000000000000000000000000000000:1",
+                          "0x7fffffffffffffffffffffffffffffff:1"}));
+    EXPECT_EQ("0x10+0x7ffffffffffffffffffffffffffffff0 ",
+              compressed({"0x10:0x40000000000000000000000000000000", high}));
+    EXPECT_EQ("0x0+" + std::string(half) + " " + half + "+" + half + " ",
+              compressed({low, high})); // the size of both is one too many
 }
 
 } // namespace

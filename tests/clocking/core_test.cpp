@@ -73,6 +73,14 @@ TEST(Candidates, NocRequestTakesDividedVcoClocksAtOrBelowItAndLocksItsDomain) {
     EXPECT_EQ(0.001F, stages.getPowerDomain("NOC_DOMAIN")->getErrorLimit());
     EXPECT_THAT(stages.candidates(noc), ElementsAre()); // the ordinary stage leaves it out
 
+    // A clock of 2500 lies above these requests by less, and by more, than the margin of 0.0001.
+    for (const auto& [requestMhz, isServed] : {std::pair{2499.9F, true}, {2499.7F, false}}) {
+        candidates.clear();
+        noc->setRequestedFreq(requestMhz);
+        stages.collectNocMultipliers({noc}, candidates, all);
+        EXPECT_EQ(isServed, candidates.count(noc) != 0) << requestMhz;
+    }
+
     support::CapturedOutput output;
     stages.setRefClkFreq(1000.0F); // nothing in range, nothing said
     stages.collectNocMultipliers({stray}, candidates, all);

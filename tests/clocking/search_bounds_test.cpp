@@ -1,14 +1,17 @@
-// What the search's cuts rest on: the table of errors, the bound and the choices of domain 3, each
-// against plain arithmetic over all settings.
+// What the search's cuts rest on: the table of errors, the bound, the fronts and the choices of a
+// domain, each against plain arithmetic over all settings.
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <map>
 #include <optional>
 #include <random>
 
 #include "clocking/ClockingArithmetic.h"
+#include "clocking/search/ChoiceTable.h"
+#include "clocking/search/OwnPlls.h"
 #include "clocking/search/TupleSearch.h"
 
 using namespace hbs_clocking;
@@ -115,46 +118,193 @@ TEST(PriceBound, LiesUnderTheSumOfEverySetting) {
     EXPECT_LT(closest, 1.5) << "a bound far below all sums cuts nothing";
 }
 
-TEST(OwnChoices, AreAllThatStayWithinTheBudgetEachAtItsFirstPlace) {
+TEST(PriceBound, RisesAboveZeroFromAStartFarBelow) {
+    // Every clock serves low requests well, so that at the first prices each of them saves nearly
+    // all: the first bound is about -0.3 × tolerance × peripherals × clocks.
+    std::mt19937 engine(9);
+    for (int round = 0; round < 20; ++round) {
+        SearchProblem problem = problemOf(engine);
+        problem.tolerance = 1.0F;
+        const std::vector<SearchRequest> requests = problem.requests;
+        for (int copy = 0; copy < 4; ++copy)
+            for (SearchRequest request : requests) {
+                request.mhz = 1.0F + 0.01F * static_cast<float>(engine() % 500);
+                problem.requests.push_back(request);
+            }
+        problem.requests[1].mhz = 5000.0F; // an error that no clock brings down
+        const SourceTable table(problem);
+        EXPECT_GT(PriceBound(problem, table).lowest(), 0.3) << "round " << round;
+    }
+}
+
+/// The errors that the main PLL and the first own PLL of domain 2 leave to a domain.
+ErrorRow errorsBefore(const SearchProblem& problem, const SourceTable& table, unsigned domain,
+                      const PllOption& main, const PllOption* own) {
+    ErrorRow before(table.domain(domain).stride, 0.0F);
+    std::fill_n(before.begin(), table.domain(domain).positions.size(), problem.tolerance);
+    takeBetter(before, main.errors[domain]);
+    if (own != nullptr)
+        takeBetter(before, own->errors[domain]);
+    return before;
+}
+
+const PllOption& anyOf(std::mt19937& engine, std::span<const PllOption> options) {
+    return options[engine() % options.size()];
+}
+
+TEST(ErrorFront, GivesTheLeastSumOfAllPairsAndLosesNoneOfABudget) {
+    std::mt19937 engine(7);
+    std::size_t found = 0;
+    for (int round = 0; round < 40; ++round) {
+        const SearchProblem problem = problemOf(engine);
+        const SourceTable table(problem);
+        const PriceBound bound(problem, table);
+        ErrorFront front(3, bound.prices(3));
+        for (const PllOption& first : table.options(Role::Own3First).all)
+            for (const PllOption& second : table.options(Role::Own3Second).all)
+                front.add({&first, &second}, 0.0);
+        front.arrange();
+        for (int row = 0; row < 10; ++row) {
+            const PllOption& main = anyOf(engine, table.options(Role::Main).all);
+            const PllOption& own = anyOf(engine, table.options(Role::Own2First).all);
+            const ErrorRow before = errorsBefore(problem, table, 3, main, &own);
+            const double budget = 0.02 * static_cast<double>(1 + engine() % 20);
+            double least = 1e9;
+            std::size_t within = 0;
+            std::map<ErrorRow, std::array<unsigned, 4>> expected;
+            for (const PllOption& first : table.options(Role::Own3First).all)
+                for (const PllOption& second : table.options(Role::Own3Second).all) {
+                    ErrorRow errors = before;
+                    for (std::size_t i = 0; i < errors.size(); ++i)
+                        errors[i] = std::min({std::fabs(before[i]), std::fabs(first.errors[3][i]),
+                                              std::fabs(second.errors[3][i])});
+                    least = std::min(least, sumForBound(errors));
+                    if (sumForBound(errors) > budget)
+                        continue;
+                    ++within;
+                    errors = before;
+                    takeBetter(errors, first.errors[3]);
+                    takeBetter(errors, second.errors[3]);
+                    const auto place = OwnSetting{&first, &second}.place();
+                    const auto [entry, isNew] = expected.try_emplace(errors, place);
+                    entry->second = std::min(entry->second, place);
+                }
+            const double room = bound.ceilingOf(least) - least; // what rounding may hide
+            ASSERT_NEAR(least, front.least(before, 1e9), room);
+            ASSERT_LE(front.least(before, budget), least + room);
+            if (std::fabs(least - budget) > room) {
+                ASSERT_EQ(least > budget, front.least(before, budget) > budget);
+            }
+            std::map<ErrorRow, std::array<unsigned, 4>> actual;
+            front.forEachWithin(before, budget, false, [&](const OwnSetting& setting) {
+                ErrorRow errors = before;
+                takeBetter(errors, setting.first->errors[3]);
+                takeBetter(errors, setting.second->errors[3]);
+                const auto [entry, isNew] = actual.try_emplace(errors, setting.place());
+                entry->second = std::min(entry->second, setting.place());
+            });
+            ASSERT_EQ(expected, actual) << "without twins the first of each errors stays";
+            front.forEachWithin(before, budget, true, [&](const OwnSetting&) { --within; });
+            ASSERT_EQ(0U, within);
+            found += expected.size();
+        }
+    }
+    EXPECT_GT(found, 1000U);
+}
+
+TEST(ChoiceTable, HasAllChoicesOfABudgetEachAtItsFirstPlace) {
     std::mt19937 engine(7);
     std::size_t found = 0;
     for (int round = 0; round < 60; ++round) {
         const SearchProblem problem = problemOf(engine);
         const SourceTable table(problem);
         const PriceBound bound(problem, table);
-        const Combination head = problem.combinations.at(engine() % problem.combinations.size());
-        ErrorRow before(table.domain(3).stride, 0.0F);
-        std::fill_n(before.begin(), table.domain(3).positions.size(), problem.tolerance);
-        const auto mains = table.options(Role::Main).of(head[0]);
-        takeBetter(before, mains[engine() % mains.size()].errors[3]);
-        const OwnChoices::Muls from = {head[4], engine() % 2 == 0 ? head[5] : std::uint8_t{0}};
-        const double budget = 0.02 * static_cast<double>(1 + engine() % 20);
-
-        std::map<ErrorRow, std::array<unsigned, 4>> expected;
-        const CombinationTails tails(problem.combinations.stages()[2], head);
-        for (const PllOption& first : table.options(Role::Own3First).all)
-            for (const PllOption& second : table.options(Role::Own3Second).all) {
-                ErrorRow errors = before;
-                takeBetter(errors, first.errors[3]);
-                takeBetter(errors, second.errors[3]);
-                if (!tails.seconds(first.mul).contains(second.mul) ||
-                    OwnChoices::Muls{first.mul, second.mul} < from ||
-                    !areAllServed(errors, problem.tolerance) || sumForBound(errors) > budget)
-                    continue;
-                const std::array<unsigned, 4> place = {first.mul, second.mul, 8U - first.div,
-                                                       8U - second.div};
-                const auto [entry, isNew] = expected.try_emplace(errors, place);
-                entry->second = std::min(entry->second, place);
+        const OwnPlls plls(problem, table, bound, 1e9);
+        ChoiceTable choices(problem, table, 3, plls.pairs);
+        ChoiceHead head;
+        head.muls = problem.combinations.at(engine() % problem.combinations.size());
+        const PllOption& main = anyOf(engine, table.options(Role::Main).of(head.muls[0]));
+        const PllOption& own = anyOf(engine, table.options(Role::Own2First).of(head.muls[2]));
+        const std::size_t option = table.options(Role::Own2First).indexOf(own);
+        const unsigned context =
+            choices.contextOf(errorsBefore(problem, table, 3, main, nullptr), head);
+        // A larger budget after a smaller one finds what the smaller one left out.
+        const double larger = 0.02 * static_cast<double>(1 + engine() % 20);
+        for (const double budget : {larger / 2, larger}) {
+            std::map<ErrorRow, std::array<unsigned, 4>> expected;
+            const CombinationTails tails(problem.combinations.stages()[2], head.muls);
+            for (const PllOption& first : table.options(Role::Own3First).all)
+                for (const PllOption& second : table.options(Role::Own3Second).all) {
+                    ErrorRow errors = errorsBefore(problem, table, 3, main, &own);
+                    takeBetter(errors, first.errors[3]);
+                    takeBetter(errors, second.errors[3]);
+                    if (!tails.seconds(first.mul).contains(second.mul) ||
+                        !areAllServed(errors, problem.tolerance) || sumForBound(errors) > budget)
+                        continue;
+                    ASSERT_LE(choices.least(context, option, budget), sumForBound(errors));
+                    const auto place = OwnSetting{&first, &second}.place();
+                    const auto [entry, isNew] = expected.try_emplace(errors, place);
+                    entry->second = std::min(entry->second, place);
+                }
+            std::map<ErrorRow, std::array<unsigned, 4>> actual;
+            for (const OwnChoice& choice : choices.choices(context, option, budget, head)) {
+                const float* const errors = choices.errors(choice.row);
+                actual[{errors, errors + table.domain(3).stride}] = choice.setting.place();
             }
-        OwnChoices choices(problem, table, bound);
-        std::map<ErrorRow, std::array<unsigned, 4>> actual;
-        for (const OwnChoice& choice : choices.find(before, head, budget, from).choices)
-            actual[choice.errors] = {choice.first->mul, choice.second->mul, 8U - choice.first->div,
-                                     8U - choice.second->div};
-        ASSERT_EQ(expected, actual) << "round " << round;
-        found += actual.size();
+            ASSERT_EQ(expected, actual) << "round " << round;
+            found += actual.size();
+        }
     }
     EXPECT_GT(found, 100U);
+}
+
+TEST(Completion, IsDeniedOnlyWhereNoTwoSettingsServeTheDomain) {
+    std::mt19937 engine(10);
+    std::array<int, 2> answers{};
+    for (int round = 0; round < 60; ++round) {
+        SearchProblem problem = problemOf(engine);
+        problem.tolerance = 0.02F;
+        for (int i = 0; i < 70; ++i) // more than a word of bits
+            problem.requests.push_back({2, 1e-4F});
+        for (int i = 0; i < 3; ++i)
+            problem.requests.push_back({2, 20.0F + static_cast<float>(engine() % 300)});
+        const SourceTable table(problem);
+        Completion completion(table, 2, Role::Own2First, Role::Own2Second, problem.tolerance);
+        for (const PllOption& main : table.options(Role::Main).all) {
+            const ErrorRow before = errorsBefore(problem, table, 2, main, nullptr);
+            bool isPossible = false;
+            for (const PllOption& first : table.options(Role::Own2First).all)
+                for (const PllOption& second : table.options(Role::Own2Second).all) {
+                    bool all = true;
+                    for (std::size_t i = 0; i < table.domain(2).positions.size(); ++i)
+                        all = all && (isServed(before[i], problem.tolerance) ||
+                                      isServed(first.errors[2][i], problem.tolerance) ||
+                                      isServed(second.errors[2][i], problem.tolerance));
+                    isPossible = isPossible || all;
+                }
+            ASSERT_EQ(isPossible, completion.isPossible(before)) << "round " << round;
+            ++answers[isPossible ? 1 : 0];
+        }
+    }
+    EXPECT_GT(answers[0], 50);
+    EXPECT_GT(answers[1], 50);
+}
+
+TEST(RowIndex, NumbersRowsByTheirBits) {
+    std::mt19937 engine(11);
+    RowIndex index(3);
+    std::map<std::array<unsigned, 3>, unsigned> expected;
+    for (int i = 0; i < 3000; ++i) {
+        std::array<unsigned, 3> key{};
+        for (std::size_t place = 0; place < key.size(); ++place)
+            key[place] = static_cast<unsigned>(engine() % (2 + 18 * place));
+        const std::array<float, 3> row = {key[0] == 0 ? 0.0F : -0.0F, static_cast<float>(key[1]),
+                                          static_cast<float>(key[2])};
+        const auto next = static_cast<unsigned>(expected.size());
+        const unsigned number = expected.try_emplace(key, next).first->second;
+        ASSERT_EQ(number, index.add(row.data()));
+        ASSERT_EQ(0, std::memcmp(index.at(number), row.data(), sizeof row));
+    }
 }
 
 /// A small step of a tree: six PLLs whose domains need help from one another, six that don't, four.
@@ -229,37 +379,59 @@ void addSums(const SearchProblem& problem, const SourceTable& table, const Combi
     sums.emplace(tuple, sum);
 }
 
-TEST(TupleSearch, FindsTheEndOfTheChainOfEveryRange) {
+/// What the exhaustive search of the chunks ends with.
+std::optional<NearMinimum::Winner> winnerOf(const SearchProblem& problem, const SourceTable& table,
+                                            const std::vector<std::uint64_t>& chunks) {
+    std::optional<NearMinimum::Winner> winner;
+    for (std::size_t chunk = 0; chunk < chunks.size(); ++chunk) {
+        const std::uint64_t end =
+            chunk + 1 < chunks.size() ? chunks[chunk + 1] : problem.combinations.size();
+        Sums sums;
+        std::array<const PllOption*, kRoles> options{};
+        problem.combinations.forEach(chunks[chunk], end, [&](Combination muls) {
+            if (problem.shape == &kFourPllShape)
+                muls = {muls[0], muls[1], muls[2], 0, muls[3], 0};
+            addSums(problem, table, muls, sums, options);
+        });
+        std::optional<NearMinimum::Winner> own;
+        for (const auto& [tuple, sum] : sums)
+            if (definitelyLess(sum, own ? own->sum : kWorstTotalError, kMargin))
+                own = {tuple, sum};
+        if (own && (winner ? winner->sum : kWorstTotalError) > own->sum)
+            winner = own;
+    }
+    return winner;
+}
+
+TEST(TupleSearch, FindsTheWinnerOfTheChunks) {
     std::mt19937 engine(8);
     int won = 0;
+    double sumOfBounds = 0.0;
+    double sumOfLeast = 0.0;
     for (unsigned round = 0; round < 90; ++round) {
         const SearchProblem problem = smallProblemOf(engine, round % 3);
         const SourceTable table(problem);
         const TupleSearch search(problem);
-        for (int range = 0; range < 4; ++range) {
-            const std::uint64_t first = engine() % problem.combinations.size();
-            const std::uint64_t last = first + 1 + engine() % (problem.combinations.size() - first);
-            Sums sums;
-            std::array<const PllOption*, kRoles> options{};
-            problem.combinations.forEach(first, last, [&](Combination muls) {
-                if (problem.shape == &kFourPllShape)
-                    muls = {muls[0], muls[1], muls[2], 0, muls[3], 0};
-                addSums(problem, table, muls, sums, options);
-            });
-            std::optional<NearMinimum::Winner> expected;
-            for (const auto& [tuple, sum] : sums)
-                if (definitelyLess(sum, expected ? expected->sum : kWorstTotalError, kMargin))
-                    expected = {tuple, sum};
-            const auto actual = search.search(first, last, 1e9).winner;
+        for (int division = 0; division < 4; ++division) {
+            std::vector<std::uint64_t> chunks = {0};
+            for (int chunk = 0; chunk < 2 * division; ++chunk)
+                chunks.push_back(engine() % problem.combinations.size());
+            std::sort(chunks.begin(), chunks.end());
+            chunks.erase(std::unique(chunks.begin(), chunks.end()), chunks.end());
+            const auto expected = winnerOf(problem, table, chunks);
+            const auto actual = search.search(chunks, {}).winner;
             ASSERT_EQ(expected.has_value(), actual.has_value()) << "round " << round;
             if (!expected)
                 continue;
             ASSERT_EQ(expected->sum, actual->sum) << "round " << round;
             ASSERT_EQ(expected->tuple, actual->tuple) << "round " << round;
             ++won;
+            sumOfBounds += PriceBound(problem, table).lowest();
+            sumOfLeast += static_cast<double>(expected->sum);
         }
     }
     EXPECT_GT(won, 100);
+    EXPECT_GT(sumOfBounds, 0.8 * sumOfLeast) << "a bound far below the sums cuts nothing";
 }
 
 } // namespace

@@ -123,6 +123,10 @@ TEST(SearchRun, SendsItsTimingAndTakesARepeatedTreeFromTheStore) {
     EXPECT_EQ(0U, solver->getSearchStatistics().combinations);
     EXPECT_EQ(fresh, trees46::read(*solver));
     HPAParamMgr::getParamMgr()->unsetValue("ybr.enableClockingComputationPrints");
+    solver->getAllPeripherals()[1]->setMaxAllowedPeripheralError(100.0F);
+    solver->setMaxCrossDomainFreq(900.0F); // another tree to the store
+    static_cast<void>(solver->runSolution());
+    EXPECT_NE(0U, solver->getSearchStatistics().combinations);
     ASSERT_EQ(1U, messages.all().size());
     EXPECT_EQ(0x4000000U, messages.all()[0].mask);
     EXPECT_THAT(messages.lines()[0],

@@ -7,8 +7,7 @@
 #include <random>
 
 #include "clocking/ClockingArithmetic.h"
-#include "clocking/search/CombinationList.h"
-#include "clocking/search/NearMinimum.h"
+#include "clocking/search/ChunkLows.h"
 
 using namespace hbs_clocking;
 
@@ -73,6 +72,67 @@ TEST(NearMinimum, TellsTheEndOfAnyChainOfferedInAnyOrder) {
         }
     }
     EXPECT_GT(undecided, 0) << "a band that always suffices proves nothing of the wider ones";
+}
+
+TEST(ChunkLows, TellTheBestOfTheChunksWinnersOfferedInAnyOrder) {
+    std::mt19937 engine(2);
+    std::array<int, 3> winners{};
+    for (int round = 0; round < 20000; ++round) {
+        std::vector<float> sums(3 + engine() % 12);
+        const float spread = std::array{1e-6F, 1e-5F, 4e-5F}[engine() % 3];
+        for (float& sum : sums)
+            sum = 0.01F + 0.01F * spread * static_cast<float>(engine() % 16);
+        std::vector<unsigned> order(sums.size());
+        for (unsigned i = 0; i < order.size(); ++i)
+            order[i] = i;
+        std::shuffle(order.begin(), order.end(), engine);
+        const std::array<std::size_t, 4> edges = {0, 1 + engine() % (sums.size() - 2),
+                                                  sums.size() - 1, sums.size()};
+        int expected = -1;
+        for (std::size_t chunk = 0; chunk < 3; ++chunk) {
+            const std::vector<float> part(sums.begin() + static_cast<long>(edges[chunk]),
+                                          sums.begin() + static_cast<long>(edges[chunk + 1]));
+            if (part.empty())
+                continue;
+            const int own = endOfChain(part) + static_cast<int>(edges[chunk]);
+            if (expected < 0 ||
+                sums[static_cast<unsigned>(expected)] > sums[static_cast<unsigned>(own)])
+                expected = own;
+        }
+        std::vector<Combination> starts;
+        for (std::size_t chunk = 0; chunk < 3; ++chunk)
+            starts.push_back(at(static_cast<unsigned>(edges[chunk])).muls);
+        for (double band = 3e-5;; band *= 8.0) {
+            ChunkLows lows(starts, 1e3, true, band);
+            for (const unsigned place : order)
+                lows.offer(at(place), sums[place]);
+            if (!lows.isDecided())
+                continue;
+            ASSERT_EQ(at(static_cast<unsigned>(expected)), lows.winner()->tuple);
+            break;
+        }
+        const auto place = static_cast<std::size_t>(expected);
+        ++winners[place < edges[1] ? 0 : place < edges[2] ? 1 : 2];
+    }
+    for (const int count : winners)
+        EXPECT_GT(count, 100);
+}
+
+TEST(ChunkLows, LimitASubtreeByTheLowsBeforeItInItsChunk) {
+    ChunkLows lows({at(0).muls, at(10).muls}, 1e3, true, 1e-4);
+    lows.offer(at(5), 1.0F);
+    const double within = lows.limit();
+    EXPECT_GT(within, 1.0001);
+    EXPECT_NEAR(1.0001, lows.limitBehind({3}, 1), 1e-9) << "before the low";
+    EXPECT_LT(lows.limitBehind({7}, 1), 1.0) << "behind it";
+    EXPECT_EQ(within, lows.limitBehind({12}, 1)) << "in another chunk";
+    EXPECT_EQ(within, lows.limitBehind({}, 0)) << "everywhere";
+    EXPECT_EQ(0U, lows.chunkOf({9}, 1));
+    EXPECT_EQ(1U, lows.chunkOf({10}, 1));
+    EXPECT_EQ(ChunkLows::kSeveral, lows.chunkOf({}, 0));
+    EXPECT_EQ(0U, lows.startsWithin({10}, 1).size());
+    ASSERT_EQ(1U, lows.startsWithin({}, 0).size());
+    EXPECT_EQ(at(10).muls, lows.startsWithin({}, 0)[0]);
 }
 
 /// All combinations of six places, by trying.

@@ -1,6 +1,10 @@
 // Values of parameters: names looked up among the design's, composites, frequencies.
 
 #include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <optional>
+#include <string_view>
 
 #include "handoff/HWHDesignParams.h"
 
@@ -32,25 +36,40 @@ TEST(Resolving, FollowsTheKeys) {
         hwh::DesignParams params(design);
         // Twice, as a composite is parsed at the first look.
         for (int i = 0; i < 2; ++i) {
-            EXPECT_EQ(value, params.resolve(name)) << name;
-            const std::string* decided = params.resolveEnable(name);
-            EXPECT_STREQ(enable, decided == nullptr ? nullptr : decided->c_str()) << name;
+            const auto resolved = params.resolve(name);
+            const std::string text(resolved.text);
+            EXPECT_EQ(value, resolved.isInMegahertz ? hwh::scaledToHz(text) : text) << name;
+            EXPECT_EQ(enable == nullptr ? std::nullopt : std::optional<std::string_view>(enable),
+                      params.resolveEnable(name))
+                << name;
         }
     }
+}
+
+TEST(Resolving, TakesMemoryForTheTextsAlone) {
+    const std::string key(4000, 'k');
+    std::string words;
+    for (int i = 0; i < 20000; ++i)
+        words += "w" + std::to_string(i) + " 1 ";
+    const HWHTextMap design{{key, words}};
+    const std::size_t before = mallinfo2().uordblks;
+    hwh::DesignParams params(design);
+    EXPECT_EQ("1", params.resolve(key + "_w19999").text);
+    EXPECT_LT(mallinfo2().uordblks, before + 8'000'000);
 }
 
 TEST(WordLists, DivideAtBlanksAlone) {
     using List = std::pair<const char*, HWHTextMap>;
     for (const auto& [text, pairs] :
-         {List{"", {}}, List{"{}", {}}, List{"{ }", {}}, List{"a", {}},
-          List{"{a 1}", {{"P_a", "1"}}}, List{"a 1 b", {{"P_a", "1"}}},
-          List{" a 1", {{"P_a", "1"}}}, List{"a  1", {{"P_a", "1"}}}, List{"a   1", {{"P_a", ""}}},
-          List{"a  ", {{"P_a", ""}}}, List{"   1", {{"P_", "1"}}}, List{"a 1 a 2", {{"P_a", "2"}}},
-          List{"{a\t1 {b}", {{"P_a\t1", "{b"}}}, List{"{a {1}}", {{"P_a", "{1}"}}},
-          List{"{a 1", {{"P_{a", "1"}}}}) {
-        HWHTextMap result{{"left", "over"}};
-        hwh::parseTclPairs("P", text, result);
-        EXPECT_EQ(pairs, result) << text;
+         {List{"", {}}, List{"{}", {}}, List{"{ }", {}}, List{"a", {}}, List{"{a 1}", {{"a", "1"}}},
+          List{"a 1 b", {{"a", "1"}}}, List{" a 1", {{"a", "1"}}}, List{"a  1", {{"a", "1"}}},
+          List{"a   1", {{"a", ""}}}, List{"a  ", {{"a", ""}}}, List{"   1", {{"", "1"}}},
+          List{"a 1 a 2", {{"a", "2"}}}, List{"{a\t1 {b}", {{"a\t1", "{b"}}},
+          List{"{a {1}}", {{"a", "{1}"}}}, List{"{a 1", {{"{a", "1"}}}}) {
+        const hwh::CompositeWords words(text);
+        EXPECT_EQ(pairs.size(), words.size()) << text;
+        for (const auto& [key, value] : pairs)
+            EXPECT_EQ(std::string_view(value), words.find(key)) << text;
     }
 }
 

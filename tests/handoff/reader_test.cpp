@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "HEXError.h"
+#include "HPAParamMgr.h"
 #include "handoff/HBSJsonReader.h"
 #include "handoff/handoff_support.h"
 
@@ -76,7 +77,9 @@ TEST(Reader, LetsTheLaterOfTwoStandAndGathersLists) {
                [{"INSTANCE": "m", "PORT": "p"}, {"INSTANCE": "m", "PORT": "q"}],
                "CONNECTIONS": [{"INSTANCE": "n", "PORT": "r"}]}],
              "PORTS": [{"NAME": "b"}], "PARAMETERS": {"Q": "3"}})",
-        R"("m": {"SDKNAME": "old", "excluded_slaves": ["a"], "excluded_slaves": ["b"]})")));
+        R"("k": {"SDKNAME": "old", "excluded_slaves": ["first"],
+             "EXCLUDED_INTERFACES": [{"i": {"APERTURE": ["0"]}}]},
+           "m": {"SDKNAME": "old", "excluded_slaves": ["a"], "excluded_slaves": ["b"]})")));
     EXPECT_THAT(t.instances["s"],
                 ElementsAre(Pair("SDKNAME", "S"), Pair("isMasterOrSlave", "slave")));
     EXPECT_THAT(t.parameters["S"], ElementsAre(Pair("P", "2"), Pair("Q", "3")));
@@ -84,6 +87,7 @@ TEST(Reader, LetsTheLaterOfTwoStandAndGathersLists) {
     EXPECT_THAT(t.ports["S"]["a"].CONNECTIONS, ElementsAre(Pair("m", "q"), Pair("n", "r")));
     EXPECT_EQ(1U, t.ports["S"].count("b"));
     EXPECT_THAT(t.excluded["old"], ElementsAre("a", "b"));
+    EXPECT_THAT(t.apertures["old"], IsEmpty());
     // The master comes after the slave of that name and takes its place.
     EXPECT_THAT(t.ports["old"], IsEmpty());
 }
@@ -164,8 +168,10 @@ TEST(Reader, SendsItsEntryAlwaysAndItsExitOnlyAtTheEnd) {
 }
 
 TEST(Reader, RaisesForWhatIsNoJsonAndTouchesNothing) {
-    for (const std::string& content : {std::string(), std::string("{\"metadata\": {"),
-                                       std::string("{} x"), std::string(100000, '[')}) {
+    for (const std::string& content :
+         {std::string(), std::string("{\"metadata\": {"), std::string("{} x"),
+          std::string("{}\0{}", 5), std::string(100000, '['),
+          support::gzip(std::string(1000, ' ')).substr(0, 25)}) {
         Tables t;
         try {
             (void)t.read(content);
@@ -180,6 +186,22 @@ TEST(Reader, RaisesForWhatIsNoJsonAndTouchesNothing) {
     EXPECT_TRUE(
         t.read(connectivity("\"s\": {\"A\": 0." + std::string(400, '0') + "1e-2147483600}")));
     EXPECT_EQ("", t.instances["s"]["A"]);
+}
+
+TEST(Reader, NamesTheFileThatIsDamagedOrBeyondTheLimit) {
+    HPAParamMgr::getParamMgr()->setValue("general.maxInputMiB", "1");
+    const std::string packed = support::gzip(std::string(2U << 20U, ' ') + "{}");
+    for (const auto& [content, reason] :
+         {std::pair(packed, "it holds more than 1 MiB, the limit set by the parameter "
+                            "general.maxInputMiB"),
+          std::pair(support::gzip("{}").substr(0, 15),
+                    "what it is stored in is damaged or cut short")}) {
+        Tables t;
+        support::expectThrows<HEXError>("the JSON file '" + t.folder.file("f") +
+                                            "' can't be read: " + reason,
+                                        [&, bytes = content] { (void)t.read(bytes); });
+    }
+    HPAParamMgr::getParamMgr()->unsetValue("general.maxInputMiB");
 }
 
 TEST(Reader, ReadsTextsOfThreeFurtherKindsOfFile) {

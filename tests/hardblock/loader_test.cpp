@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "hardblock/json_getters.h"
-#include "hardblock/metadata_reader.h"
+#include "hardblock/JsonGetters.h"
+#include "hardblock/MetadataReader.h"
 #include "support/support.h"
 
 namespace {
@@ -118,15 +118,13 @@ TEST(Loader, AddsNothingFromEmptyAndMalformedTexts) {
 }
 
 TEST(Getters, ReportARequiredMemberAndReadBooleans) {
-    std::istringstream stream(R"({"ab": "x", "a": "true", "T": "True", "z": 0, "big": 4294967296,
-                                  "f": 1.5})");
-    JsonDocument object;
-    object.ParseStream(stream);
+    const base::JsonTape object(
+        R"({"ab": "x", "a": "true", "T": "True", "z": 0, "big": 4294967296, "f": 1.5})");
     const support::CapturedMessages messages;
     std::string results;
     for (const char* key : {"a", "T", "z", "big", "f", "c"}) {
         bool result = true;
-        const bool found = getJsonBool(object, key, result, true);
+        const bool found = getJsonBool(object.root(), key, result, true);
         results += std::string(found ? "found " : "none ") + (result ? "true " : "false ");
     }
     EXPECT_EQ("found true found false found false found true none true none true ", results);

@@ -65,6 +65,21 @@ TEST(Manager, FindsTheFirstOfAName) {
     EXPECT_EQ("Warning : Unable to find Information for Hard Block: Same\n", output.text());
 }
 
+TEST(Manager, FindsBlocksByTheNamesThatTheyHaveNow) {
+    const support::TempDir folder;
+    ASSERT_TRUE(manager().createHardBlocks(folder.write("f", R"({"one": {}, "two": {}})")));
+    hardblock::HardBlockData* one = manager().getHardBlockByName("one");
+    ASSERT_NE(nullptr, one);
+    one->setName("two");
+    EXPECT_EQ(one, manager().getHardBlockByName("two"));
+    one->setName("three");
+    EXPECT_EQ(one, manager().getHardBlockByName("three"));
+    EXPECT_NE(one, manager().getHardBlockByName("two"));
+    ASSERT_TRUE(manager().createHardBlocks(folder.write("f", R"({"three": {}, "four": {}})")));
+    EXPECT_EQ(one, manager().getHardBlockByName("three"));
+    EXPECT_NE(nullptr, manager().getHardBlockByName("four"));
+}
+
 TEST(Manager, AddsNothingFromFilesThatCannotBeRead) {
     const support::TempDir folder;
     const std::size_t before = manager().getHardBlocksData().size();

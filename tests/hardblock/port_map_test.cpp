@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "hardblock/HardBlockData.h"
-#include "hardblock/splitPortName.h"
+#include "hardblock/SplitPortName.h"
 
 namespace {
 

@@ -40,10 +40,14 @@ TEST(CdoCommand, GivesJsonToPrograms) {
 
 TEST(CdoCommand, RefusesAScriptItCannotRead) {
     const std::pair<const char*, const char*> complaints[] = {
-        {"create a\nopn a m\n", "hbs: s.cdo:2: unknown command \"opn\", expected one of: create, "
-                                "open, close, check, address, value, delete\n"},
-        {"open a\n", "hbs: s.cdo:1: expected: open SEQUENCE MARKER\n"},
-        {"value \"1\n", "hbs: s.cdo:1: a quoted text has no end\n"},
+        {"create a\nopn a m\n",
+         "s.cdo:2:1: error: unknown command \"opn\", expected one of: create, "
+         "open, close, check, address, value, delete; did you mean "
+         "\"open\"?\nopn a m\n^\n"},
+        {"open a\n", "s.cdo:1:1: error: a command with the wrong number of words, expected open "
+                     "SEQUENCE MARKER\nopen a\n^\n"},
+        {"value \"1\n", "s.cdo:1:7: error: a quoted text has no end, expected \"\nvalue \"1\n"
+                        "      ^\n"},
     };
     for (const auto& [content, complaint] : complaints) {
         const auto result = runScript(content);

@@ -5,16 +5,18 @@
 #include <pugixml.hpp>
 #include <sstream>
 
-#include "host/ClockTree.h"
-#include "host/clocks_report.h"
 #include "support/support.h"
+#include "workbench/clocks/ClockReport.h"
+#include "workbench/clocks/ClockTree.h"
 
 using testing::HasSubstr;
 
 namespace {
 
-host::ClockTree read(const std::string& text) {
-    return host::readClockTree(host::JsonFile::parse("t.json", text));
+constexpr const char* kSmallTree = TQ_SOURCE_DIR "/examples/clocks/serial_buses.json";
+
+tq::ClockTree read(const std::string& text) {
+    return tq::readClockTree(tq::JsonFile::parse("t.json", text));
 }
 
 /// A good tree of two lines with one text replaced.
@@ -29,26 +31,28 @@ TEST(ClockTreeFile, ComplainsWithPlaceAndExpectation) {
         std::string from, to, complaint;
     };
     const std::vector<Case> cases = {
-        {"\"plls\": 1", "\"plls\": 3", "t.json:1:10: expected 1"},
-        {"\"plls\": 1", "\"plls\": 4", "t.json:1:49: expected four domains"},
-        {"33.333", "0", "t.json:1:30: expected a number above 0"},
-        {"33.333", "1e-60", "t.json:1:30: expected a number above 0"},
-        {"33.333", "1e39", "t.json:1:30: expected a number above 0"},
-        {"33.333", "\"a\"", "t.json:1:30: expected a number, found a text"},
-        {"[{\"name\": \"P\"}]", "[{\"name\": \"\"}]", "t.json:2:11: expected a name"},
+        {"\"plls\": 1", "\"plls\": 3", "t.json:1:10: error: expected 1"},
+        {"\"plls\": 1", "\"plls\": 4", "t.json:1:49: error: expected four domains"},
+        {"33.333", "0", "t.json:1:30: error: expected a number above 0"},
+        {"33.333", "1e-60", "t.json:1:30: error: expected a number above 0"},
+        {"33.333", "1e39", "t.json:1:30: error: expected a number above 0"},
+        {"33.333", "\"a\"", "t.json:1:30: error: expected a number, found a text"},
+        {"[{\"name\": \"P\"}]", "[{\"name\": \"\"}]", "t.json:2:11: error: expected a name"},
         {"[{\"name\": \"P\"}]", "[{\"name\": \"P\"}, {\"name\": \"P\"}]",
-         "t.json:2:26: a second one named \"P\""},
-        {"\"domain\": \"D\"", "\"domain\": \"E\"", "t.json:2:60: there is no domain \"E\""},
-        {"100}", "-1}", "t.json:2:72: expected a number from 0 up"},
-        {"100}", "1, \"max_error_percent\": 101}", "t.json:2:96: expected a number from 0 to 100"},
-        {"\"mhz\": 100", "\"enabled\": true", "t.json:2:36: the key \"mhz\" is missing"},
-        {"\"mhz\": 100", "\"hz\": 1", "t.json:2:65: unknown key \"hz\", expected one of: name,"},
+         "t.json:2:26: error: a second one named \"P\""},
+        {"\"domain\": \"D\"", "\"domain\": \"E\"", "t.json:2:60: error: there is no domain \"E\""},
+        {"100}", "-1}", "t.json:2:72: error: expected a number from 0 up"},
+        {"100}", "1, \"max_error_percent\": 101}",
+         "t.json:2:96: error: expected a number from 0 to 100"},
+        {"\"mhz\": 100", "\"enabled\": true", "t.json:2:36: error: the key \"mhz\" is missing"},
+        {"\"mhz\": 100", "\"hz\": 1",
+         "t.json:2:65: error: unknown key \"hz\", expected one of: name,"},
     };
     for (const Case& c : cases) {
         std::string complaint;
         try {
             static_cast<void>(read(with(c.from, c.to)));
-        } catch (const host::BadInput& error) {
+        } catch (const tq::InputError& error) {
             complaint = error.what();
         }
         EXPECT_THAT(complaint, testing::StartsWith(c.complaint)) << c.to;
@@ -57,13 +61,13 @@ TEST(ClockTreeFile, ComplainsWithPlaceAndExpectation) {
 
 TEST(ClockPicture, IsWellFormedAndNamesAllOfALargeTree) {
     const std::string file = std::string(TQ_SOURCE_DIR) + "/examples/clocks/radio_frontend.json";
-    const host::ClockTree tree = host::readClockTree(host::JsonFile::read(file));
+    const tq::ClockTree tree = tq::readClockTree(tq::JsonFile::read(file));
     std::vector<float> steps;
-    const auto solver = host::buildClockSolver(tree, [&](float step) { steps.push_back(step); });
+    const auto solver = tq::buildClockSolver(tree, [&](float step) { steps.push_back(step); });
     ASSERT_TRUE(solver->runSolution());
     EXPECT_EQ(solver->getToleranceFector(), steps.back());
     std::ostringstream picture;
-    host::printClockPicture(host::makeClockReport(tree, *solver), tree.referenceMhz, picture);
+    tq::printClockPicture(tq::makeClockReport(tree, *solver), tree.referenceMhz, picture);
     pugi::xml_document document;
     ASSERT_TRUE(document.load_string(picture.str().c_str()));
     const auto names = [&](const std::string& name) {
@@ -76,21 +80,21 @@ TEST(ClockPicture, IsWellFormedAndNamesAllOfALargeTree) {
 }
 
 TEST(ClockReport, GivesTheFrequencyOfACrossingPeripheralThatTheLibraryReadsAsZero) {
-    const host::ClockTree tree = read(R"({"plls": 2, "reference_mhz": 33.333,
+    const tq::ClockTree tree = read(R"({"plls": 2, "reference_mhz": 33.333,
         "allow_cross_domain": true,
         "domains": [{"name": "A", "plls": [{"name": "P"}]}, {"name": "B", "plls": [{"name": "Q"}]}],
         "peripherals": [{"name": "U", "domain": "A", "mhz": 100}, {"name": "off", "domain": "B",
             "mhz": 7, "enabled": false}, {"name": "V", "domain": "B", "mhz": 100},
             {"name": "W", "domain": "B", "mhz": 250}]})");
-    const auto solver = host::buildClockSolver(tree);
+    const auto solver = tq::buildClockSolver(tree);
     ASSERT_TRUE(solver->runSolution());
     ASSERT_EQ(0.0, solver->getPeripheral("V")->getActualFreq());
-    const host::ClockReport report = host::makeClockReport(tree, *solver);
+    const tq::ClockReport report = tq::makeClockReport(tree, *solver);
     EXPECT_EQ("P", report.peripherals[2].pll);
     EXPECT_NEAR(99.999, report.peripherals[2].given->mhz, 0.0001);
 
     std::ostringstream table;
-    host::printClockTables(report, table);
+    tq::printClockTables(report, table);
     EXPECT_THAT(table.str(), HasSubstr("7.0000  disabled\n"));
     EXPECT_THAT(table.str(), HasSubstr("100.0000  P              13   99.9990  -0.0010  -10.0\n"));
     EXPECT_THAT(table.str(), HasSubstr("Solved at tolerance 0.001, sum of relative errors"));
@@ -107,10 +111,19 @@ TEST(ClockReport, NamesTheRequestThatIsOutOfReach) {
     const support::RunResult json =
         support::run(program + " clocks --json " + trees + "video_recorder.json");
     EXPECT_EQ(1, json.status);
-    const auto parsed = host::JsonFile::parse("out", json.output);
+    const auto parsed = tq::JsonFile::parse("out", json.output);
     const auto& alone = parsed.array(parsed.require(parsed.root(), "alone"));
     EXPECT_EQ(900.0, parsed.number(parsed.require(alone[4], "nearest_mhz")));
     EXPECT_FALSE(parsed.boolean(parsed.require(alone[4], "within_reach")));
+}
+
+TEST(ClocksWord, SearchesWithOneThreadUnlessToldOtherwise) {
+    const std::string word = std::string(HBS_PROGRAM) + " clocks --explain " TQ_SOURCE_DIR
+                                                        "/examples/clocks/programmable_soc.json";
+    const support::RunResult byDefault = support::run(word);
+    EXPECT_EQ(0, byDefault.status);
+    // The count of settings that were looked at depends on the threads.
+    EXPECT_EQ(support::run(word + " --threads 1").output, byDefault.output);
 }
 
 TEST(ClocksWord, ExitsTwoForWhatItCanNotUseAndSaysItOnStandardError) {
@@ -120,10 +133,27 @@ TEST(ClocksWord, ExitsTwoForWhatItCanNotUseAndSaysItOnStandardError) {
     const support::RunResult refused = support::run(program + " clocks " + twoDomains);
     EXPECT_EQ(2, refused.status);
     EXPECT_EQ("", refused.output);
-    EXPECT_EQ("hbs: " + twoDomains + ":1:49: Clocking object expects two plls with this config\n",
-              refused.error);
+    EXPECT_THAT(
+        refused.error,
+        testing::StartsWith(twoDomains +
+                            ":1:49: error: Clocking object expects two plls with this config\n"));
     EXPECT_EQ(2, support::run(program + " clocks " + dir.file("none.json")).status);
     EXPECT_EQ(2, support::run(program + " clocks").status);
+}
+
+TEST(ClocksWord, KeepsItsTreeAndTheOldPictureWhereItCanNotWrite) {
+    const support::TempDir dir;
+    const std::string tree = dir.write("tree.json", support::readFile(kSmallTree));
+    const std::string picture = dir.write("p.svg", "old");
+    const std::string command = std::string(HBS_PROGRAM) + " clocks " + tree + " --svg ";
+    EXPECT_EQ(2, support::run(command + dir.file("./tree.json")).status);
+    EXPECT_EQ(support::readFile(kSmallTree), support::readFile(tree));
+    // A limit of one block stands for a full disk.
+    const std::string limited = "trap '' XFSZ; ulimit -f 1; " + command + picture + " >/dev/null";
+    EXPECT_THAT(support::run(limited).error, testing::HasSubstr("File too large"));
+    EXPECT_EQ("old", support::readFile(picture));
+    EXPECT_EQ(0, support::run(command + picture).status);
+    EXPECT_THAT(support::readFile(picture), HasSubstr("<svg "));
 }
 
 } // namespace

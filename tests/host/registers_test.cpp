@@ -28,25 +28,36 @@ TEST(RegistersCommand, ListsRegistersAndWhereTheReaderStopped) {
               "in    0X4\n"
               "out\n",
               result.output);
-    EXPECT_EQ("r.xml:4: warning: the reader stopped at <spirit:alias>, which it doesn't know in "
-              "<spirit:register>\n",
+    EXPECT_EQ("r.xml:4:1: warning: the reader stopped at <spirit:alias>, which it doesn't know in "
+              "<spirit:register>, expected spirit:name, spirit:description, spirit:addressOffset, "
+              "spirit:access, spirit:field, spirit:size, spirit:reset, spirit:dim [reader-stop]\n",
               result.error);
+}
+
+TEST(RegistersCommand, ListsNamesAsTheLibraryReadsThem) {
+    const auto one = [](const std::string& name) {
+        return block("<spirit:register><spirit:name>" + name + "</spirit:name></spirit:register>");
+    };
+    EXPECT_NE(std::string::npos,
+              runOn("<!DOCTYPE a [<!ENTITY e 'TX'>]>" + one("&e;_CTRL")).output.find("TX_CTRL"));
+    const std::string euro = "<?xml version='1.0' encoding='windows-1252'?>" + one("a\x80");
+    EXPECT_NE(std::string::npos, runOn(euro, "--json").output.find("\"name\": \"a"));
 }
 
 TEST(RegistersCommand, MatchesNamesAndGivesJson) {
     const auto result = runOn(block(kTwo), "--json --match 'i?'");
     EXPECT_NE(std::string::npos, result.output.find("\"offset\": \"0X4\""));
     EXPECT_EQ(std::string::npos, result.output.find("\"out\""));
-    EXPECT_NE(std::string::npos, result.output.find("\"line\": 4"));
+    EXPECT_NE(std::string::npos, result.output.find("\"line\": 4,\n      \"column\": 1,"));
     EXPECT_EQ(1, runOn(block(kTwo), "--match none").status);
 }
 
 TEST(RegistersCommand, SaysWhyThereIsNothing) {
     const auto foreign = runOn("<?xml version='1.0'?>\n<ipxact:component/>");
     EXPECT_EQ(1, foreign.status);
-    EXPECT_EQ("r.xml:2: warning: the reader stopped at <ipxact:component>, which it doesn't know "
-              "in the document\n"
-              "r.xml: warning: no register found\n",
+    EXPECT_EQ("r.xml:2:1: warning: the reader stopped at <ipxact:component>, which it doesn't know "
+              "in the document, expected spirit:component [reader-stop]\n"
+              "r.xml: warning: no register found [no-register]\n",
               foreign.error);
     const auto broken = runOn("<a>");
     EXPECT_EQ(2, broken.status);
@@ -54,7 +65,13 @@ TEST(RegistersCommand, SaysWhyThereIsNothing) {
     const auto dim = runOn(block("<spirit:register><spirit:name>a</spirit:name>"
                                  "<spirit:dim>x</spirit:dim></spirit:register>"));
     EXPECT_EQ(2, dim.status);
-    EXPECT_EQ("hbs: r.xml: a spirit:dim is no number: invalid stoi argument\n", dim.error);
+    EXPECT_EQ("r.xml: error: a spirit:dim is no number: invalid stoi argument\n", dim.error);
+}
+
+TEST(Program, FailsWhenItsOutputCantBeWritten) {
+    const auto result = support::run(HBS_PROGRAM " --version >/dev/full");
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ("hbs: the output can't be written\n", result.error);
 }
 
 } // namespace

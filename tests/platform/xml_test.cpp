@@ -13,6 +13,7 @@
 
 #include "HEXError.h"
 #include "HXMLWInterface.h"
+#include "HXMLWStream.h"
 #include "support/support.h"
 
 namespace {
@@ -65,6 +66,36 @@ TEST(XmlElement, TellsItsChildrenAndKeepsTheTreeAlive) {
     root.reset();
     ASSERT_EQ(1U, children.size());
     EXPECT_EQ("<a>\n\t<b />\n</a>\n", written(children[0]));
+}
+
+TEST(XmlStream, WritesTheBytesOfATree) {
+    const support::TempDir folder;
+    const auto root = HXMLWInterface::createRoot("ROOT");
+    HXMLWStream stream(folder.file("stream"));
+    stream.text().start("ROOT");
+    HXMLWText rendered(1);
+    for (int byte = 0; byte < 256; ++byte) {
+        const std::string value = {'a', static_cast<char>(byte), 'b'};
+        HXMLWElement* child = root->addChild("CHILD");
+        child->addProperty("@V=" + value);
+        child->addAttribute("W", "");
+        child->addChild("INNER");
+        HXMLWText& text = byte % 2 == 0 ? stream.text() : rendered;
+        text.start("CHILD");
+        text.attribute("V", value);
+        text.attribute("W", "");
+        text.start("INNER");
+        text.end();
+        text.end();
+        stream.text().append(rendered.bytes());
+        rendered.clearBytes();
+        stream.flush();
+    }
+    stream.text().end();
+    EXPECT_FALSE(std::filesystem::exists(folder.file("stream")));
+    stream.finish();
+    HXMLWInterface::writeToFile(root, folder.file("tree"));
+    EXPECT_EQ(support::readFile(folder.file("tree")), support::readFile(folder.file("stream")));
 }
 
 TEST(XmlFile, TakesThePlaceOfAnOldOneThroughLinksAndKeepsItsRights) {

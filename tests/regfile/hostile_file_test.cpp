@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 
 #include "register_texts.h"
 
@@ -12,13 +13,18 @@ namespace {
 
 using namespace register_texts;
 
-/// Parses a path and expects a null pointer with one line of complaint.
-void expectRefused(const std::string& path) {
+/// Parses a path and expects a null pointer with one line of complaint, which it gives.
+std::string refusal(const std::string& path) {
     support::CapturedError error;
     EXPECT_EQ(nullptr, hbs::HBSRegFileParser::parseFile(path)) << path;
     const std::string text = error.text();
     EXPECT_EQ(0U, text.find("Error parsing file: ")) << path << ": " << text;
     EXPECT_EQ(1, std::count(text.begin(), text.end(), '\n')) << text;
+    return text;
+}
+
+void expectRefused(const std::string& path) {
+    (void)refusal(path);
 }
 
 TEST(HostileFile, BrokenOnesAreRefusedWithOneLine) {
@@ -91,6 +97,60 @@ TEST(HostileFile, EntitiesExpandWithinBounds) {
     ASSERT_NE(nullptr, map);
     ASSERT_NE(nullptr, map->getRegister("alol"));
     EXPECT_EQ("lol", map->getRegister("alol")->getDesc());
+}
+
+std::string repeated(std::size_t times, const std::string& text) {
+    std::string result;
+    while (times-- > 0)
+        result += text;
+    return result;
+}
+
+/// `times` pieces of text, each with its number behind it.
+std::string numbered(std::size_t times, const std::string& front, const std::string& back) {
+    std::string result;
+    for (std::size_t i = 0; i < times; ++i)
+        result += front + std::to_string(i) + back;
+    return result;
+}
+
+TEST(HostileFile, WhatCostsTimeOrMemoryIsBounded) {
+    const auto typed = [](const std::string& declarations) {
+        return "<!DOCTYPE a [" + declarations + "]>\n";
+    };
+    const std::string long1 = typed("<!ENTITY e '" + std::string(65536, 'x') + "'>");
+    struct Case {
+        const char* fault;
+        std::size_t most;
+        std::function<std::string(std::size_t)> file;
+    };
+    const Case cases[] = {
+        {"levels of elements", 262144,
+         [](std::size_t n) { return repeated(n, "<a>") + repeated(n, "</a>"); }},
+        {"attributes of one element", 4096,
+         [](std::size_t n) { return "<a" + numbered(n, " b", "=''") + "/>"; }},
+        {"different names", 16384,
+         [](std::size_t n) { return "<a>" + numbered(n - 1, "<b", "/>") + "</a>"; }},
+        {"different names", 16384,
+         [](std::size_t n) { return "<a>" + numbered(n - 1, "<a b", "=''/>") + "</a>"; }},
+        {"declarations", 4096,
+         [&](std::size_t n) { return typed(numbered(n, "<!ENTITY e", " 'x'>")) + "<a/>"; }},
+        {"declarations", 4096,
+         [&](std::size_t n) { return typed(numbered(n, "<!NOTATION e", " PUBLIC ''>")) + "<a/>"; }},
+        {"declarations", 4096,
+         [&](std::size_t n) { return typed(numbered(n, "<!ELEMENT e", " ANY>")) + "<a/>"; }},
+        {"characters out of entities", 64,
+         [&](std::size_t n) { return long1 + "<a>" + repeated(n, "&e;") + "</a>"; }},
+    };
+    const support::TempDir folder;
+    for (const auto& [fault, most, file] : cases) {
+        EXPECT_NE(nullptr, hbs::HBSRegFileParser::parseFile(folder.write("f", file(most))))
+            << fault;
+        EXPECT_NE(std::string::npos, refusal(folder.write("f", file(most + 1))).find(fault));
+    }
+    const std::string inValues = long1 + "<a>" + repeated(66, "<b c='&e;'/>") + "</a>";
+    EXPECT_NE(std::string::npos,
+              refusal(folder.write("f", inValues)).find("out of entities (line 2"));
 }
 
 TEST(HostileFile, DeepNestingNeedsNoStack) {

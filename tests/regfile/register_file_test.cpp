@@ -39,6 +39,53 @@ TEST(RegisterFile, AnUnknownElementEndsItsLevelOnly) {
     EXPECT_EQ(nullptr, map->getRegister("c"));
 }
 
+TEST(RegisterFile, StopsSayWhereTheirElementStarts) {
+    const support::TempDir folder;
+    const auto stops = [&](const std::string& content) {
+        std::vector<hbs::HBSRegFileStop> found;
+        (void)hbs::HBSRegFileParser::parseFile(folder.write("r.xml", content), found);
+        std::string text;
+        for (const auto& stop : found)
+            text += std::to_string(stop.line) + ":" + std::to_string(stop.column) + " " +
+                    stop.element + " in " + stop.level + "\n";
+        return text;
+    };
+    EXPECT_EQ("", stops(inRegisters(reg("a", ""))));
+    const std::string map = "<spirit:component><spirit:memoryMaps><spirit:memoryMap>";
+    const std::string ends = "</spirit:memoryMap></spirit:memoryMaps></spirit:component>";
+    struct Case {
+        const char *inner, *stop;
+    };
+    for (const auto& [inner, stop] :
+         std::initializer_list<Case>{{"<x/>", "1:56"},
+                                     {"\r\n <x\n a='>'\n></x>", "2:2"},
+                                     {"text<x/>", "1:60"},
+                                     {"<!-- c\n --><x/>", "2:5"},
+                                     {"<?p i?><x/>", "1:63"},
+                                     {"<![CDATA[\n]]><x/>", "2:4"},
+                                     {"<spirit:name>\xC3\xA4</spirit:name><x/>", "1:84"},
+                                     {"<spirit:name/><x/><y/>", "1:70"}})
+        EXPECT_EQ(std::string(stop) + " x in <spirit:memoryMap>\n", stops(map + inner + ends))
+            << inner;
+    EXPECT_EQ("2:1 b in the document\n", stops("<?xml version='1.0'?>\n<b/>"));
+    EXPECT_EQ("1:1 b in the document\n", stops("<b/>"));
+    EXPECT_EQ("1:22 b in the document\n", stops("<?xml version='1.0'?><b/>"));
+    EXPECT_EQ("1:94 x in <spirit:register>\n1:116 y in <spirit:addressBlock>\n",
+              stops("<spirit:component><spirit:memoryMaps><spirit:memoryMap><spirit:addressBlock>"
+                    "<spirit:register><x/></spirit:register><y/></spirit:addressBlock>" +
+                    ends));
+}
+
+TEST(RegisterFile, GivesTheRegistersInFileOrder) {
+    const auto map = parse(inRegisters(reg("b", "") + reg("a", "") + reg("b", "") + reg("c", "")));
+    std::string names;
+    for (const hbs::HBSRegister* entry : map->getRegisters()) {
+        names += entry->getName();
+        EXPECT_EQ(entry, map->getRegister(entry->getName()));
+    }
+    EXPECT_EQ("bac", names);
+}
+
 TEST(RegisterFile, NamesAndBasesCountForWhatFollows) {
     const std::string offset = element("addressOffset", "4");
     const auto block = [&](const std::string& name) {

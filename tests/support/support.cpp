@@ -13,7 +13,6 @@
 #include <iostream>
 #include <iterator>
 #include <sstream>
-#include <stdexcept>
 #include <utility>
 
 namespace support {
@@ -69,29 +68,6 @@ std::vector<std::string> CapturedMessages::lines() const {
         lines.push_back(std::move(line));
     }
     return lines;
-}
-
-TempDir::TempDir() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "tq_test_XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr)
-        throw std::runtime_error("no temporary folder");
-    m_path = pattern;
-}
-
-TempDir::~TempDir() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-}
-
-std::string TempDir::write(std::string_view name, std::string_view content) const {
-    const std::filesystem::path path = m_path / name;
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream stream(path, std::ios::binary);
-    stream << content;
-    stream.close();
-    if (!stream)
-        throw std::runtime_error("can't write " + path.string());
-    return path.string();
 }
 
 std::string gzip(const std::string& content) {

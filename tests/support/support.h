@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ComMsgMgr.h"
+#include "support/temp_dir.h"
 
 namespace support {
 
@@ -57,23 +58,6 @@ public:
 private:
     std::vector<ComMsg> m_messages;
     ComMsgMgr::Sink m_before;
-};
-
-/// A folder of its own, removed with all it holds.
-class TempDir {
-public:
-    TempDir();
-    ~TempDir();
-    TempDir(const TempDir&) = delete;
-    TempDir& operator=(const TempDir&) = delete;
-
-    [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
-    [[nodiscard]] std::string file(std::string_view name) const { return (m_path / name).string(); }
-    /// Writes a file, making its folders, and gives its path.
-    std::string write(std::string_view name, std::string_view content) const;
-
-private:
-    std::filesystem::path m_path;
 };
 
 /// The content in the protected form of the stream library.

@@ -11,6 +11,9 @@
 #include <regfile/HBSRegFileParser.h>
 #include <scripting/native_cache.h>
 #include <scripting/py_native_cache.h>
+#include <tq_version.h>
+
+static_assert(TQ_VERSION >= 10000 && TQ_VERSION_MAJOR == 1);
 
 namespace {
 
