@@ -1,14 +1,24 @@
-# The install tree: four libraries, their public headers, a CMake package, a pkg-config file, hbs.
+# The install tree: five libraries, their public headers, a CMake package, a pkg-config file, hbs.
 
 include(CMakePackageConfigHelpers)
 
 get_property(libraries GLOBAL PROPERTY TQ_LIBRARIES)
+if(NOT BUILD_SHARED_LIBS)
+  # Shared ones hold copies of what they use of these.
+  list(APPEND libraries tq_base tq_input tq_diagnostics)
+  get_target_property(needed tq_hbs_objects LINK_LIBRARIES)
+  list(REMOVE_ITEM needed tq_rapidjson) # no user needs it to link
+  target_link_libraries(tq_hbs PRIVATE ${needed} Threads::Threads)
+endif()
 install(
   TARGETS ${libraries}
   EXPORT tq_hbsTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tq_hbs)
-install(FILES ${TQ_GENERATED_DIR}/tq_export.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tq_hbs)
+install(FILES ${TQ_GENERATED_DIR}/tq_export.h ${TQ_GENERATED_DIR}/tq_version.h
+              ${TQ_GENERATED_DIR}/tq_workbench_export.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tq_hbs)
 install(TARGETS hbs RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/tq_hbs)
@@ -19,5 +29,11 @@ write_basic_package_version_file(tq_hbsConfigVersion.cmake COMPATIBILITY SameMaj
 install(FILES ${PROJECT_BINARY_DIR}/tq_hbsConfig.cmake
               ${PROJECT_BINARY_DIR}/tq_hbsConfigVersion.cmake DESTINATION ${package_dir})
 
+# Users of static libraries link what those are built on.
+if(NOT BUILD_SHARED_LIBS)
+  install(FILES cmake/TclTarget.cmake DESTINATION ${package_dir})
+  set(TQ_STATIC_CFLAGS "-DTQ_STATIC_DEFINE -DTQ_WORKBENCH_STATIC_DEFINE")
+  set(TQ_STATIC_LIBS "-ltq_input -ltq_diagnostics -ltq_base -lboost_iostreams -lpugixml -lxerces-c -ltcl8.6 -pthread")
+endif()
 configure_file(cmake/tq_hbs.pc.in tq_hbs.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tq_hbs.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
