@@ -23,6 +23,7 @@ namespace hbs_clocking {
 
 // Of the searches of four and six PLLs (clocking/search).
 class CombinationList;
+class SavedResults;
 struct ComboResult;
 struct DividerRange;
 struct StepCandidates;
@@ -60,9 +61,11 @@ struct SearchStatistics {
 ///
 /// Nothing is thrown but what the standard library throws. A tree that can't be solved as it
 /// stands is one line on standard output and false, with the earlier result left readable; a
-/// search that finds nothing is false without a word. Requests and references that are negative,
-/// NaN or infinite are safe: quotients without an integer saturate. Trees of one and two PLLs find
-/// nothing for such a request; in larger ones it saturates the divider and counts as met.
+/// search that finds nothing is false without a word. A search of four or six PLLs that somebody
+/// ends raises `SearchInterrupted` (`clocking/SearchInterruption.h`). Requests and references that
+/// are negative, NaN or infinite are safe: quotients without an integer saturate. Trees of one and
+/// two PLLs find nothing for such a request; in larger ones it saturates the divider and counts as
+/// met.
 class TQ_EXPORT HBSClockingAlgo : public HATAttrObj {
 public:
     explicit HBSClockingAlgo(const std::string& name);
@@ -280,6 +283,11 @@ protected:
     SearchStatistics m_searchStatistics;
 
 private:
+    friend class SavedResults;
+
+    void climbSearchLadder(const TreeShape& shape, const ComboBuilder& buildCombos,
+                           const std::vector<HBSPeripheral*>& enabled,
+                           const std::vector<HBSPeripheral*>& noc);
     [[nodiscard]] CombinationList lockIfAny(CombinationList combos, unsigned domainIndex);
     [[nodiscard]] bool collectStepCandidates(const std::vector<HBSPeripheral*>& enabled,
                                              const std::vector<HBSPeripheral*>& noc,

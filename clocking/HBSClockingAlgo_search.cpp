@@ -9,7 +9,9 @@
 #include "ComMsgMgr.h"
 #include "HPAParamMgr.h"
 #include "clocking/ClockingArithmetic.h"
+#include "clocking/SearchInterruption.h"
 #include "clocking/search/ComboSearch.h"
+#include "clocking/search/SavedResults.h"
 #include "clocking/search/SharedExecutor.h"
 #include "clocking/search/TupleSearch.h"
 
@@ -85,11 +87,27 @@ bool HBSClockingAlgo::runLadder(const TreeShape& shape, const ComboBuilder& buil
     }
     if (!validateConfig())
         return false;
+    SavedResults saved(*this);
     resetResults();
     m_searchStatistics = {};
     if (applyCachedSolution(enabled))
         return true;
+    try {
+        climbSearchLadder(shape, buildCombos, enabled, noc);
+    } catch (const SearchInterrupted&) {
+        saved.restore();
+        throw;
+    }
+    if (m_resultFound)
+        sendTimingMessage(enabled.size(), start);
+    return m_resultFound;
+}
+
+void HBSClockingAlgo::climbSearchLadder(const TreeShape& shape, const ComboBuilder& buildCombos,
+                                        const std::vector<HBSPeripheral*>& enabled,
+                                        const std::vector<HBSPeripheral*>& noc) {
     static_cast<void>(climbLadder([&] {
+        SearchInterruption::raiseIfRequested();
         StepCandidates candidates;
         if (!collectStepCandidates(enabled, noc, candidates))
             return false;
@@ -102,9 +120,6 @@ bool HBSClockingAlgo::runLadder(const TreeShape& shape, const ComboBuilder& buil
         applySolution(result.peripherals, result.plls);
         return true;
     }));
-    if (m_resultFound)
-        sendTimingMessage(enabled.size(), start);
-    return m_resultFound;
 }
 
 bool HBSClockingAlgo::validateNocAndReference() const {
@@ -196,6 +211,7 @@ void HBSClockingAlgo::complainOfNocPeripherals(const TreeShape& shape,
     // Every tuple of dividers asks for the NOC divider, and every time is told what is wrong.
     const std::size_t crossTuples = buildCrossDivCombos().size();
     combos.forEach(0, combos.size(), [&](const Combination& combination) {
+        SearchInterruption::raiseIfRequested();
         std::size_t tuples = crossTuples;
         for (const DividerRange& range : buildClkoutDivCombos(shape, combination))
             tuples *= range.size();

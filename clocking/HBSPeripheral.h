@@ -9,6 +9,7 @@
 namespace hbs_clocking {
 
 class HBSClockingAlgo;
+class SavedResults;
 
 /// Owned by its solver, made by `HBSClockingAlgo::addPeripheral`. A result is readable after a
 /// successful run.
@@ -64,6 +65,8 @@ public:
     void setPllResult(const std::string& pllName, std::uint32_t divider);
 
 private:
+    friend class SavedResults;
+
     bool m_enabled;
     bool m_nocPeripheral = false;
     std::int32_t m_powerDomainIndex;

@@ -4,6 +4,8 @@
 #include <cassert>
 #include <limits>
 
+#include "clocking/SearchInterruption.h"
+
 namespace hbs_clocking {
 
 namespace {
@@ -63,6 +65,7 @@ void ContextSearch::fillLeast() {
 }
 
 void ContextSearch::search(const PllOption& main, const PllOption& noc) {
+    SearchInterruption::raiseIfRequested();
     forgetIfLarge();
     if (!enter(main, noc) || isDominated())
         return;
@@ -136,6 +139,7 @@ bool ContextSearch::isDominated() {
 }
 
 void ContextSearch::searchGroup(const OwnPlls::Group& group) {
+    SearchInterruption::raiseIfRequested();
     const Context& context = m_context;
     const double rest3 = context.certain[1] - m_own.bestPair;
     const double rest = context.nearSum + rest3 - group.acrossSaving;

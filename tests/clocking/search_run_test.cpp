@@ -7,6 +7,7 @@
 #include "HPAParamMgr.h"
 #include "clocking/HBSClockingAlgo4Pll.h"
 #include "clocking/HBSClockingAlgo6Pll.h"
+#include "clocking/SearchInterruption.h"
 #include "clocking/trees46.h"
 #include "support/support.h"
 
@@ -85,6 +86,20 @@ TEST(SearchRun, RefusesATreeWithoutNocPeripheralAndKeepsTheEarlierResult) {
     EXPECT_FALSE(solver->runSolution());
     EXPECT_EQ("NOC Peripheral is not enabled. Kindly enable noc peripheral\n", output.text());
     EXPECT_EQ(before, trees46::read(*solver));
+}
+
+TEST(SearchRun, KeepsTheEarlierResultWhenInterrupted) {
+    const auto solver = trees46::build(smallTree());
+    ASSERT_TRUE(solver->runSolution());
+    const reference46::Solution before = trees46::read(*solver);
+    const float limit = solver->getPowerDomainAt(2)->getErrorLimit();
+    solver->setMaxCrossDomainFreq(950.0F); // another tree to the store
+    SearchInterruption::request();
+    EXPECT_THROW(static_cast<void>(solver->runSolution()), SearchInterrupted);
+    SearchInterruption::withdraw();
+    EXPECT_EQ(before, trees46::read(*solver));
+    EXPECT_EQ(limit, solver->getPowerDomainAt(2)->getErrorLimit());
+    EXPECT_TRUE(solver->runSolution());
 }
 
 TEST(SearchRun, ComplainsOfTwoNocPeripheralsOncePerTuple) {
