@@ -20,6 +20,8 @@
 #include "workbench/addressing/AddressMapTables.h"
 #include "workbench/addressing/AddressingConfig.h"
 #include "workbench/addressing/StubFindings.h"
+#include "workbench/addressing/export/AddressMapModel.h"
+#include "workbench/addressing/export/MapExport.h"
 #include "workbench/files/OutputFile.h"
 #include "workbench/text/DiagnosticText.h"
 #include "workbench/text/MessageFinding.h"
@@ -36,6 +38,7 @@ struct Options {
     std::string map;
     std::string svg;
     std::string html;
+    std::vector<std::string> exports;
 };
 
 void write(const std::string& path, const std::string& text) {
@@ -64,7 +67,9 @@ bool usesOutput(const Options& options) {
 }
 
 void refuseInputs(const Options& options) {
-    for (const std::string& output : {options.json, options.map, options.svg, options.html}) {
+    std::vector<std::string> outputs{options.json, options.map, options.svg, options.html};
+    outputs.insert(outputs.end(), options.exports.begin(), options.exports.end());
+    for (const std::string& output : outputs) {
         std::error_code error;
         if (output == "-" || !std::filesystem::is_regular_file(output, error))
             continue;
@@ -104,6 +109,17 @@ void printMessagesAsFindings() {
         [](const ComMsg& message) { std::cerr << tq::describe(tq::findingOf(message)); });
 }
 
+void writeExports(const Options& options, const tq::AddressMap& map, const std::string& name,
+                  const tq::DiagnosticSink& sink) {
+    for (const std::string& path : options.exports) {
+        const auto format = tq::mapFormatOf(path);
+        if (!format)
+            throw InputError("can't tell the format of \"" + path +
+                             "\" by its ending, expected one of: " + tq::mapFormatEndings());
+        write(path, tq::exportMap(tq::mapModelOf(map, name, true, sink), *format, sink));
+    }
+}
+
 int run(const Options& options) {
     printMessagesAsFindings();
     // The library looks for its data there.
@@ -129,6 +145,7 @@ int run(const Options& options) {
         write(options.json, jsonText(*instance));
     if (!options.map.empty())
         write(options.map, tq::addressMapJson(map));
+    writeExports(options, map, definition.getModuleName(), findings.sink());
     if (!usesOutput(options))
         tq::printAddressMap(std::cout, map);
     tq::reportStubs(*instance, findings.sink());
@@ -153,6 +170,8 @@ void declareAddressing(CLI::App& app, int& status) {
                      "Writes the map as JSON to a file, or - for the output");
     word->add_option("--svg", options->svg, "Draws the address spaces");
     word->add_option("--html", options->html, "Draws them in a page");
+    word->add_option("--export", options->exports,
+                     "Writes the map for other tools, by the ending: " + tq::mapFormatEndings());
     word->callback([options, &status] { status = run(*options); });
 }
 
