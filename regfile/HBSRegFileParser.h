@@ -56,10 +56,11 @@ struct HBSRegFileStop {
 ///
 /// Files may come from outside: external entities and DTDs are never fetched (a reference to an
 /// external entity makes the file unreadable, and so do attribute lists and parameter entities),
-/// what isn't a regular file is never opened, and a file may have 1 GiB at most, when unpacked.
-/// Unreadable is also a file with more than 262,144 levels, 8,388,608 elements, 4,096 attributes of
-/// one element, 16,384 different names, 4,096 declarations in its document type, 65,536 characters
-/// in one entity, 1,000 expansions of entities or 4,194,304 characters out of them.
+/// what isn't a regular file is never opened, and a file may hold, when unpacked, as much as the
+/// parameter "general.maxInputMiB" allows. Unreadable is also a file with more than 262,144 levels,
+/// 8,388,608 elements, 1,024 attributes of one element, 2,048 different names, 4,096 declarations
+/// or 131,072 bytes in its document type, 65,536 characters in one entity, 1,000 expansions of
+/// entities or 4,194,304 characters out of them.
 ///
 /// Not guarded: the first call in a process must not run beside another.
 class HBSRegFileParser {

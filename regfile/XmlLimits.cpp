@@ -6,12 +6,15 @@
 #include <xercesc/parsers/SAXParser.hpp>
 #include <xercesc/sax/HandlerBase.hpp>
 #include <xercesc/sax/Locator.hpp>
+#include <xercesc/util/BinInputStream.hpp>
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 #include <xercesc/validators/DTD/DTDEntityDecl.hpp>
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 
 #include "regfile/XercesRuntime.h"
 #include "regfile/XmlGuards.h"
@@ -75,6 +78,21 @@ public:
         addDeclaration();
     }
 
+    void startIntSubset() override {
+        m_isInDocumentType = true;
+        m_bytesAhead = m_bytesRead;
+    }
+
+    void endIntSubset() override { m_isInDocumentType = false; }
+
+    /// Called for each block that the parser reads. The names of a content model have no hook.
+    void addBlock(std::size_t bytes) {
+        if (m_isInDocumentType)
+            expectAtMost(limits::kDocumentTypeBytes, m_bytesRead - m_bytesAhead,
+                         "bytes in the document type");
+        m_bytesRead += bytes;
+    }
+
     void elementDecl(const xercesc::DTDElementDecl& /*element*/,
                      const bool /*isIgnored*/) override {
         addDeclaration();
@@ -118,12 +136,55 @@ private:
 
     xercesc::HandlerBase m_unused;
     std::size_t m_bytes;
+    std::size_t m_bytesRead = 0;
+    std::size_t m_bytesAhead = 0; ///< of the document type
+    bool m_isInDocumentType = false;
     std::size_t m_levels = 0;
     std::size_t m_elements = 0;
     std::size_t m_declarations = 0;
     std::size_t m_expanded = 0;
     std::size_t m_attributeCharacters = 0;
     std::unordered_set<std::basic_string<XMLCh>, NameHash, std::equal_to<>> m_names;
+};
+
+/// Tells the counter of each block before the parser gets it.
+class CountedStream final : public xercesc::BinInputStream {
+public:
+    CountedStream(std::unique_ptr<xercesc::BinInputStream> stream, Counter& counter)
+        : m_stream(std::move(stream)), m_counter(counter) {}
+
+    [[nodiscard]] XMLFilePos curPos() const override { return m_stream->curPos(); }
+    [[nodiscard]] const XMLCh* getContentType() const override {
+        return m_stream->getContentType();
+    }
+    XMLSize_t readBytes(XMLByte* block, XMLSize_t bytes) override {
+        const XMLSize_t count = m_stream->readBytes(block, bytes);
+        m_counter.addBlock(count);
+        return count;
+    }
+
+private:
+    std::unique_ptr<xercesc::BinInputStream> m_stream;
+    Counter& m_counter;
+};
+
+class CountedSource final : public xercesc::InputSource {
+public:
+    CountedSource(const xercesc::InputSource& source, Counter& counter,
+                  xercesc::MemoryManager& memory)
+        : xercesc::InputSource(source.getSystemId(), &memory), m_source(source),
+          m_counter(counter) {}
+
+    [[nodiscard]] xercesc::BinInputStream* makeStream() const override {
+        std::unique_ptr<xercesc::BinInputStream> stream(m_source.makeStream());
+        if (stream == nullptr)
+            return nullptr;
+        return new (getMemoryManager()) CountedStream(std::move(stream), m_counter);
+    }
+
+private:
+    const xercesc::InputSource& m_source;
+    Counter& m_counter;
 };
 
 } // namespace
@@ -133,7 +194,7 @@ void checkLimits(const xercesc::InputSource& source, std::size_t bytes) {
     XmlGuards guards;
     Counter counter(bytes, memory);
     guards.applyTo(counter);
-    counter.parse(source);
+    counter.parse(CountedSource(source, counter, memory));
 }
 
 } // namespace hbs::regfile
