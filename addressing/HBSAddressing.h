@@ -45,9 +45,12 @@ class HUTFile;
 /// tool parameter "vorn.addressingTclTimeLimitMs" (60,000 by default; 0 or less is no limit); later
 /// scripts still get 0.1 s each. Working directory, environment, standard channels, SIGPIPE and
 /// locale are afterwards as they were. Not stopped are: one long command in C, such as a
-/// `string match` with a dozen stars; a command that waits in the system, such as `exec`; text with
-/// thousands of nested "[" that a script makes up itself; running out of memory, or of the 2 GiB
-/// that Tcl has for a value, on which Tcl ends the process; signals sent and libraries loaded.
+/// `string match` with a dozen stars; a command that waits in the system, such as `exec`; what a
+/// script makes up itself and nests by the ten thousand, "[" in a text, groups in a regular
+/// expression or lists in lists, on which Tcl overruns the stack; running out of memory, or of the
+/// 2 GiB that Tcl has for a value, on which Tcl ends the process; signals sent and libraries
+/// loaded; the end of the run where scripts left hundreds of thousands of `upvar` links, objects or
+/// `after` scripts, which Tcl deletes in quadratic time.
 ///
 /// Where memory runs out elsewhere, `std::bad_alloc` is raised, with no definition cached and the
 /// document of the report unchanged. Not guarded: one thread at a time.

@@ -98,8 +98,30 @@ int callExit(ClientData /*data*/, Tcl_Interp* interp, int /*count*/, Tcl_Obj* co
     return fail(interp, "a hard block's script can't end the process with \"exit\"");
 }
 
+/// A script as Tcl decodes it. Without a name the encoding is the system's.
+class DecodedScript {
+public:
+    DecodedScript(std::string_view bytes, const char* encodingName) {
+        Tcl_Encoding encoding =
+            encodingName == nullptr ? nullptr : Tcl_GetEncoding(nullptr, encodingName);
+        Tcl_ExternalToUtfDString(encoding, bytes.data(), static_cast<int>(bytes.size()), &m_text);
+        if (encoding != nullptr)
+            Tcl_FreeEncoding(encoding);
+    }
+    ~DecodedScript() { Tcl_DStringFree(&m_text); }
+    DecodedScript(const DecodedScript&) = delete;
+    DecodedScript& operator=(const DecodedScript&) = delete;
+
+    [[nodiscard]] std::string_view text() const {
+        return {Tcl_DStringValue(&m_text), static_cast<std::size_t>(Tcl_DStringLength(&m_text))};
+    }
+
+private:
+    Tcl_DString m_text{};
+};
+
 /// Why a script file isn't read; empty if it may be, and for faults that Tcl reports itself.
-std::string findFileFault(const char* path) {
+std::string findFileFault(const char* path, const char* encodingName) {
     struct stat status {};
     if (path == nullptr || stat(path, &status) != 0 || S_ISDIR(status.st_mode))
         return {};
@@ -111,7 +133,9 @@ std::string findFileFault(const char* path) {
         return {};
     if (!script.isWhole())
         return script.reason;
-    if (isNestedTooDeep(std::string_view(script.text).substr(0, script.text.find(kEndOfScript))))
+    const DecodedScript decoded(
+        std::string_view(script.text).substr(0, script.text.find(kEndOfScript)), encodingName);
+    if (isNestedTooDeep(decoded.text()))
         return "more than " + std::to_string(kMostNestedSubstitutions) + " nested substitutions";
     return {};
 }
@@ -119,13 +143,16 @@ std::string findFileFault(const char* path) {
 int callSource(ClientData data, Tcl_Interp* interp, int count, Tcl_Obj* const words[]) {
     const GuardedCommand command = copyOf(data);
     try {
-        if (count > 1)
-            if (const std::string fault =
-                    findFileFault(static_cast<const char*>(Tcl_FSGetNativePath(words[count - 1])));
-                !fault.empty())
-                return fail(interp, "couldn't read file \"" +
-                                        std::string(Tcl_GetString(words[count - 1])) +
+        // "source FILE" or "source -encoding NAME FILE"
+        if (count == 2 || count == 4) {
+            Tcl_Obj* const file = words[count - 1];
+            const std::string fault =
+                findFileFault(static_cast<const char*>(Tcl_FSGetNativePath(file)),
+                              count == 4 ? Tcl_GetString(words[2]) : nullptr);
+            if (!fault.empty())
+                return fail(interp, "couldn't read file \"" + std::string(Tcl_GetString(file)) +
                                         "\": " + fault);
+        }
     } catch (const std::exception&) {
         return fail(interp, "out of memory");
     }

@@ -116,6 +116,15 @@ TEST(ScriptFiles, AreScreenedForNesting) {
     }
 }
 
+TEST(ScriptFiles, AreScreenedInTheirEncoding) {
+    const support::TempDir folder;
+    const std::string file = folder.write("ebcdic.tcl", std::string(200000, '\xBB'));
+    const std::string error = "couldn't read file \"" + file + "\": more than 1000 nested";
+    expectError("source -encoding ebcdic " + file, error);
+    expectError("source -encoding none " + file, "unknown encoding \"none\"");
+    expectError("source " + file, "invalid command name");
+}
+
 TEST(ScriptFiles, ThatAreNotNestedDeepAreRun) {
     const support::TempDir folder;
     std::string script = "set n 0\nproc f {a} {return 1}\n";
