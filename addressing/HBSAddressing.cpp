@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "ComMsgMgr.h"
@@ -25,14 +26,16 @@ std::optional<std::string> parseHardblockName(const std::string& vlnv) {
     return std::nullopt;
 }
 
-std::unique_ptr<HABMBlock> readDefinition(const std::string& name) {
+HUTFile definitionFile(const std::string& name) {
     static const std::string directory = hbs_addressing::findHardblockDirectory();
-    return HABMBlock::readTopBlock(HUTFile(hbs_addressing::hardblockFile(directory, name, ".bmj")));
+    return HUTFile(hbs_addressing::hardblockFile(directory, name, ".bmj"));
 }
 
 /// Reads a definition and merges the definitions of its stubs into it, recursively.
 class Expansion {
 public:
+    explicit Expansion(const tq::DiagnosticSink& sink) : m_sink(sink) {}
+
     /// Empty if the definition can't be read.
     std::unique_ptr<HABMBlock> expand(const std::string& vlnv) {
         const std::optional<std::string> name = parseHardblockName(vlnv);
@@ -42,7 +45,7 @@ public:
 private:
     std::unique_ptr<HABMBlock> expandNamed(const std::string& name) {
         ++m_expanded;
-        std::unique_ptr<HABMBlock> top = readDefinition(name);
+        std::unique_ptr<HABMBlock> top = read(name);
         if (!top)
             return top;
         m_names.push_back(name);
@@ -50,6 +53,17 @@ private:
             if (subBlock->isBlockStub())
                 mergeStub(*top, *subBlock);
         m_names.pop_back();
+        return top;
+    }
+
+    [[nodiscard]] std::unique_ptr<HABMBlock> read(const std::string& name) {
+        if (!m_sink)
+            return HABMBlock::readTopBlock(definitionFile(name));
+        if (m_unreadable.contains(name))
+            return nullptr;
+        std::unique_ptr<HABMBlock> top = HABMBlock::readTopBlock(definitionFile(name), m_sink);
+        if (!top)
+            m_unreadable.insert(name);
         return top;
     }
 
@@ -90,6 +104,8 @@ private:
     static constexpr std::size_t kMostNested = 2000;
     static constexpr std::size_t kMostExpanded = 65536;
 
+    const tq::DiagnosticSink& m_sink;
+    std::set<std::string> m_unreadable; ///< that the sink was told of, once for all their stubs
     std::size_t m_expanded = 0;
     bool m_isBoundReported = false;   ///< once for all the stubs beyond it
     std::vector<std::string> m_names; ///< the hard blocks around the one being expanded
@@ -106,6 +122,12 @@ void writeDebugDefinition(const HABMBlock& block) {
 
 const HABMBlock* HBSAddressing::createSubsystemDefinition(const std::string& vlnv,
                                                           const std::string& context) {
+    return createSubsystemDefinition(vlnv, context, tq::DiagnosticSink());
+}
+
+const HABMBlock* HBSAddressing::createSubsystemDefinition(const std::string& vlnv,
+                                                          const std::string& context,
+                                                          const tq::DiagnosticSink& sink) {
     if (vlnv.empty() || context.empty())
         return nullptr;
     // Never destroyed: the blocks outlive every user, at exit too.
@@ -115,7 +137,7 @@ const HABMBlock* HBSAddressing::createSubsystemDefinition(const std::string& vln
         if (const auto entry = known->second.find(vlnv); entry != known->second.end())
             return entry->second;
 
-    std::unique_ptr<HABMBlock> expanded = Expansion().expand(vlnv);
+    std::unique_ptr<HABMBlock> expanded = Expansion(sink).expand(vlnv);
     if (!expanded)
         return nullptr;
     const HABMBlock* const block = expanded.get();

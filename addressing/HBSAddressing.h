@@ -7,6 +7,7 @@
 
 #include "base/RapidJson.h"
 #include "blockmodel/HABMBlock.h"
+#include "diagnostics/Diagnostic.h"
 #include "tq_export.h"
 
 class HUTFile;
@@ -70,6 +71,12 @@ public:
     /// call, the first that is nested below 2,000 others or follows 65,536 definitions.
     [[nodiscard]] static const HABMBlock* createSubsystemDefinition(const std::string& vlnv,
                                                                     const std::string& context);
+
+    /// The same, but a file that is there and can't be used is told to the sink, with the place in
+    /// it, and sends no message. A definition that is cached already has no findings.
+    [[nodiscard]] static const HABMBlock* createSubsystemDefinition(const std::string& vlnv,
+                                                                    const std::string& context,
+                                                                    const tq::DiagnosticSink& sink);
 
     /// A new instance, which the caller owns, with the config applied. Parameters and register
     /// values that the definition has no place for are dropped. Expressions are decided on the

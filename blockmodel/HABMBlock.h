@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "blockmodel/HABMAddrValue.h"
+#include "diagnostics/Diagnostic.h"
 #include "tq_export.h"
 
 class HABMAddrAssign;
@@ -73,6 +74,10 @@ public:
     /// refuses, isn't read in part. Where memory runs out the message is sent, and `std::bad_alloc`
     /// raised.
     [[nodiscard]] static std::unique_ptr<HABMBlock> readTopBlock(const HUTFile& file);
+    /// The same, but the sink is told, with the place in the file, and no message is sent. Holds
+    /// the file's text twice while it is read.
+    [[nodiscard]] static std::unique_ptr<HABMBlock> readTopBlock(const HUTFile& file,
+                                                                 const tq::DiagnosticSink& sink);
     /// Writes a ".bmj" file. Equal blocks give equal bytes. With the flag the file is replaced in
     /// one step, once the new content is on the disk, so that a crash or a full disk leaves the old
     /// one whole; without it a file that is already there is left alone. False, with the old

@@ -9,6 +9,7 @@
 #include "base/FileReplacement.h"
 #include "blockmodel/HABMBlock.h"
 #include "blockmodel/HABMBmj.h"
+#include "diagnostics/SourceText.h"
 #include "input/InputFile.h"
 
 namespace {
@@ -38,6 +39,29 @@ std::unique_ptr<HABMBlock> HABMBlock::readTopBlock(const HUTFile& file) {
     } catch (const std::bad_alloc&) {
         complain(path, "it is too large for the memory");
         throw; // the caller must not take it for a file that is damaged for good
+    }
+    return nullptr;
+}
+
+std::unique_ptr<HABMBlock> HABMBlock::readTopBlock(const HUTFile& file,
+                                                   const tq::DiagnosticSink& sink) {
+    const std::string path = file.getFullPath();
+    const base::FileContent content = input::readPlainFile(path);
+    const auto report = [&](tq::Place place, const std::string& reason) {
+        if (sink)
+            sink(tq::makeDiagnostic(tq::Severity::Error, "unusable-block-file", std::move(place),
+                                    reason));
+    };
+    if (!content.isWhole()) {
+        if (content.outcome != base::ReadOutcome::Missing)
+            report(tq::placeOfFile(path), "can't be read: " + content.reason);
+        return nullptr;
+    }
+    try {
+        std::string text = content.text; // which the reading overwrites
+        return habm::bmj::fromText(text);
+    } catch (const habm::bmj::Fault& fault) {
+        report(tq::SourceText(path, content.text).placeOf(fault.offset()), fault.reason());
     }
     return nullptr;
 }

@@ -1,6 +1,7 @@
 // The ".bmj" format: a block and all below it as JSON.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -22,10 +23,21 @@ constexpr const char* kFormat = "tq block model";
 /// Files of any other version are refused.
 constexpr unsigned kVersion = 1;
 
-/// Why a text can't be read.
+/// Why a text can't be read. `what()` ends with the place, if there is one.
 class Fault : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit Fault(const std::string& reason) : std::runtime_error(reason), m_reason(reason) {}
+    Fault(const std::string& reason, std::size_t offset)
+        : std::runtime_error(reason + " (at byte " + std::to_string(offset) + ")"),
+          m_reason(reason), m_offset(offset) {}
+
+    [[nodiscard]] const std::string& reason() const { return m_reason; }
+    /// The byte of the text at which the reading ended, from 0.
+    [[nodiscard]] std::size_t offset() const { return m_offset; }
+
+private:
+    std::string m_reason;
+    std::size_t m_offset = 0;
 };
 
 /// A file of more bytes is neither written nor read: RapidJSON counts the bytes of a text in 32

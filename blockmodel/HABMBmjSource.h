@@ -63,7 +63,7 @@ public:
     explicit Source(std::string& text) : m_stream(text.data()), m_bytes(text.size()) {}
 
     /// Position of the next byte in the text.
-    [[nodiscard]] std::string place() { return "byte " + std::to_string(m_stream.Tell()); }
+    [[nodiscard]] std::size_t position() { return m_stream.Tell(); }
     /// Takes a mark if it comes next.
     bool takeIf(char mark) {
         rapidjson::SkipWhitespace(m_stream);

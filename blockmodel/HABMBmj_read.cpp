@@ -91,7 +91,7 @@ std::unique_ptr<HABMBlock> fromText(std::string& text) {
     try {
         return readFile(source);
     } catch (const Fault& fault) {
-        throw Fault(std::string(fault.what()) + " (at " + source.place() + ")");
+        throw Fault(fault.reason(), source.position());
     }
 }
 

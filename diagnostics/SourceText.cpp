@@ -48,15 +48,27 @@ void SourceText::findLines() const {
         m_lineStarts.push_back(end + 1);
 }
 
+std::string_view SourceText::lineText(std::size_t index) const {
+    const std::size_t start = m_lineStarts[index];
+    const bool isLast = index + 1 == m_lineStarts.size();
+    return m_content.substr(start,
+                            (isLast ? m_content.size() : m_lineStarts[index + 1] - 1) - start);
+}
+
 Place SourceText::placeOf(std::size_t offset) const {
     if (m_lineStarts.empty())
         findLines();
     offset = std::min(offset, m_content.size());
     const auto next = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), offset);
-    const std::size_t start = *(next - 1);
-    const std::size_t end = next == m_lineStarts.end() ? m_content.size() : *next - 1;
-    return placeInLine(m_file, static_cast<std::size_t>(next - m_lineStarts.begin()),
-                       offset - start + 1, m_content.substr(start, end - start));
+    const auto line = static_cast<std::size_t>(next - m_lineStarts.begin());
+    return placeInLine(m_file, line, offset - *(next - 1) + 1, lineText(line - 1));
+}
+
+Place SourceText::placeAt(std::size_t line, std::size_t column) const {
+    if (m_lineStarts.empty())
+        findLines();
+    const bool isThere = line != 0 && line <= m_lineStarts.size();
+    return placeInLine(m_file, line, column, isThere ? lineText(line - 1) : std::string_view());
 }
 
 Place placeInLine(std::string file, std::size_t line, std::size_t column,

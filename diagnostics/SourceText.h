@@ -22,9 +22,14 @@ public:
 
     /// The place of a byte, with its line's text; an offset beyond the end names the end.
     [[nodiscard]] Place placeOf(std::size_t offset) const;
+    /// The place that a parser names by line and column, both from 1 (0 where unknown), with the
+    /// line's text if there is such a line.
+    [[nodiscard]] Place placeAt(std::size_t line, std::size_t column) const;
 
 private:
     void findLines() const;
+    /// `index` counts from 0.
+    [[nodiscard]] std::string_view lineText(std::size_t index) const;
 
     std::string m_file;
     std::string_view m_content;

@@ -307,6 +307,25 @@ TEST(BmjFile, MissingFileIsNoFaultAndOtherThingsAre) {
     EXPECT_EQ("it isn't a file", messages.all()[1].arguments[1]);
 }
 
+TEST(BmjFile, ASinkIsToldWhereTheReadingEnded) {
+    const support::CapturedMessages messages;
+    const support::TempDir folder;
+    const auto findingsOf = [&](const std::string& path) {
+        std::string texts;
+        EXPECT_EQ(nullptr, HABMBlock::readTopBlock(HUTFile(path), [&](const tq::Diagnostic& told) {
+                      texts += std::to_string(told.place.line) + ":" +
+                               std::to_string(told.place.column) + " " + told.text + "\n" +
+                               told.place.lineText;
+                  }));
+        return texts;
+    };
+    EXPECT_EQ("", findingsOf(folder.file("none.bmj")));
+    EXPECT_EQ("0:0 can't be read: it is a folder\n", findingsOf(folder.path().string()));
+    EXPECT_EQ("2:13 it is of version 2, and only version 1 can be read\n\"version\":2}",
+              findingsOf(folder.write("b.bmj", "{\"format\":\"tq block model\",\n\"version\":2}")));
+    EXPECT_THAT(messages.lines(), testing::IsEmpty());
+}
+
 TEST(BmjFile, FailedWriteLeavesTheOldFileWhole) {
     const support::TempDir folder;
     const std::string path = folder.write("block.bmj", "old");
