@@ -19,9 +19,9 @@ struct Options {
 };
 
 int runRegisters(const Options& options) {
-    tq::DiagnosticList findings(kMostFindings);
+    tq::DiagnosticList findings(options.json ? tq::DiagnosticList::kMost : kMostFindings);
     const tq::RegisterList list = tq::listRegisters(options.file, options.match, findings.sink());
-    std::cout << (options.json ? tq::registerJson(list) : tq::registerTable(list));
+    std::cout << (options.json ? tq::registerJson(list, findings.all()) : tq::registerTable(list));
     printFindings(findings);
     return list.registers.empty() ? kNoResult : kSuccess;
 }

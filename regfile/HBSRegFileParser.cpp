@@ -3,6 +3,7 @@
 #include <xercesc/util/OutOfMemoryException.hpp>
 
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 #include "HSTStringUtils.h"
@@ -55,22 +56,24 @@ void readAccess(const std::string& text, std::string& access) {
 } // namespace
 
 std::unique_ptr<HBSRegistersMap> HBSRegFileParser::parseFile(const std::string& path) {
-    return read(path, nullptr);
+    return read(path, nullptr, {});
 }
 
 std::unique_ptr<HBSRegistersMap> HBSRegFileParser::parseFile(const std::string& path,
-                                                             std::vector<HBSRegFileStop>& stops) {
-    return read(path, &stops);
+                                                             std::vector<HBSRegFileStop>& stops,
+                                                             const tq::DiagnosticSink& sink) {
+    return read(path, &stops, sink);
 }
 
-std::unique_ptr<HBSRegistersMap> HBSRegFileParser::read(const std::string& path, Stops* stops) try {
+std::unique_ptr<HBSRegistersMap> HBSRegFileParser::read(const std::string& path, Stops* stops,
+                                                        const tq::DiagnosticSink& sink) try {
     if (path.empty())
         return nullptr;
     std::unique_ptr<HBSRegistersMap> registers(new HBSRegistersMap(path));
-    const regfile::RegFileDocument document(path, stops != nullptr);
+    const regfile::RegFileDocument document(path, stops != nullptr, sink);
     if (document.root() == nullptr)
         return nullptr;
-    HBSRegFileParser parser(registers.get(), document, stops);
+    HBSRegFileParser parser(registers.get(), document, stops, sink);
     parser.readDocument(Cursor(document.root()));
     parser.keepRegisters();
     return registers;
@@ -96,13 +99,18 @@ int HBSRegFileParser::nextField(Cursor& cursor, Names names) {
 void HBSRegFileParser::addStop(const Cursor& cursor, Names names) {
     const xercesc::DOMElement& element = *cursor.element();
     const xercesc::DOMNode& parent = *element.getParentNode();
-    const regfile::Place place = m_document.placeOf(element);
+    const tq::Place place = m_document.placeOf(element);
     HBSRegFileStop stop{place.line, place.column, regfile::toText(element.getTagName()), {}, {}};
     stop.level = parent.getNodeType() == xercesc::DOMNode::DOCUMENT_NODE
                      ? "the document"
                      : "<" + regfile::toText(parent.getNodeName()) + ">";
     for (const std::string_view name : names)
         stop.expected.append(stop.expected.empty() ? "" : ", ").append(name);
+    if (m_sink)
+        m_sink(tq::makeDiagnostic(tq::Severity::Warning, "reader-stop", place,
+                                  "the reader stopped at <" + stop.element +
+                                      ">, which it doesn't know in " + stop.level,
+                                  stop.expected));
     m_stops->push_back(std::move(stop));
 }
 
@@ -164,7 +172,7 @@ HBSRegister* HBSRegFileParser::addRegister(std::string name, const std::string& 
 }
 
 void HBSRegFileParser::readProperty(HBSRegister& target, int position, const Cursor& cursor,
-                                    const std::string& baseAddress) {
+                                    const std::string& baseAddress) const {
     switch (position) {
     case kRegisterDescription:
         target.m_desc = cursor.text();
@@ -176,11 +184,21 @@ void HBSRegFileParser::readProperty(HBSRegister& target, int position, const Cur
         readAccess(cursor.text(), target.m_access);
         break;
     case kRegisterDim:
-        target.m_dim = regfile::dimValue(cursor.text());
+        target.m_dim = readDim(cursor);
         break;
     default: // fields, size and reset are none of the reader's business
         break;
     }
+}
+
+int HBSRegFileParser::readDim(const Cursor& cursor) const try {
+    return regfile::dimValue(cursor.text());
+} catch (const std::logic_error& error) {
+    if (m_sink)
+        m_sink(tq::makeDiagnostic(
+            tq::Severity::Error, "bad-number", m_document.placeOf(*cursor.element()),
+            std::string("a spirit:dim is no number: ") + error.what(), "a decimal number"));
+    throw;
 }
 
 } // namespace hbs

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "diagnostics/Diagnostic.h"
 #include "regfile/HBSRegistersMap.h"
 #include "tq_export.h"
 
@@ -76,8 +77,11 @@ public:
     parseFile(const std::string& path);
 
     /// Likewise, and adds to `stops` every place where an element ended its level, in file order.
+    /// A sink gets each of them as a warning, and as an error why the file can't be parsed, which
+    /// isn't written to the standard error stream then, or where a spirit:dim can't be read.
     [[nodiscard]] TQ_EXPORT static std::unique_ptr<HBSRegistersMap>
-    parseFile(const std::string& path, std::vector<HBSRegFileStop>& stops);
+    parseFile(const std::string& path, std::vector<HBSRegFileStop>& stops,
+              const tq::DiagnosticSink& sink = {});
 
 private:
     using Cursor = regfile::ElementCursor;
@@ -92,10 +96,11 @@ private:
     using Stops = std::vector<HBSRegFileStop>;
 
     HBSRegFileParser(HBSRegistersMap* registers, const regfile::RegFileDocument& document,
-                     Stops* stops)
-        : m_registers(registers), m_document(document), m_stops(stops) {}
+                     Stops* stops, const tq::DiagnosticSink& sink)
+        : m_registers(registers), m_document(document), m_stops(stops), m_sink(sink) {}
 
-    static std::unique_ptr<HBSRegistersMap> read(const std::string& path, Stops* stops);
+    static std::unique_ptr<HBSRegistersMap> read(const std::string& path, Stops* stops,
+                                                 const tq::DiagnosticSink& sink);
     /// Steps the cursor; where an element outside `names` ends the level, the stop is kept.
     int nextField(Cursor& cursor, Names names);
     void addStop(const Cursor& cursor, Names names);
@@ -110,12 +115,14 @@ private:
 
     void keepRegisters();
     HBSRegister* addRegister(std::string name, const std::string& mapName);
-    static void readProperty(HBSRegister& target, int position, const Cursor& cursor,
-                             const std::string& baseAddress);
+    void readProperty(HBSRegister& target, int position, const Cursor& cursor,
+                      const std::string& baseAddress) const;
+    [[nodiscard]] int readDim(const Cursor& cursor) const;
 
     HBSRegistersMap* m_registers;
     const regfile::RegFileDocument& m_document;
-    Stops* m_stops;                                   ///< may be null
+    Stops* m_stops; ///< may be null
+    const tq::DiagnosticSink& m_sink;
     std::vector<std::unique_ptr<HBSRegister>> m_made; ///< until the whole file is read
 };
 

@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <iostream>
 #include <optional>
+#include <string_view>
 #include <utility>
 
+#include "diagnostics/SourceText.h"
 #include "input/InputFile.h"
 #include "regfile/PlacedDomParser.h"
 #include "regfile/XercesRuntime.h"
@@ -20,46 +22,34 @@ namespace hbs::regfile {
 
 namespace {
 
-/// The content up to its end, or of a protected file up to its first NUL byte; nothing where there
-/// is no file.
-std::optional<std::string> readContent(const std::string& path) {
+/// The content up to its end, or of a protected file up to its first NUL byte.
+base::FileContent readContent(const std::string& path) {
     const bool isProtected = isl::iostreams::xp::is_encrypted(path.c_str());
     base::FileContent content = input::readFile(path);
-    if (content.outcome == base::ReadOutcome::Missing)
-        return std::nullopt;
-    if (!content.isWhole())
-        throw Fault(path + ": " + content.reason);
     if (isProtected)
         content.text.resize(std::min(content.text.find('\0'), content.text.size()));
-    return std::move(content.text);
+    return content;
 }
 
-/// A file that is read once, so that every parser gets the same bytes.
-class FileSource final : public xercesc::InputSource {
+/// Hands the same bytes to every parser.
+class TextSource final : public xercesc::InputSource {
 public:
-    FileSource(const std::string& path, xercesc::MemoryManager& memory)
-        : xercesc::InputSource(path.c_str(), &memory), m_content(readContent(path)) {}
+    TextSource(const std::string& path, const base::FileContent& content,
+               xercesc::MemoryManager& memory)
+        : xercesc::InputSource(path.c_str(), &memory), m_content(content) {}
 
-    /// Null for a file that couldn't be opened, which the parser reports.
+    /// Null for a missing file, of which the parser tells in its own words.
     xercesc::BinInputStream* makeStream() const override {
-        if (!m_content)
+        if (m_content.outcome == base::ReadOutcome::Missing)
             return nullptr;
         return new (getMemoryManager()) xercesc::BinMemInputStream(
-            reinterpret_cast<const XMLByte*>(m_content->data()), m_content->size(),
+            reinterpret_cast<const XMLByte*>(m_content.text.data()), m_content.text.size(),
             xercesc::BinMemInputStream::BufOpt_Reference, getMemoryManager());
     }
-    [[nodiscard]] std::size_t size() const { return m_content ? m_content->size() : 0; }
 
 private:
-    std::optional<std::string> m_content;
+    const base::FileContent& m_content;
 };
-
-void parseFile(xercesc::XercesDOMParser& parser, const std::string& path,
-               xercesc::MemoryManager& memory) {
-    const FileSource source(path, memory);
-    checkLimits(source, source.size());
-    parser.parse(source);
-}
 
 /// Names and paths in a fault must not make a line of their own, or steer a terminal.
 std::string onOneLine(std::string text) {
@@ -69,26 +59,13 @@ std::string onOneLine(std::string text) {
     return text;
 }
 
-/// Gives what is wrong with the file, or nothing.
-std::optional<std::string> faultOf(xercesc::XercesDOMParser& parser, const std::string& path,
-                                   xercesc::MemoryManager& memory) {
-    try {
-        parseFile(parser, path, memory);
-        return std::nullopt;
-    } catch (const Fault& fault) {
-        return fault.what();
-    } catch (const xercesc::XMLException& error) {
-        return toText(error.getMessage());
-    } catch (const xercesc::DOMException& error) {
-        return toText(error.getMessage());
-    }
-}
-
 } // namespace
 
 struct RegFileDocument::Parser {
     ParserMemory memory;
     XmlGuards guards;
+    base::FileContent content;
+    std::optional<tq::SourceText> source; ///< over the content, where places are asked for
     std::unique_ptr<xercesc::XercesDOMParser> xml;
     PlacedDomParser* placed = nullptr; ///< `xml`, where places are kept
 
@@ -99,23 +76,80 @@ struct RegFileDocument::Parser {
             xml = std::make_unique<xercesc::XercesDOMParser>(nullptr, &memory);
         guards.applyTo(*xml);
     }
+
+    /// Content with NUL bytes isn't one of eight-bit characters; its lines can't be shown.
+    void openSource(const std::string& path) {
+        const bool isShown = content.text.find('\0') == std::string::npos;
+        source.emplace(path, isShown ? std::string_view(content.text) : std::string_view());
+    }
 };
 
-RegFileDocument::RegFileDocument(const std::string& path, bool withPlaces) {
+/// Why a file has no document.
+struct RegFileDocument::Failure {
+    std::string message; ///< for the standard error stream
+    std::string text;    ///< for a sink, which gets the place apart
+    XMLFileLoc line = 0; ///< from 1; 0 where unknown
+    XMLFileLoc column = 0;
+};
+
+RegFileDocument::RegFileDocument(const std::string& path, bool withPlaces,
+                                 const tq::DiagnosticSink& sink)
+    : m_path(path) {
     startXerces();
     m_parser = std::make_unique<Parser>(withPlaces);
-    if (const auto fault = faultOf(*m_parser->xml, path, m_parser->memory)) {
-        std::cerr << "Error parsing file: " << onOneLine(*fault) << std::endl;
+    if (const auto failure = parse()) {
+        report(*failure, sink);
         return;
     }
+    if (withPlaces)
+        m_parser->openSource(path);
+    else
+        m_parser->content = {};
     if (const xercesc::DOMDocument* const document = m_parser->xml->getDocument())
         m_root = document->getDocumentElement();
 }
 
 RegFileDocument::~RegFileDocument() = default;
 
-Place RegFileDocument::placeOf(const xercesc::DOMElement& element) const {
-    return m_parser->placed == nullptr ? Place() : m_parser->placed->placeOf(&element);
+std::optional<RegFileDocument::Failure> RegFileDocument::parse() {
+    m_parser->content = readContent(m_path);
+    const base::FileContent& content = m_parser->content;
+    if (!content.isWhole() && content.outcome != base::ReadOutcome::Missing)
+        return Failure{m_path + ": " + content.reason, "can't be read: " + content.reason};
+    try {
+        const TextSource source(m_path, content, m_parser->memory);
+        checkLimits(source, content.text.size());
+        m_parser->xml->parse(source);
+        return std::nullopt;
+    } catch (const Fault& fault) {
+        if (!content.isWhole())
+            return Failure{fault.what(), "can't be read: " + content.reason};
+        return Failure{fault.what(), fault.text(), fault.line(), fault.column()};
+    } catch (const xercesc::XMLException& error) {
+        return Failure{toText(error.getMessage()), toText(error.getMessage())};
+    } catch (const xercesc::DOMException& error) {
+        return Failure{toText(error.getMessage()), toText(error.getMessage())};
+    }
+}
+
+void RegFileDocument::report(const Failure& failure, const tq::DiagnosticSink& sink) {
+    if (!sink) {
+        std::cerr << "Error parsing file: " << onOneLine(failure.message) << std::endl;
+        return;
+    }
+    m_parser->openSource(m_path);
+    sink(tq::makeDiagnostic(tq::Severity::Error, "unreadable-file",
+                            failure.line == 0
+                                ? tq::placeOfFile(m_path)
+                                : m_parser->source->placeAt(failure.line, failure.column),
+                            failure.text));
+}
+
+tq::Place RegFileDocument::placeOf(const xercesc::DOMElement& element) const {
+    if (m_parser->placed == nullptr)
+        return tq::placeOfFile(m_path);
+    const Place place = m_parser->placed->placeOf(&element);
+    return m_parser->source->placeAt(place.line, place.column);
 }
 
 } // namespace hbs::regfile

@@ -14,11 +14,21 @@ namespace hbs::regfile {
 /// Ends a parse that can't go on.
 class Fault : public std::runtime_error {
 public:
-    explicit Fault(const std::string& text) : std::runtime_error(text) {}
-    /// With "(line …, column …)" behind the text.
+    explicit Fault(const std::string& text) : std::runtime_error(text), m_text(text) {}
+    /// `what()` has "(line …, column …)" behind the text.
     Fault(const std::string& text, XMLFileLoc line, XMLFileLoc column)
-        : Fault(text + " (line " + std::to_string(line) + ", column " + std::to_string(column) +
-                ")") {}
+        : std::runtime_error(text + " (line " + std::to_string(line) + ", column " +
+                             std::to_string(column) + ")"),
+          m_text(text), m_line(line), m_column(column) {}
+
+    [[nodiscard]] const std::string& text() const { return m_text; }
+    [[nodiscard]] XMLFileLoc line() const { return m_line; } ///< from 1; 0 where unknown
+    [[nodiscard]] XMLFileLoc column() const { return m_column; }
+
+private:
+    std::string m_text;
+    XMLFileLoc m_line = 0;
+    XMLFileLoc m_column = 0;
 };
 
 /// In the local code page; empty for what it can't hold.

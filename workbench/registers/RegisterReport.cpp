@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "workbench/files/InputError.h"
+#include "workbench/text/DiagnosticJson.h"
 #include "workbench/text/JsonWriter.h"
 #include "workbench/text/Table.h"
 #include "workbench/text/TextStream.h"
@@ -16,15 +17,24 @@ namespace {
 
 using Stops = std::vector<hbs::HBSRegFileStop>;
 
-std::unique_ptr<hbs::HBSRegistersMap> parse(const std::string& path, Stops& stops) {
+/// Errors of the reader end the reading; its warnings go on to the sink.
+std::unique_ptr<hbs::HBSRegistersMap> parse(const std::string& path, Stops& stops,
+                                            const DiagnosticSink& sink) {
+    Diagnostic error = makeDiagnostic(Severity::Error, "unreadable-file", placeOfFile(path),
+                                      "the file has no root element");
+    const DiagnosticSink keepError = [&](Diagnostic finding) {
+        if (finding.severity == Severity::Error)
+            error = std::move(finding);
+        else if (sink)
+            sink(std::move(finding));
+    };
     std::unique_ptr<hbs::HBSRegistersMap> map;
     try {
-        map = hbs::HBSRegFileParser::parseFile(path, stops);
-    } catch (const std::logic_error& error) {
-        throw fileError(path, std::string("a spirit:dim is no number: ") + error.what());
+        map = hbs::HBSRegFileParser::parseFile(path, stops, keepError);
+    } catch (const std::logic_error&) { // a number, of which the sink was told
     }
     if (map == nullptr)
-        throw fileError(path, "the file can't be parsed");
+        throw InputError(std::move(error));
     return map;
 }
 
@@ -37,32 +47,16 @@ std::vector<const hbs::HBSRegister*> find(const hbs::HBSRegistersMap& map,
     return found;
 }
 
-/// The places where the reader stopped, as warnings.
-void reportStops(const std::string& path, const Stops& stops, const DiagnosticSink& sink) {
-    for (const auto& stop : stops) {
-        Place place = placeOfFile(path);
-        place.line = stop.line;
-        place.column = stop.column;
-        sink(makeDiagnostic(Severity::Warning, "reader-stop", std::move(place),
-                            "the reader stopped at <" + stop.element +
-                                ">, which it doesn't know in " + stop.level,
-                            stop.expected));
-    }
-}
-
 } // namespace
 
 RegisterList listRegisters(const std::string& path, const std::string& pattern,
                            const DiagnosticSink& sink) {
     RegisterList list;
-    list.map = parse(path, list.stops);
+    list.map = parse(path, list.stops, sink);
     list.registers = find(*list.map, pattern);
-    if (sink) {
-        reportStops(path, list.stops, sink);
-        if (list.map->getRegisters().empty())
-            sink(makeDiagnostic(Severity::Warning, "no-register", placeOfFile(path),
-                                "no register found"));
-    }
+    if (sink && list.map->getRegisters().empty())
+        sink(makeDiagnostic(Severity::Warning, "no-register", placeOfFile(path),
+                            "no register found"));
     return list;
 }
 
@@ -77,7 +71,7 @@ std::string registerTable(const RegisterList& list) {
     return out.str();
 }
 
-std::string registerJson(const RegisterList& list) {
+std::string registerJson(const RegisterList& list, const std::vector<Diagnostic>& findings) {
     JsonWriter json;
     json.beginObject();
     json.beginArray("registers");
@@ -100,6 +94,8 @@ std::string registerJson(const RegisterList& list) {
         json.endObject();
     }
     json.endArray();
+    json.writeKey("diagnostics");
+    writeDiagnostics(json, findings);
     json.endObject();
     return json.text();
 }

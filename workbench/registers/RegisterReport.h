@@ -27,7 +27,8 @@ struct RegisterList {
 /// A table of names, offsets and descriptions; empty for no registers.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string registerTable(const RegisterList& list);
 
-/// A JSON object of "registers" and "stops".
-[[nodiscard]] TQ_WORKBENCH_EXPORT std::string registerJson(const RegisterList& list);
+/// A JSON object of "registers", "stops" and the findings as "diagnostics".
+[[nodiscard]] TQ_WORKBENCH_EXPORT std::string registerJson(const RegisterList& list,
+                                                           const std::vector<Diagnostic>& findings);
 
 } // namespace tq
