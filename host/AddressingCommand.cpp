@@ -8,9 +8,7 @@
 #include <system_error>
 #include <vector>
 
-#include "ComMsgMgr.h"
 #include "HUTEnv.h"
-#include "HUTFile.h"
 #include "addressing/HBSAddressing.h"
 #include "base/JsonWriter.h"
 #include "host/Command.h"
@@ -23,8 +21,6 @@
 #include "workbench/addressing/export/AddressMapModel.h"
 #include "workbench/addressing/export/MapExport.h"
 #include "workbench/files/OutputFile.h"
-#include "workbench/text/DiagnosticText.h"
-#include "workbench/text/MessageFinding.h"
 
 namespace host {
 
@@ -78,19 +74,19 @@ void refuseInputs(const Options& options) {
     }
 }
 
-const HABMBlock& definitionOf(const Options& options) {
+const HABMBlock& definitionOf(const Options& options, tq::DiagnosticList& findings) {
     std::string vendor, library, name, version;
     if (!HABMUtils::splitVLNV(options.vlnv, vendor, library, name, version))
         throw InputError("\"" + options.vlnv + "\" isn't of the form vendor:library:name:version");
     const std::string area = HUTEnv::getOBLDataDir("mirrel");
     if (area.empty())
         throw InputError("there is no folder mirrel in " + options.data);
-    if (const HABMBlock* definition =
-            HBSAddressing::createSubsystemDefinition(options.vlnv, "hbs addressing"))
+    if (const HABMBlock* definition = HBSAddressing::createSubsystemDefinition(
+            options.vlnv, "hbs addressing", findings.sink()))
         return *definition;
+    if (findings.hasErrors())
+        throw InputError(findings.all().front());
     const std::string file = area + "/mirrel/hardblocks/" + name + "/" + name + ".bmj";
-    if (HUTFile(file).exists())
-        throw InputError("can't read " + file);
     throw InputError("there is no " + file + "; hbs define makes it from the hard block's tables");
 }
 
@@ -101,12 +97,6 @@ std::string jsonText(const HABMBlock& instance) {
     JsonPrettyWriter<JsonTextBuffer> writer(buffer);
     document.Accept(writer);
     return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
-}
-
-/// Messages hold names and script errors of hard blocks, which mustn't reach a terminal raw.
-void printMessagesAsFindings() {
-    ComMsgMgr::setSink(
-        [](const ComMsg& message) { std::cerr << tq::describe(tq::findingOf(message)); });
 }
 
 void writeExports(const Options& options, const tq::AddressMap& map, const std::string& name,
@@ -121,12 +111,11 @@ void writeExports(const Options& options, const tq::AddressMap& map, const std::
 }
 
 int run(const Options& options) {
-    printMessagesAsFindings();
     // The library looks for its data there.
     setenv("TQ_DATA_PATH", options.data.c_str(), 1);
     refuseInputs(options);
-    const HABMBlock& definition = definitionOf(options);
     tq::DiagnosticList findings(kMostFindings);
+    const HABMBlock& definition = definitionOf(options, findings);
     const tq::AddressingConfig config =
         options.config.empty() ? tq::AddressingConfig()
                                : tq::AddressingConfig::read(tq::JsonFile::read(options.config),

@@ -7,6 +7,7 @@
 #include "host/Command.h"
 #include "tq_version.h"
 #include "workbench/text/DiagnosticText.h"
+#include "workbench/text/MessageFinding.h"
 #include "workbench/text/Text.h"
 
 namespace host {
@@ -36,6 +37,21 @@ void printError(const tq::Diagnostic& diagnostic) {
     std::cerr << (diagnostic.place.file.empty() ? "hbs: " : "") << tq::describe(diagnostic);
 }
 
+/// Messages hold names and script errors out of files, which mustn't reach a terminal raw. Entry
+/// and exit lines are for the library's developers.
+void printMessage(const ComMsg& message) {
+    if (message.scope != "cdo.gen")
+        std::cerr << tq::describe(tq::findingOf(message));
+}
+
+/// Whether the word that was given has a flag --json, and it was given too.
+bool isJsonWanted(const CLI::App& app) {
+    for (const CLI::App* word : app.get_subcommands())
+        if (const CLI::Option* json = word->get_option_no_throw("--json"))
+            return json->get_expected_max() == 0 && json->count() != 0;
+    return false;
+}
+
 /// Streams, such as those that the help is put together with, swallow what memory failures raise.
 bool g_ranOutOfMemory = false;
 
@@ -45,6 +61,7 @@ bool g_ranOutOfMemory = false;
 }
 
 int parseAndRun(int argc, char** argv) {
+    const tq::MessageScope messages(printMessage);
     CLI::App app("Knows the hard blocks of a programmable device.", "hbs");
     app.require_subcommand(1);
     app.set_version_flag("--version", TQ_VERSION_STRING);
@@ -63,6 +80,10 @@ int parseAndRun(int argc, char** argv) {
         if (g_ranOutOfMemory)
             throw std::bad_alloc();
         return status == 0 ? finished(kSuccess) : kBadInput;
+    } catch (const InputError& error) {
+        if (isJsonWanted(app))
+            std::cout << tq::errorJson(error.diagnostic()) << std::flush;
+        throw;
     }
     return finished(exitStatus);
 }

@@ -189,7 +189,7 @@ TEST(AddressingWord, SaysWhatIsMissing) {
     EXPECT_EQ(2, absent.status);
     EXPECT_THAT(absent.error, HasSubstr("mirrel/hardblocks/absent/absent.bmj; hbs define makes"));
     area().write("mirrel/hardblocks/torn/torn.bmj", "torn");
-    EXPECT_THAT(addressing("", "v:l:torn:1.0").error, HasSubstr("hbs: error: can't read "));
+    EXPECT_THAT(addressing("", "v:l:torn:1.0").error, HasSubstr("torn.bmj:1:"));
 }
 
 } // namespace

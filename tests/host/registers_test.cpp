@@ -30,7 +30,9 @@ TEST(RegistersCommand, ListsRegistersAndWhereTheReaderStopped) {
               result.output);
     EXPECT_EQ("r.xml:4:1: warning: the reader stopped at <spirit:alias>, which it doesn't know in "
               "<spirit:register>, expected spirit:name, spirit:description, spirit:addressOffset, "
-              "spirit:access, spirit:field, spirit:size, spirit:reset, spirit:dim [reader-stop]\n",
+              "spirit:access, spirit:field, spirit:size, spirit:reset, spirit:dim [reader-stop]\n"
+              "<spirit:alias/><spirit:addressOffset>8</spirit:addressOffset></spirit:register>\n"
+              "^\n",
               result.error);
 }
 
@@ -57,15 +59,30 @@ TEST(RegistersCommand, SaysWhyThereIsNothing) {
     EXPECT_EQ(1, foreign.status);
     EXPECT_EQ("r.xml:2:1: warning: the reader stopped at <ipxact:component>, which it doesn't know "
               "in the document, expected spirit:component [reader-stop]\n"
+              "<ipxact:component/>\n^\n"
               "r.xml: warning: no register found [no-register]\n",
               foreign.error);
     const auto broken = runOn("<a>");
     EXPECT_EQ(2, broken.status);
-    EXPECT_EQ(0U, broken.error.find("Error parsing file: ")) << broken.error;
+    EXPECT_EQ(0U, broken.error.find("r.xml:1:4: error: ")) << broken.error;
     const auto dim = runOn(block("<spirit:register><spirit:name>a</spirit:name>"
                                  "<spirit:dim>x</spirit:dim></spirit:register>"));
     EXPECT_EQ(2, dim.status);
-    EXPECT_EQ("r.xml: error: a spirit:dim is no number: invalid stoi argument\n", dim.error);
+    EXPECT_EQ(0U, dim.error.find("r.xml:2:46: error: a spirit:dim is no number: "
+                                 "invalid stoi argument, expected a decimal number [bad-number]\n"))
+        << dim.error;
+}
+
+TEST(Program, GivesErrorsAsJsonWhereItWasAskedForJson) {
+    for (const std::string word : {"clocks", "cdo", "registers", "hardblock"}) {
+        const auto result = support::run(HBS_PROGRAM " " + word + " none.json --json" +
+                                         (word == "hardblock" ? " name" : ""));
+        EXPECT_EQ(2, result.status);
+        EXPECT_THAT(result.output, testing::StartsWith("{\n  \"diagnostics\": [\n"));
+        EXPECT_THAT(result.output,
+                    testing::HasSubstr("\"text\": \"can't be read: No such file or directory\""));
+        EXPECT_THAT(result.error, testing::StartsWith("none.json: error: can't be read: "));
+    }
 }
 
 TEST(Program, FailsWhenItsOutputCantBeWritten) {

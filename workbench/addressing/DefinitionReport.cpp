@@ -9,6 +9,7 @@
 #include "workbench/files/OutputFile.h"
 #include "workbench/text/DiagnosticJson.h"
 #include "workbench/text/JsonWriter.h"
+#include "workbench/text/MessageFinding.h"
 #include "workbench/text/Table.h"
 #include "workbench/text/Text.h"
 #include "workbench/text/TextStream.h"
@@ -140,6 +141,11 @@ CompiledDefinition compileDefinition(const std::string& directory, const std::st
                                      const DiagnosticSink& sink) {
     CompiledDefinition definition;
     definition.folder = directory + "/" + name;
+    // Unknown keys send a message, which would say again what the sink is told with its place.
+    const MessageScope messages([&](const ComMsg& message) {
+        if (sink && !message.format.starts_with("@91-48@"))
+            sink(findingOf(message));
+    });
     definition.block = HBSAddrParseUtil::buildHardblockDefinition(HUTFile(directory), name, false,
                                                                   sink, &definition.tables);
     if (definition.block == nullptr)

@@ -76,4 +76,13 @@ std::string diagnosticsJson(const std::vector<Diagnostic>& diagnostics) {
     return json.text();
 }
 
+std::string errorJson(const Diagnostic& error) {
+    JsonWriter json;
+    json.beginObject();
+    json.writeKey("diagnostics");
+    writeDiagnostics(json, {error});
+    json.endObject();
+    return json.text();
+}
+
 } // namespace tq

@@ -32,4 +32,8 @@ namespace tq {
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string
 diagnosticsJson(const std::vector<Diagnostic>& diagnostics);
 
+/// The JSON object {"diagnostics": [...]} of one error, for a program that asked for a result as
+/// JSON where there is none.
+[[nodiscard]] TQ_WORKBENCH_EXPORT std::string errorJson(const Diagnostic& error);
+
 } // namespace tq

@@ -26,4 +26,11 @@ Diagnostic findingOf(const ComMsg& message) {
     return finding;
 }
 
+MessageScope::MessageScope(std::function<void(const ComMsg&)> receive)
+    : m_before(ComMsgMgr::setSink(std::move(receive))) {}
+
+MessageScope::~MessageScope() {
+    ComMsgMgr::setSink(std::move(m_before));
+}
+
 } // namespace tq
