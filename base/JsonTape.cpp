@@ -69,6 +69,24 @@ private:
     std::vector<Entry*> m_open; ///< entries stay where they are
 };
 
+const char* JsonNode::kindName() const {
+    switch (kind()) {
+    case Kind::Boolean:
+        return "true or false";
+    case Kind::Number:
+        return "a number";
+    case Kind::String:
+        return "a text";
+    case Kind::Array:
+        return "an array";
+    case Kind::Object:
+        return "an object";
+    case Kind::Null:
+        break;
+    }
+    return "null";
+}
+
 JsonTape::JsonTape(std::string_view text) {
     parse(text);
     if (m_result.Code() != rapidjson::kParseErrorNumberTooBig)
@@ -128,6 +146,12 @@ JsonTape::Position JsonTape::position(std::size_t offset) const {
     countUpTo(std::min(offset, m_text.size()));
     position.column = offset - lineStart + 1;
     return position;
+}
+
+std::string describeError(const JsonTape& tape) {
+    if (tape.GetParseError() == rapidjson::kParseErrorTermination)
+        return "nested deeper than " + std::to_string(JsonTape::kMostLevels) + " levels";
+    return rapidjson::GetParseError_En(tape.GetParseError());
 }
 
 } // namespace base

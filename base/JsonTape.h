@@ -22,6 +22,8 @@ public:
     JsonNode(const JsonTape& tape, std::uint32_t index) : m_tape(&tape), m_index(index) {}
 
     [[nodiscard]] Kind kind() const;
+    /// For messages: "a text", "a number", "true or false", "null", "an array" or "an object".
+    [[nodiscard]] const char* kindName() const;
     [[nodiscard]] bool isString() const { return kind() == Kind::String; }
     [[nodiscard]] bool isArray() const { return kind() == Kind::Array; }
     [[nodiscard]] bool isObject() const { return kind() == Kind::Object; }
@@ -119,6 +121,9 @@ private:
     std::uint32_t m_count = 0;
     rapidjson::ParseResult m_result;
 };
+
+/// What is wrong with a text that couldn't be parsed, for people.
+[[nodiscard]] std::string describeError(const JsonTape& tape);
 
 inline JsonNode::Kind JsonNode::kind() const {
     switch (m_tape->m_text[m_tape->entry(m_index).offset]) {

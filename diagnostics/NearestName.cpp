@@ -64,4 +64,18 @@ std::string_view nearestName(std::string_view typed, std::span<const std::string
     return nearest;
 }
 
+std::string quotedNearestName(std::string_view typed, std::span<const std::string_view> known) {
+    const std::string_view nearest = nearestName(typed, known);
+    return nearest.empty() ? std::string() : '"' + std::string(nearest) + '"';
+}
+
+std::string oneOfNames(std::string_view typed, std::span<const std::string_view> known) {
+    std::string list;
+    for (const std::string_view name : known)
+        list.append(list.empty() ? "one of: " : ", ").append(name);
+    if (const std::string nearest = quotedNearestName(typed, known); !nearest.empty())
+        list.append("; did you mean ").append(nearest).append("?");
+    return list;
+}
+
 } // namespace tq

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace tq {
@@ -12,5 +13,14 @@ namespace tq {
 /// first of equals. Names longer than 64 characters aren't near to any.
 [[nodiscard]] std::string_view nearestName(std::string_view typed,
                                            std::span<const std::string_view> known);
+
+/// What a diagnostic expects instead of a name: "one of: a, b; did you mean \"b\"?", the question
+/// only where a known name is near.
+[[nodiscard]] std::string oneOfNames(std::string_view typed,
+                                     std::span<const std::string_view> known);
+
+/// The nearest name in quotes, or an empty text where none is near.
+[[nodiscard]] std::string quotedNearestName(std::string_view typed,
+                                            std::span<const std::string_view> known);
 
 } // namespace tq

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "handoff/HWHConnectivity.h"
+#include "handoff/HWHShapeCheck.h"
 #include "handoff/HWHTableFiller.h"
 #include "input/InputFile.h"
 
@@ -36,20 +37,26 @@ bool readComponent(const JsonNode& value, HWHTextMap& parameters) {
     return good;
 }
 
+bool fill(const hwh::TableFiller& tables, const hwh::ConnectivityFile& file,
+          const tq::DiagnosticSink& sink) {
+    if (sink)
+        hwh::checkShape(file, sink);
+    return tables.fill(file);
+}
+
 } // namespace
 
 bool HBSJsonReader::parseconnectivityjson(const std::string& fileName,
                                           HWHInstanceTable& instanceTable,
                                           HWHExcludedSlavesTable& excludedSlavesTable,
-                                          HWHExternalAddressingTable& externalAddressingTable, bool,
-                                          HWHPortTable& portTable,
+                                          HWHExternalAddressingTable& externalAddressingTable,
+                                          bool isAddressing, HWHPortTable& portTable,
                                           HWHParameterTable& parameterTable,
                                           HWHApertureTable& apertureTable,
                                           HWHInterfaceEnableTable& interfaceEnableTable) {
-    const hwh::TableFiller tables{instanceTable,       excludedSlavesTable, externalAddressingTable,
-                                  portTable,           parameterTable,      apertureTable,
-                                  interfaceEnableTable};
-    return tables.fill(hwh::ConnectivityFile(fileName));
+    return parseconnectivityjson(fileName, instanceTable, excludedSlavesTable,
+                                 externalAddressingTable, isAddressing, portTable, parameterTable,
+                                 apertureTable, interfaceEnableTable, tq::DiagnosticSink());
 }
 
 bool HBSJsonReader::parseconnectivityjson(
@@ -58,10 +65,37 @@ bool HBSJsonReader::parseconnectivityjson(
     HWHExternalAddressingTable& externalAddressingTable, bool isAddressing, HWHPortTable& portTable,
     HWHParameterTable& parameterTable, HWHApertureTable& apertureTable,
     HWHInterfaceEnableTable& interfaceEnableTable, HWHTextMap& systemInfo) {
+    return parseconnectivityjson(fileName, instanceTable, excludedSlavesTable,
+                                 externalAddressingTable, isAddressing, portTable, parameterTable,
+                                 apertureTable, interfaceEnableTable, systemInfo,
+                                 tq::DiagnosticSink());
+}
+
+bool HBSJsonReader::parseconnectivityjson(
+    const std::string& fileName, HWHInstanceTable& instanceTable,
+    HWHExcludedSlavesTable& excludedSlavesTable,
+    HWHExternalAddressingTable& externalAddressingTable, bool, HWHPortTable& portTable,
+    HWHParameterTable& parameterTable, HWHApertureTable& apertureTable,
+    HWHInterfaceEnableTable& interfaceEnableTable, const tq::DiagnosticSink& sink) {
     const hwh::TableFiller tables{instanceTable,       excludedSlavesTable, externalAddressingTable,
                                   portTable,           parameterTable,      apertureTable,
                                   interfaceEnableTable};
-    return tables.fill(hwh::ConnectivityFile(fileName, isAddressing, systemInfo));
+    return fill(tables, hwh::ConnectivityFile(fileName, sink), sink);
+}
+
+bool HBSJsonReader::parseconnectivityjson(const std::string& fileName,
+                                          HWHInstanceTable& instanceTable,
+                                          HWHExcludedSlavesTable& excludedSlavesTable,
+                                          HWHExternalAddressingTable& externalAddressingTable,
+                                          bool isAddressing, HWHPortTable& portTable,
+                                          HWHParameterTable& parameterTable,
+                                          HWHApertureTable& apertureTable,
+                                          HWHInterfaceEnableTable& interfaceEnableTable,
+                                          HWHTextMap& systemInfo, const tq::DiagnosticSink& sink) {
+    const hwh::TableFiller tables{instanceTable,       excludedSlavesTable, externalAddressingTable,
+                                  portTable,           parameterTable,      apertureTable,
+                                  interfaceEnableTable};
+    return fill(tables, hwh::ConnectivityFile(fileName, isAddressing, systemInfo, sink), sink);
 }
 
 bool HBSJsonReader::parseMioRegisters(const std::string& fileName, HWHTextMap& registers) {

@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 
+#include "diagnostics/Diagnostic.h"
 #include "handoff/HWHTables.h"
 #include "tq_export.h"
 
@@ -68,6 +69,24 @@ public:
                           HWHPortTable& portTable, HWHParameterTable& parameterTable,
                           HWHApertureTable& apertureTable,
                           HWHInterfaceEnableTable& interfaceEnableTable, HWHTextMap& systemInfo);
+
+    /// Both with findings: values of wrong types, things that come twice or are missing, and
+    /// misspelt members, with their places, and what isn't JSON ahead of the exception. What a
+    /// handoff would make of the file is `HBSHandoff`'s to check.
+    [[nodiscard]] bool parseconnectivityjson(
+        const std::string& fileName, HWHInstanceTable& instanceTable,
+        HWHExcludedSlavesTable& excludedSlavesTable,
+        HWHExternalAddressingTable& externalAddressingTable, bool isAddressing,
+        HWHPortTable& portTable, HWHParameterTable& parameterTable, HWHApertureTable& apertureTable,
+        HWHInterfaceEnableTable& interfaceEnableTable, const tq::DiagnosticSink& sink);
+    [[nodiscard]] bool
+    parseconnectivityjson(const std::string& fileName, HWHInstanceTable& instanceTable,
+                          HWHExcludedSlavesTable& excludedSlavesTable,
+                          HWHExternalAddressingTable& externalAddressingTable, bool isAddressing,
+                          HWHPortTable& portTable, HWHParameterTable& parameterTable,
+                          HWHApertureTable& apertureTable,
+                          HWHInterfaceEnableTable& interfaceEnableTable, HWHTextMap& systemInfo,
+                          const tq::DiagnosticSink& sink);
 
     /// The members of the root's "mio_registers", an object of texts. False if it is missing, and
     /// at once for an empty file name.

@@ -29,18 +29,18 @@ void sendDebugLine(int line, const char* format, const Args&... args) {
                                    "cdo.gen", kDebugMask, format, args...);
 }
 
-JsonTape readAfterEntry(const std::string& fileName) {
+const std::string& sendEntry(const std::string& fileName) {
     sendDebugLine(__LINE__, "\t\t\t HBSJsonReader::parseconnectivityjson- tmpFile: %s Enter\n",
                   fileName);
-    return readJsonFile(fileName);
+    return fileName;
 }
 
-JsonTape readAfterEntry(const std::string& fileName, bool isAddressing) {
+const std::string& sendEntry(const std::string& fileName, bool isAddressing) {
     sendDebugLine(
         __LINE__,
         "\t\t HBSJsonReader::parseconnectivityjson- isAddressing: %d fileName: %s Enter\n",
         isAddressing, fileName);
-    return readJsonFile(fileName);
+    return fileName;
 }
 
 bool isSplitByCells(HWHTextMap& systemInfo) {
@@ -78,15 +78,25 @@ constexpr std::array<FactName, 13> kFactNames{{
 
 } // namespace
 
-JsonTape readJsonFile(const std::string& fileName) {
+JsonTape readJsonFile(const std::string& fileName, const tq::DiagnosticSink& sink,
+                      std::unique_ptr<KeptText>* kept) {
     using Outcome = base::ReadOutcome;
     const std::string canonicalName = HUTFile(fileName).getCanonicalName();
-    const base::FileContent content = input::readFile(fileName);
+    base::FileContent content = input::readFile(fileName);
     if (content.outcome == Outcome::Missing || content.outcome == Outcome::Unopened)
         HCRapidJsonReadWriteUtils::errorReadingJsonFile(canonicalName);
     if (!content.isWhole())
         throw HEXError("the JSON file '" + canonicalName + "' can't be read: " + content.reason);
     JsonTape tape(content.text);
+    if (sink) {
+        auto text = std::make_unique<KeptText>(fileName, std::move(content.text));
+        if (tape.HasParseError())
+            sink(makeDiagnostic(tq::Severity::Error, "malformed-json",
+                                text->source.placeOf(tape.GetErrorOffset()),
+                                base::describeError(tape)));
+        if (kept != nullptr)
+            *kept = std::move(text);
+    }
     if (tape.HasParseError())
         HCRapidJsonReadWriteUtils::errorParsingJsonFile(
             canonicalName, HCRapidJsonReadWriteUtils::GetErrorMsgFromDocument(tape));
@@ -112,25 +122,30 @@ std::optional<JsonNode> findArray(const JsonNode& object, std::string_view name)
     return value && value->isArray() ? value : std::nullopt;
 }
 
-ConnectivityFile::ConnectivityFile(const std::string& fileName) : m_tape(readAfterEntry(fileName)) {
-    findLists(findObject(m_tape.root(), "metadata"));
+ConnectivityFile::ConnectivityFile(const std::string& fileName, const tq::DiagnosticSink& sink)
+    : m_tape(readJsonFile(sendEntry(fileName), sink, &m_kept)),
+      m_working(findObject(m_tape.root(), "metadata")) {
+    findLists();
 }
 
 ConnectivityFile::ConnectivityFile(const std::string& fileName, bool isAddressing,
-                                   HWHTextMap& systemInfo)
-    : m_tape(readAfterEntry(fileName, isAddressing)) {
-    const auto metadata = findObject(m_tape.root(), "metadata");
-    const bool split = metadata && isSplitByCells(systemInfo);
-    findLists(split ? findObject(*metadata, cellKey(systemInfo[fact::kCellName])) : metadata);
+                                   HWHTextMap& systemInfo, const tq::DiagnosticSink& sink)
+    : m_tape(readJsonFile(sendEntry(fileName, isAddressing), sink, &m_kept)),
+      m_working(findObject(m_tape.root(), "metadata")) {
+    if (m_working && isSplitByCells(systemInfo)) {
+        m_cell = cellKey(systemInfo[fact::kCellName]);
+        m_working = findObject(*m_working, *m_cell);
+    }
+    findLists();
 }
 
-void ConnectivityFile::findLists(const std::optional<JsonNode>& working) {
-    if (working)
-        m_slaves = findArray(*working, "slaves");
+void ConnectivityFile::findLists() {
+    if (m_working)
+        m_slaves = findArray(*m_working, "slaves");
     if (m_slaves)
-        m_masters = findArray(*working, "masters");
+        m_masters = findArray(*m_working, "masters");
     if (m_masters)
-        m_externalAddressing = findArray(*working, "external_addressing");
+        m_externalAddressing = findArray(*m_working, "external_addressing");
 }
 
 void ConnectivityFile::reportEnd() const {

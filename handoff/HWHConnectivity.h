@@ -2,17 +2,35 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/JsonTape.h"
+#include "diagnostics/Diagnostic.h"
+#include "diagnostics/SourceText.h"
 #include "handoff/HWHTables.h"
 
 namespace hwh {
 
-/// Reads `fileName`, stored plain or protected, or raises `HEXError`, naming the file.
-[[nodiscard]] base::JsonTape readJsonFile(const std::string& fileName);
+/// The text of a file as it was before it was parsed, for the places of findings.
+struct KeptText {
+    KeptText(const std::string& fileName, std::string content)
+        : text(std::move(content)), source(fileName, text) {}
+    KeptText(const KeptText&) = delete;
+    KeptText& operator=(const KeptText&) = delete;
+
+    const std::string text;
+    const tq::SourceText source;
+};
+
+/// Reads `fileName`, stored plain or protected, or raises `HEXError`, naming the file. With a sink
+/// the text goes to `kept`, and the sink is told first where the text isn't JSON.
+[[nodiscard]] base::JsonTape readJsonFile(const std::string& fileName,
+                                          const tq::DiagnosticSink& sink = {},
+                                          std::unique_ptr<KeptText>* kept = nullptr);
 
 /// The value of the first member of that name.
 [[nodiscard]] std::optional<base::JsonNode> findMember(const base::JsonNode& object,
@@ -38,11 +56,13 @@ namespace hwh {
 /// The file of one handoff. Everything that refers to its texts has to go before it.
 class ConnectivityFile {
 public:
-    /// Both forms send the entry line and read the file, or raise `HEXError`.
-    explicit ConnectivityFile(const std::string& fileName);
+    /// Both forms send the entry line and read the file, or raise `HEXError`. A sink is told only
+    /// why; it makes the file keep its text for places.
+    explicit ConnectivityFile(const std::string& fileName, const tq::DiagnosticSink& sink = {});
     /// For metadata that may be split by cells. Keys of `systemInfo` that are looked up and missing
     /// stay as empty entries.
-    ConnectivityFile(const std::string& fileName, bool isAddressing, HWHTextMap& systemInfo);
+    ConnectivityFile(const std::string& fileName, bool isAddressing, HWHTextMap& systemInfo,
+                     const tq::DiagnosticSink& sink = {});
 
     /// The lists of the working object as far as they are read: without slaves there are no
     /// masters, and without masters no external addressing.
@@ -53,13 +73,25 @@ public:
     }
     [[nodiscard]] const base::JsonTape& tape() const { return m_tape; }
 
+    /// The cell whose metadata is read; none where the metadata isn't split.
+    [[nodiscard]] const std::optional<std::string>& cell() const { return m_cell; }
+    /// What holds the lists: "metadata", or its cell.
+    [[nodiscard]] const std::optional<base::JsonNode>& working() const { return m_working; }
+    /// Of a value or a name, if the file was read with a sink.
+    [[nodiscard]] tq::Place placeOf(const base::JsonNode& node) const {
+        return m_kept ? m_kept->source.placeOf(node.offset()) : tq::Place();
+    }
+
     /// Sends the exit line, which comes only where the last list has been read.
     void reportEnd() const;
 
 private:
-    void findLists(const std::optional<base::JsonNode>& working);
+    void findLists();
 
+    std::unique_ptr<KeptText> m_kept; ///< null without a sink
     base::JsonTape m_tape;
+    std::optional<std::string> m_cell;
+    std::optional<base::JsonNode> m_working;
     std::optional<base::JsonNode> m_slaves;
     std::optional<base::JsonNode> m_masters;
     std::optional<base::JsonNode> m_externalAddressing;

@@ -30,6 +30,8 @@ public:
 
     [[nodiscard]] std::optional<std::string_view> find(std::string_view key) const;
     [[nodiscard]] std::size_t size() const { return m_values.size(); }
+    /// Of the pair with that number, in the order in which the keys came up.
+    [[nodiscard]] std::string_view key(std::uint32_t number) const { return m_keys[number]; }
 
 private:
     NameTable m_keys;

@@ -8,6 +8,7 @@
 
 #include "HPAParamMgr.h"
 #include "HUTEnv.h"
+#include "HUTFile.h"
 #include "HXMLWStream.h"
 #include "handoff/HWHMemoryMaps.h"
 #include "handoff/HWHVocabulary.h"
@@ -16,7 +17,8 @@ namespace hwh {
 
 namespace {
 
-constexpr const char* kTopSuffix = "_top";
+/// File name of a handoff for which the caller names none.
+constexpr const char* kDefaultFileName = "ksb.hwh";
 
 /// Keys carry the mark of an attribute.
 void addTo(HXMLWText& text, std::string_view key, std::string_view value) {
@@ -291,7 +293,10 @@ DocumentFacts DocumentFacts::collect(HWHTextMap& systemInfo) {
 }
 
 void writeDocument(const Model& model, const DocumentFacts& facts, const std::string& path) {
-    DocumentWriter(model, path).write(facts);
+    DocumentWriter(model, path.empty()
+                              ? HUTEnv::getPWD() + HUTFile::getDirSeparator() + kDefaultFileName
+                              : path)
+        .write(facts);
 }
 
 } // namespace hwh

@@ -25,7 +25,8 @@ struct DocumentFacts {
 };
 
 /// Writes element by element, so that the memory doesn't grow with the document. Raises `HEXError`
-/// where the file can't be written; what was there before then stays.
+/// where the file can't be written; what was there before then stays. An empty `path` is "ksb.hwh"
+/// in the working directory.
 void writeDocument(const Model& model, const DocumentFacts& facts, const std::string& path);
 
 } // namespace hwh

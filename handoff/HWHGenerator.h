@@ -3,7 +3,6 @@
 
 #include <string>
 
-#include "handoff/HWHConnectivity.h"
 #include "handoff/HWHTables.h"
 
 /// The road: read the file, build the model of the document, write it.
@@ -16,9 +15,6 @@ public:
     void generate(const std::string& connectivityFile, const std::string& outputFile);
 
 private:
-    [[nodiscard]] hwh::ConnectivityFile read(const std::string& connectivityFile);
-    void write(const hwh::ConnectivityFile& file, const std::string& outputFile);
-
     const HWHTextMap& m_designParams;
     HWHTextMap& m_systemInfo;
     HWHTextMap m_systemInfoCopy; ///< as it was at the start

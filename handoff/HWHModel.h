@@ -13,6 +13,9 @@
 
 namespace hwh {
 
+/// Behind a core's name: the instance that stands for the subsystem's outside.
+inline constexpr const char* kTopSuffix = "_top";
+
 /// A run of entries in one of the model's lists.
 struct Slice {
     std::uint32_t begin = 0;
@@ -33,6 +36,7 @@ struct Instance {
 
 struct Parameter {
     Text name;
+    Text asked;             ///< its value in the metadata
     std::string_view value; ///< as the document has it
     ValueSource source = ValueSource::Metadata;
 };
@@ -99,6 +103,11 @@ struct Model {
 
     [[nodiscard]] std::string_view text(Text text) const {
         return text.node == Text::kMissing ? std::string_view() : textOf(tape->node(text.node));
+    }
+    /// Of a port's signal, by the number of the port that gives it the name.
+    [[nodiscard]] std::string signalName(std::uint32_t namedBy) const {
+        const Port& port = ports[namedBy];
+        return std::string(modules[port.module].name).append("_").append(text(port.name));
     }
     [[nodiscard]] InstanceFacts factsOf(const Instance& instance) const {
         return readFacts(tape->node(instance.node));

@@ -15,8 +15,6 @@ namespace {
 
 using base::JsonNode;
 
-/// Behind a core's name: the instance that stands for the subsystem's outside.
-constexpr const char* kTopSuffix = "_top";
 /// The core for which connections are read when the system has none.
 constexpr const char* kFallbackCoreName = "yrel";
 /// The core whose excluded lists tell the slaves of its several dies apart.
@@ -226,7 +224,8 @@ void ModelBuilder::addParameters(Module& module) {
         std::string_view value = resolved.text;
         if (resolved.isInMegahertz)
             value = m_model.scaledValues.emplace_back(scaledToHz(std::string(resolved.text)));
-        m_model.parameters.push_back({m_found[number].name, value, resolved.source});
+        m_model.parameters.push_back(
+            {m_found[number].name, {m_found[number].node}, value, resolved.source});
     }
     module.parameters.end = countOf(m_model.parameters.size());
 }

@@ -149,13 +149,8 @@ void JsonFile::fail(std::size_t offset, const std::string& what) const {
 Diagnostic JsonFile::unknownKey(const JsonNode::Member& member,
                                 std::initializer_list<std::string_view> known,
                                 Severity severity) const {
-    std::string list;
-    for (const auto& name : known)
-        list.append(list.empty() ? "one of: " : ", ").append(name);
-    if (const std::string_view nearest = nearestName(member.name, known); !nearest.empty())
-        list.append("; did you mean \"").append(nearest).append("\"?");
     return makeDiagnostic(severity, "unknown-key", placeOf(member.offset),
-                          "unknown key \"" + member.name + "\"", std::move(list));
+                          "unknown key \"" + member.name + "\"", oneOfNames(member.name, known));
 }
 
 void JsonFile::expectKeys(const JsonNode& object,

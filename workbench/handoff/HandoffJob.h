@@ -2,8 +2,11 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <string>
 
+#include "diagnostics/Diagnostic.h"
+#include "handoff/HBSHandoff.h"
 #include "tq_workbench_export.h"
 #include "workbench/handoff/HandoffReport.h"
 
@@ -24,8 +27,17 @@ struct HandoffJob {
     bool split = false;
 };
 
-/// Raises `InputError` with the place of what can't be used.
-[[nodiscard]] TQ_WORKBENCH_EXPORT HandoffJob readHandoffJob(const std::string& path);
+/// Raises `InputError` with the place of what can't be used. A sink is told of what counts but was
+/// hardly meant: names given twice, facts of the system that are misspelt, composites of the design
+/// with a word too many.
+[[nodiscard]] TQ_WORKBENCH_EXPORT HandoffJob readHandoffJob(const std::string& path,
+                                                            const DiagnosticSink& sink = {});
+
+/// Reads the job's connectivity metadata and decides the document; the sink gets the findings of
+/// `HBSHandoff`. Sets the parameter "project.allowPSSubCoreSplit" of the process. Raises
+/// `InputError` for metadata that can't be read, with the place where it isn't JSON.
+[[nodiscard]] TQ_WORKBENCH_EXPORT std::unique_ptr<HBSHandoff>
+decideHandoff(const HandoffJob& job, const DiagnosticSink& sink = {});
 
 /// Writes the document to `output` and reports on it. With `timeStamp` false equal jobs give equal
 /// documents. Sets the parameters "project.allowPSSubCoreSplit" and "project.NoTimeStamp" of the

@@ -2,16 +2,16 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
 #include <string>
 #include <vector>
 
-#include "handoff/HWHTables.h"
+#include "diagnostics/Diagnostic.h"
+#include "handoff/HBSHandoff.h"
 #include "tq_workbench_export.h"
 
 namespace tq {
 
-/// Taken from the written document, so that it tells what a reader of the document will find.
+/// What the document holds, taken from what it was written from.
 struct HandoffReport {
     struct Master {
         std::string name;
@@ -19,7 +19,7 @@ struct HandoffReport {
     };
     /// Something the library passes over in silence.
     struct Warning {
-        const char* kind;
+        std::string kind; ///< the identifier of the finding, with blanks: "missing far port"
         std::string text;
     };
 
@@ -32,25 +32,19 @@ struct HandoffReport {
     std::size_t signals = 0;       ///< different names on all ports
     std::size_t externalPorts = 0; ///< of the subsystem
     std::vector<Master> masters;   ///< in document order
-    std::vector<Warning> warnings; ///< in document order, kind after kind
-
-    /// Kinds of warnings.
-    static constexpr const char* kMissingFarPort = "missing far port";
-    static constexpr const char* kTwoNames = "two names";
-    static constexpr const char* kUnresolved = "unresolved parameter";
+    std::vector<Warning> warnings; ///< in the order of the findings
 };
+
+/// `findings` are those that came up when the handoff was decided. Missing sections are no warnings
+/// but show in `isComplete`.
+[[nodiscard]] TQ_WORKBENCH_EXPORT HandoffReport
+reportHandoff(const HBSHandoff& handoff, const std::string& document,
+              const std::vector<Diagnostic>& findings);
 
 /// A table of counts, and one of warnings if there are any.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string handoffTables(const HandoffReport& report);
 
 /// The same as one JSON object.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string handoffJson(const HandoffReport& report);
-
-/// Reads the document. `parameters` are the metadata's: a value that went into the document
-/// unchanged, looks like a name and names no design parameter resolved to nothing.
-/// Raises `InputError` for a file that is no such document.
-[[nodiscard]] TQ_WORKBENCH_EXPORT HandoffReport
-reportHandoff(const std::string& document, const HWHParameterTable& parameters,
-              const std::map<std::string, std::string>& design);
 
 } // namespace tq
