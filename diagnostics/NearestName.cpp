@@ -24,6 +24,11 @@ using Row = std::array<unsigned, kLongest + 1>;
     return lowered(a) == lowered(b) ? kCaseEdit : kEdit;
 }
 
+[[nodiscard]] bool differsInCase(std::string_view a, std::string_view b) {
+    return a != b && std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                                [](char x, char y) { return lowered(x) == lowered(y); });
+}
+
 /// The Damerau-Levenshtein distance of two short texts, in halves of an edit.
 [[nodiscard]] unsigned distance(std::string_view a, std::string_view b) {
     Row beforeLast{};
@@ -56,7 +61,8 @@ std::string_view nearestName(std::string_view typed, std::span<const std::string
     for (const std::string_view name : known) {
         if (name.size() > kLongest)
             continue;
-        if (const unsigned cost = distance(typed, name); cost < best) {
+        const unsigned cost = differsInCase(typed, name) ? kCaseEdit : distance(typed, name);
+        if (cost < best) {
             best = cost;
             nearest = name;
         }

@@ -8,9 +8,9 @@
 namespace tq {
 
 /// The name with the fewest edits (insertion, removal or change of a character, swap of two
-/// neighbours; ASCII case counts as half an edit) to the one typed, or an empty text if none is
-/// near: more than a third of the typed characters would have to change (and the case of one). The
-/// first of equals. Names longer than 64 characters aren't near to any.
+/// neighbours; ASCII case counts as half an edit, and that of a whole name too) to the one typed,
+/// or an empty text if none is near: more than a third of the typed characters would have to change
+/// (and the case of one). The first of equals. Names longer than 64 characters aren't near to any.
 [[nodiscard]] std::string_view nearestName(std::string_view typed,
                                            std::span<const std::string_view> known);
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <map>
 #include <string>
 
@@ -9,7 +10,24 @@
 #include "HPAParamMgr.h"
 #include "fuzz/MemoryFile.h"
 #include "handoff/HBSGenerateService.h"
+#include "handoff/HBSHandoff.h"
 #include "support/temp_dir.h"
+
+namespace {
+
+/// Asks for all that a handoff knows.
+void check(const HBSHandoff& handoff) {
+    for (std::size_t i = 0; i < handoff.moduleCount(); ++i)
+        (void)handoff.ranges(i);
+    for (std::size_t i = 0; i < handoff.portCount(); ++i)
+        if ((void)handoff.connections(i), handoff.port(i).namedBy >= handoff.portCount())
+            std::abort();
+    for (std::size_t i = 0; i < handoff.externalPortCount(); ++i)
+        if (handoff.externalPort(i).ports.empty())
+            std::abort();
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const fuzz::MemoryFile input;
@@ -22,6 +40,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             {"ps_core_name", core}, {"device", "qmzt4401"}, {"cell_name", "x_a"}};
         try {
             HBSGenerateService::generateHWH(design, system, input.path(), folder.file("out.hwh"));
+            check(HBSHandoff(design, system, input.path(), [](const tq::Diagnostic& finding) {
+                if (finding.place.line == 0)
+                    std::abort();
+            }));
         } catch (const HEXError&) { // the one way to fail
         }
     }

@@ -35,6 +35,8 @@ std::optional<JsonNode> findLast(const JsonNode& object, std::string_view name) 
 /// The near names among many take a while to find, so only the first findings get one.
 class Suggestions {
 public:
+    static constexpr std::size_t kMostQuestions = 100;
+
     void add(std::string_view name) {
         if (m_names.size() < kMostNames)
             m_names.push_back(name);
@@ -53,7 +55,6 @@ public:
 
 private:
     static constexpr std::size_t kMostNames = 5000;
-    static constexpr std::size_t kMostQuestions = 100;
 
     std::vector<std::string_view> m_names;
     std::size_t m_questions = 0;
@@ -108,6 +109,8 @@ private:
     void checkEntries();
     void checkEnds();
     void checkEnd(const Port& port, const Connection& connection);
+    [[nodiscard]] std::string expectedPort(std::string_view module, std::string_view port);
+    [[nodiscard]] std::string expectedModule(std::string_view name);
     void checkNames();
     [[nodiscard]] bool lists(const Port& port, const Port& far) const;
     void compareNames(std::uint32_t number, const Connection& connection);
@@ -146,7 +149,9 @@ private:
     NameTable m_slaveNames; ///< as excluded lists name them
     NameTable m_instanceNames;
     Suggestions m_slaves;
-    Suggestions m_ends;
+    Suggestions m_modules;
+    std::vector<std::vector<std::string_view>> m_portsOf; ///< by module
+    std::size_t m_portQuestions = 0;
     EndTable m_known;                     ///< ends that a connection may have
     EndTable m_named;                     ///< those of `m_signals`
     std::vector<std::uint32_t> m_signals; ///< by end: the number of the port that names the signal
@@ -180,6 +185,7 @@ void MeaningCheck::collectInstances() {
     forEachObject(m_file.masters(), collect);
     for (std::uint32_t i = 0; i < contents.size(); ++i)
         collectPorts(m_sdkNames[i], contents[i]);
+    m_modules.add(m_model.topInstanceName);
     for (const Instance& instance : m_model.instances) {
         if (instance.role == Role::Master)
             continue;
@@ -194,6 +200,8 @@ void MeaningCheck::collectInstances() {
 }
 
 void MeaningCheck::collectPorts(std::string_view module, const JsonNode& instance) {
+    m_modules.add(module);
+    m_portsOf.emplace_back();
     instance.forEachMember([&](const JsonNode& name, const JsonNode& value) {
         if (name.text() == member::kPorts)
             value.forEachElement([&](const JsonNode& port) {
@@ -203,7 +211,7 @@ void MeaningCheck::collectPorts(std::string_view module, const JsonNode& instanc
                         portName = textOf(text);
                 });
                 m_known.add({module, portName});
-                m_ends.add(m_joined.emplace_back(module).append(".").append(portName));
+                m_portsOf.back().push_back(portName);
             });
     });
 }
@@ -281,20 +289,29 @@ void MeaningCheck::checkEnds() {
 void MeaningCheck::checkEnd(const Port& port, const Connection& connection) {
     const std::string_view instance = m_model.text(connection.instance);
     const auto at = placeOf(connection.instance, connection.port);
-    if (!at || instance == m_model.topInstanceName ||
+    const bool isWhole = !instance.empty() && !m_model.text(connection.port).empty();
+    if (!at || !isWhole || instance == m_model.topInstanceName ||
         m_known.find({instance, m_model.text(connection.port)}) != kNone)
         return;
     const bool isKnown = m_sdkNames.find(instance) != kNone;
-    const auto far = isKnown ? placeOf(connection.port, connection.instance) : at;
-    std::string expected =
-        isKnown ? "a port of that module" : "an SDKNAME or \"" + m_model.topInstanceName + "\"";
-    if (!isKnown && m_instanceNames.find(instance) != kNone)
-        expected += " (connections name modules, not instances)";
-    const std::string nearest = m_ends.find(farText(connection));
-    m_findings.warn("missing-far-port", *far,
-                    portText(port) + " connects to " + farText(connection) +
-                        ", which doesn't exist",
-                    nearest.empty() ? expected : expected + "; did you mean " + nearest + "?");
+    m_findings.warn(
+        "missing-far-port", isKnown ? node(connection.port) : *at,
+        portText(port) + " connects to " + farText(connection) + ", which doesn't exist",
+        isKnown ? expectedPort(instance, m_model.text(connection.port)) : expectedModule(instance));
+}
+
+std::string MeaningCheck::expectedPort(std::string_view module, std::string_view port) {
+    Suggestions ports;
+    if (++m_portQuestions <= Suggestions::kMostQuestions)
+        for (const std::string_view name : m_portsOf[m_sdkNames.find(module)])
+            ports.add(name);
+    return ports.expected(port, "a port of that module");
+}
+
+std::string MeaningCheck::expectedModule(std::string_view name) {
+    if (m_instanceNames.find(name) != kNone)
+        return "an SDKNAME; this is the name of an instance";
+    return m_modules.expected(name, "an SDKNAME, or the top");
 }
 
 /// Signals are told apart by "MODULE_PORT" alone.

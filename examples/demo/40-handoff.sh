@@ -5,3 +5,6 @@ set -eu
 mkdir -p build/demo
 echo "$ hbs handoff examples/device/handoff_job.json -o build/demo/sorrel.hwh"
 hbs handoff examples/device/handoff_job.json -o build/demo/sorrel.hwh
+echo
+echo "$ hbs handoff examples/device/handoff_job.json --check"
+hbs handoff examples/device/handoff_job.json --check || true

@@ -91,7 +91,7 @@ TEST(NearestName, FindsSlipsAndNothingElse) {
     const std::vector<std::pair<std::string_view, std::string_view>> cases{
         {"acess", "access"}, {"Offset", "offset"}, {"ofsfet", "offset"},
         {"with", "width"},   {"reset", ""},        {"", ""},
-        {"wdt", ""}};
+        {"wdt", ""},         {"OFFSET", "offset"}};
     for (const auto& [typed, expected] : cases)
         EXPECT_EQ(tq::nearestName(typed, known), expected) << typed;
 }

@@ -5,6 +5,7 @@
 #include "HEXError.h"
 #include "HPAParamMgr.h"
 #include "handoff/HBSGenerateService.h"
+#include "handoff/HBSHandoff.h"
 #include "handoff/job_generator.h"
 #include "handoff/plain_handoff.h"
 
@@ -47,6 +48,12 @@ void expectEqual(const GeneratedJob& job, const std::string& meaning) {
     const std::string written = outcomeOf(folder.file("out"), [&](const std::string& output) {
         HBSGenerateService::generateHWH(design, system, input, output);
     });
+    const std::string checked = outcomeOf(folder.file("checked"), [&](const std::string& output) {
+        HBSHandoff(job.design, job.system, input, [&](const tq::Diagnostic& finding) {
+            EXPECT_NE(0U, finding.place.line) << finding.text;
+        }).writeDocument(output);
+    });
+    EXPECT_TRUE(written == checked) << meaning << '\n' << job.connectivity;
     const std::string plain = outcomeOf(folder.file("plain"), [&](const std::string& output) {
         writePlainHandoff(job.design, job.system, input, job.splitByCells, output);
     });

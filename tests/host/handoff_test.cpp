@@ -44,6 +44,36 @@ TEST(HandoffWord, SumsUpTheSampleDeviceAndWarns) {
                 HasSubstr("\"kind\": \"two names\""));
 }
 
+TEST(HandoffWord, ChecksWithPlacesAndWritesNothing) {
+    const std::string job = kDevice + "handoff_job.json";
+    const auto result = handoff(job + " --check");
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ(job + ": findings: 3\n", result.output);
+    EXPECT_THAT(result.error,
+                StartsWith(kDevice +
+                           "connectivity.json:70:62: warning: eth0.trace connects to noc0.trace, "
+                           "which doesn't exist, expected a port of that module "
+                           "[missing-far-port]\n"));
+    EXPECT_THAT(handoff(job + " --check --json").output, HasSubstr(R"("id": "two-names")"));
+    EXPECT_EQ(2, handoff(job + " --check -o x").status);
+
+    const support::TempDir folder;
+    const std::string good = folder.write("job.json", R"({"connectivity": "c.json"})");
+    folder.write("c.json", R"({"metadata": {"slaves": [{"s": {"SDKNAME": "S", "PORTS": [
+        {"NAME": "p", "CONNECTIONS": [{"INSTANCE": "yrel_top", "PORT": "p"}]}]}}], "masters": []}})");
+    EXPECT_EQ(0, handoff(good + " --check").status);
+    const std::string odd = folder.write("odd.json", R"({"connectivity": "c.json",
+ "system": {"ps_core_nam": "yrel"}, "design": {"A": "{B 1 C}", "A": "{B 1"}})");
+    EXPECT_THAT(handoff(odd + " --check").error,
+                testing::AllOf(HasSubstr(":2:13: warning: unknown key \"ps_core_nam\""),
+                               HasSubstr("did you mean \"ps_core_name\"?"),
+                               HasSubstr("[duplicate-key]"), HasSubstr("[odd-composite]"),
+                               HasSubstr("[unclosed-composite]")));
+    folder.write("c.json", "{\"metadata\":\n [}");
+    EXPECT_THAT(handoff(good + " --check").error,
+                StartsWith(folder.file("c.json") + ":2:3: error: "));
+}
+
 TEST(HandoffWord, NeverWritesOverItsInputs) {
     const support::TempDir folder;
     const std::string job = folder.write("job.json", R"({"connectivity": "c.json"})");
