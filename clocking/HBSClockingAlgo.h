@@ -121,6 +121,12 @@ public:
     [[nodiscard]] bool getAllowCrossDomain() const { return m_allowCrossDomain; }
     void setAllowCrossDomain(bool allow) { m_allowCrossDomain = allow; }
 
+    /// Whether runs of four and six PLLs take part in the process's store of ten solutions, which
+    /// tells trees apart by names, frequencies and limits alone. True unless set. A caller of many
+    /// trees whose allowed errors or domains differ turns it off, to get each tree's own answer.
+    [[nodiscard]] bool getSharesSolutions() const { return m_sharesSolutions; }
+    void setSharesSolutions(bool shares) { m_sharesSolutions = shares; }
+
     // Looking up. The first of that name, or null.
 
     [[nodiscard]] std::string getName() const { return m_name; }
@@ -274,6 +280,7 @@ protected:
     std::string m_name;
     bool m_resultFound = false;
     bool m_allowCrossDomain = false;
+    bool m_sharesSolutions = true;
     float m_refClkFreq = 33.333F;
     float m_maxCrossDomainFreq = 1000.0F;
     float m_toleranceFactor = 0.001F;

@@ -90,7 +90,7 @@ bool HBSClockingAlgo::runLadder(const TreeShape& shape, const ComboBuilder& buil
     SavedResults saved(*this);
     resetResults();
     m_searchStatistics = {};
-    if (applyCachedSolution(enabled))
+    if (m_sharesSolutions && applyCachedSolution(enabled))
         return true;
     try {
         climbSearchLadder(shape, buildCombos, enabled, noc);
@@ -116,7 +116,8 @@ void HBSClockingAlgo::climbSearchLadder(const TreeShape& shape, const ComboBuild
         if (combos.isEmpty() || !searchCombos(shape, enabled, combos, result))
             return false;
         m_totalRelativeError = result.total;
-        storeSolution(enabled, result.peripherals, result.plls);
+        if (m_sharesSolutions)
+            storeSolution(enabled, result.peripherals, result.plls);
         applySolution(result.peripherals, result.plls);
         return true;
     }));

@@ -4,14 +4,16 @@
 
 #include <iostream>
 #include <memory>
-#include <new>
 
 #include "HPAParamMgr.h"
 
 #include "host/Command.h"
+#include "workbench/clocks/ClockCheck.h"
 #include "workbench/clocks/ClockReport.h"
+#include "workbench/clocks/ClockRun.h"
 #include "workbench/clocks/ClockTree.h"
 #include "workbench/files/OutputFile.h"
+#include "workbench/text/DiagnosticText.h"
 #include "workbench/text/TextStream.h"
 
 namespace host {
@@ -24,6 +26,7 @@ struct Options {
     bool explain = false;
     int threads = 1; ///< one number everywhere, as near ties are decided by the split
     std::string picturePath;
+    std::string settingPath;
 };
 
 /// Shows a waiting person where the search is.
@@ -37,58 +40,45 @@ void writePicture(const std::string& path, const tq::ClockReport& report, float 
     tq::writeOutput(path, picture.view());
 }
 
-/// Collects what the library says on standard output, so that the output stays the report's.
-class LibraryTexts {
-public:
-    LibraryTexts() : m_before(std::cout.rdbuf(m_texts.rdbuf())) {}
-    ~LibraryTexts() { std::cout.rdbuf(m_before); }
-    LibraryTexts(const LibraryTexts&) = delete;
-    LibraryTexts& operator=(const LibraryTexts&) = delete;
-
-    /// Without the last line end. Raises `std::bad_alloc` if some of it found no memory.
-    [[nodiscard]] std::string text() const {
-        if (std::cout.bad())
-            throw std::bad_alloc();
-        std::string text = m_texts.str();
-        text.erase(text.find_last_not_of('\n') + 1);
-        return text;
-    }
-
-private:
-    tq::TextStream m_texts;
-    std::streambuf* m_before;
-};
-
 /// A tree that the solver refuses is a fault of the file, said in the library's words.
-void validate(const tq::JsonFile& file, const hbs_clocking::HBSClockingAlgo& solver) {
-    const LibraryTexts texts;
-    if (!solver.validateConfig())
-        file.fail(file.require(file.root(), "domains").offset, texts.text());
+tq::ClockTree readTree(const std::string& path) {
+    const tq::JsonFile file = tq::JsonFile::read(path);
+    tq::ClockTree tree = tq::readClockTree(file);
+    if (const std::string fault = tq::faultOfClockTree(tree); !fault.empty())
+        file.fail(file.require(file.root(), "domains").offset, fault);
+    return tree;
+}
+
+int check(const Options& options, const tq::ClockTree& tree) {
+    tq::ClockCheck result = tq::checkClockSetting(tree, tq::JsonFile::read(options.settingPath));
+    tq::addBestSum(result, tree);
+    if (options.json) {
+        tq::printClockCheckJson(result, std::cout);
+    } else {
+        printFindings(result.findings);
+        tq::printClockCheck(result, std::cout);
+    }
+    return result.holds() ? kSuccess : kNoResult;
 }
 
 int solve(const Options& options) {
     tq::refuseInput(options.picturePath, {options.path});
-    const tq::JsonFile file = tq::JsonFile::read(options.path);
-    const tq::ClockTree tree = tq::readClockTree(file);
+    const tq::ClockTree tree = readTree(options.path);
+    if (!options.settingPath.empty())
+        return check(options, tree);
     HPAParamMgr::getParamMgr()->setValue("general.maxThreads", std::to_string(options.threads));
     tq::StepObserver observer;
     if (isatty(STDERR_FILENO) != 0)
         observer = announceStep;
-    const auto solver = tq::buildClockSolver(tree, observer);
-    validate(file, *solver);
-    std::string said;
-    {
-        const LibraryTexts texts;
-        solver->runSolution();
-        said = texts.text();
-    }
-    if (!said.empty())
-        std::cerr << "hbs: " << said << '\n';
-    tq::ClockReport report = tq::makeClockReport(tree, *solver);
-    if (options.explain) {
-        const hbs_clocking::SearchStatistics& statistics = solver->getSearchStatistics();
-        report.search = {statistics.combinations, statistics.evaluatedTuples};
-    }
+    const tq::ClockRun run = tq::runClockTree(tree, observer);
+    for (const std::string& line : run.said)
+        std::cerr << "hbs: " << line << '\n';
+    tq::ClockReport report = tq::makeClockReport(tree, *run.solver);
+    tq::addConflicts(report, tree);
+    if (options.explain)
+        tq::addSearch(report, *run.solver, tree.pllCount);
+    for (const tq::Diagnostic& warning : tq::warningsOf(report))
+        std::cerr << "hbs: " << tq::describe(warning);
     if (options.json)
         tq::printClockJson(report, std::cout);
     else
@@ -110,6 +100,8 @@ void declareClocks(CLI::App& app, int& status) {
     word->add_option("--threads", options->threads, "Threads for trees of four and six PLLs")
         ->check(CLI::Range(1, 1024))
         ->capture_default_str();
+    word->add_option("--check", options->settingPath,
+                     "Checks the setting of this file, as --json prints one, against every rule");
     word->add_option("--svg", options->picturePath, "Draws the solved tree into a file");
     word->callback([options, &status] { status = solve(*options); });
 }

@@ -1,6 +1,6 @@
 #!/bin/sh
 # Clock trees: one that fits at the first tolerance, one that loosens, one of six PLLs with its
-# picture, one that can't be solved.
+# picture, one that can't be solved, and a check of a setting.
 set -eu
 trees=examples/clocks
 
@@ -16,4 +16,9 @@ hbs clocks "$trees/programmable_soc.json" --explain --svg build/demo/clocks.svg
 echo
 echo "\$ hbs clocks $trees/video_recorder.json"
 hbs clocks "$trees/video_recorder.json" || echo "(exit status $?)"
+echo
+echo "\$ hbs clocks $trees/radio_frontend.json --json > build/demo/setting.json"
+hbs clocks "$trees/radio_frontend.json" --json >build/demo/setting.json
+echo "\$ hbs clocks $trees/radio_frontend.json --check build/demo/setting.json"
+hbs clocks "$trees/radio_frontend.json" --check build/demo/setting.json
 echo

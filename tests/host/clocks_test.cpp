@@ -96,7 +96,8 @@ TEST(ClockReport, GivesTheFrequencyOfACrossingPeripheralThatTheLibraryReadsAsZer
     std::ostringstream table;
     tq::printClockTables(report, table);
     EXPECT_THAT(table.str(), HasSubstr("7.0000  disabled\n"));
-    EXPECT_THAT(table.str(), HasSubstr("100.0000  P              13   99.9990  -0.0010  -10.0\n"));
+    EXPECT_THAT(table.str(), HasSubstr("100.0000  P         1299.9871        -     13     99.9990  "
+                                       "-0.0010  -10.0\n"));
     EXPECT_THAT(table.str(), HasSubstr("Solved at tolerance 0.001, sum of relative errors"));
 }
 
@@ -115,6 +116,50 @@ TEST(ClockReport, NamesTheRequestThatIsOutOfReach) {
     const auto& alone = parsed.array(parsed.require(parsed.root(), "alone"));
     EXPECT_EQ(900.0, parsed.number(parsed.require(alone[4], "nearest_mhz")));
     EXPECT_FALSE(parsed.boolean(parsed.require(alone[4], "within_reach")));
+}
+
+std::string examples(const std::string& name) {
+    return HBS_PROGRAM " clocks " TQ_SOURCE_DIR "/examples/clocks/" + name;
+}
+
+TEST(ClocksWord, ExplainsWhichRequestsStandInEachOthersWay) {
+    const support::RunResult run = support::run(examples("video_recorder.json"));
+    EXPECT_THAT(run.output, HasSubstr("\n  DECODER_CA\n    without DECODER_CA, others still can't "
+                                      "be met\n  GPU, CENTER_BUS\n    without GPU, the rest of "
+                                      "these is met at 0.001\n"));
+    const auto json =
+        tq::JsonFile::parse("out", support::run(examples("video_recorder.json --json")).output);
+    const auto& sets = json.array(json.require(json.root(), "conflicts"));
+    ASSERT_EQ(6U, sets.size());
+    EXPECT_EQ("DECODER_CA", json.string(sets[0].items.at(0)));
+    EXPECT_EQ(nullptr, json.root().find("peripherals"));
+}
+
+TEST(ClocksWord, ShowsWhatEachClockPassesAndWhatStandsOut) {
+    const std::string text = support::run(examples("radio_frontend.json --explain")).output;
+    EXPECT_THAT(text,
+                HasSubstr("AUDIO        IO              12.2880  PLL_SIGNAL   1960.0000       "
+                          " 4     40     12.2500  -0.3092   -3092.5  <-- above 0.1 %\n"));
+    EXPECT_THAT(text, HasSubstr("\nRequests: 5 met exactly, 0 within 10 ppm, 0 within 0.1 %, 3 "
+                                "within 1 %, 2 worse.\n"));
+    EXPECT_THAT(text, HasSubstr("each with up to 1 728 settings of the dividers"));
+    EXPECT_THAT(support::run(examples("programmable_soc.json --explain")).output,
+                HasSubstr("each with up to 15 552 settings of the dividers"));
+}
+
+TEST(ClocksWord, WarnsOfARequestThatGetsSomethingElse) {
+    const support::TempDir dir;
+    const std::string tree = dir.write("t.json", with("100}", "1000000}"));
+    EXPECT_THAT(support::run(HBS_PROGRAM " clocks " + tree).error,
+                HasSubstr("warning: U asks for 1000000.0000 MHz and gets"));
+    // The library says it for every multiplier.
+    const std::string radio =
+        support::readFile(TQ_SOURCE_DIR "/examples/clocks/radio_frontend.json");
+    const std::string from = R"("NOC", "domain": "NOC_DOMAIN")";
+    std::string other = radio;
+    other.replace(other.find(from), from.size(), R"("NOC", "domain": "CONTROL")");
+    EXPECT_EQ("hbs: Not a noc peripheral. continue...\n",
+              support::run(HBS_PROGRAM " clocks " + dir.write("r.json", other)).error);
 }
 
 TEST(ClocksWord, SearchesWithOneThreadUnlessToldOtherwise) {

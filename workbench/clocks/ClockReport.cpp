@@ -1,6 +1,10 @@
 #include "workbench/clocks/ClockReport.h"
 
 #include <algorithm>
+#include <cmath>
+
+#include "workbench/clocks/ClockConflicts.h"
+#include "workbench/text/Text.h"
 
 namespace tq {
 
@@ -26,6 +30,16 @@ using hbs_clocking::HBSPll;
     if (tree.pllCount == 2 && pll != nullptr)
         return pll->getVcoFreq() / peripheral.getClkoutDiv();
     return peripheral.getActualFreq();
+}
+
+/// The cross-domain divider that the clock passes, or 0: only trees of four and six PLLs have
+/// them, whose domain 0 takes the NOC clock directly.
+[[nodiscard]] unsigned passedCrossDivider(const ClockTree& tree, const HBSPeripheral& peripheral,
+                                          const HBSPll& pll) {
+    const std::int32_t from = pll.getPowerDomainIndex();
+    const std::int32_t to = peripheral.getPowerDomainIndex();
+    const bool isDirect = from == to || (to == 0 && from == 1);
+    return tree.pllCount <= 2 || isDirect ? 0 : pll.getCrossDomainDiv();
 }
 
 /// Solves a peripheral as the only one of a tree of one PLL with its domain's limit. The solvers of
@@ -66,6 +80,75 @@ solveAlone(const ClockTree& tree, const ClockTree::Peripheral& peripheral, float
 
 } // namespace
 
+double ClockReport::Peripheral::countedPpm() const {
+    constexpr double ppmPerPercent = 1e4;
+    constexpr unsigned largestDivider = 1023;
+    if (!given || !given->errorPercent || divider == largestDivider)
+        return 0.0;
+    return std::fabs(*given->errorPercent) * ppmPerPercent;
+}
+
+bool ClockReport::Peripheral::isBeyondAllowed() const {
+    constexpr double ppmPerPercent = 1e4;
+    constexpr double margin = 1e-5; // of the solvers
+    const double allowed = static_cast<double>(request.maxErrorPercent) * ppmPerPercent;
+    return countedPpm() > allowed * (1 + margin);
+}
+
+ClockReport::Summary ClockReport::summary() const {
+    Summary summary;
+    for (const Peripheral& line : peripherals) {
+        if (!line.given)
+            continue;
+        const double ppm = line.countedPpm();
+        ++(ppm <= 0.1      ? summary.exact
+           : ppm <= 10.05  ? summary.within10ppm
+           : ppm <= 1000.0 ? summary.within1000ppm
+           : ppm <= 10000. ? summary.within1percent
+                           : summary.worse);
+    }
+    return summary;
+}
+
+void addSearch(ClockReport& report, const HBSClockingAlgo& solver, unsigned pllCount) {
+    // Three output dividers for each PLL but the NOC's, and three cross-domain dividers of 1 to 4.
+    constexpr unsigned ofFour = 3 * 3 * 3 * 4 * 4 * 4;
+    constexpr unsigned ofSix = ofFour * 3 * 3;
+    const hbs_clocking::SearchStatistics& statistics = solver.getSearchStatistics();
+    report.search = {statistics.combinations, statistics.evaluatedTuples,
+                     pllCount == 4 ? ofFour : ofSix};
+}
+
+void addConflicts(ClockReport& report, const ClockTree& tree) {
+    if (report.found && std::none_of(report.peripherals.begin(), report.peripherals.end(),
+                                     [](const auto& line) { return line.isBeyondAllowed(); }))
+        return;
+    const ClockConflicts found = findClockConflicts(tree);
+    report.hasMoreConflicts = !found.isComplete;
+    report.conflicts.emplace();
+    for (const ClockConflict& set : found.sets) {
+        ClockReport::Conflict& conflict = report.conflicts->emplace_back();
+        for (const ClockConflict::Without& without : set.members)
+            conflict.members.push_back(
+                {tree.peripherals[without.peripheral].name, without.allMet, without.tolerance});
+    }
+}
+
+std::vector<Diagnostic> warningsOf(const ClockReport& report) {
+    constexpr double farOffPpm = 1e5;
+    std::vector<Diagnostic> warnings;
+    for (const ClockReport::Peripheral& line : report.peripherals)
+        if (line.countedPpm() > farOffPpm)
+            warnings.push_back(makeDiagnostic(
+                Severity::Warning, "far-off-request", {},
+                line.request.name + " asks for " +
+                    fixedText(static_cast<double>(line.request.mhz), 4) + " MHz and gets " +
+                    fixedText(line.given->mhz, 4) + " (" + fixedText(*line.given->errorPercent, 1) +
+                    " %); its allowed error is " +
+                    fixedText(static_cast<double>(line.request.maxErrorPercent), 1) + " %"));
+    return warnings;
+}
+
 ClockReport makeClockReport(const ClockTree& tree, const HBSClockingAlgo& solver) {
     ClockReport report;
     report.found = solver.is_result_found();
@@ -85,8 +168,12 @@ ClockReport makeClockReport(const ClockTree& tree, const HBSClockingAlgo& solver
     for (std::size_t i = 0; i < solved.size(); ++i) {
         ClockReport::Peripheral line{tree.peripherals[i], solved[i]->getPllName(),
                                      solved[i]->getClkoutDiv(), std::nullopt};
-        if (line.request.enabled)
+        const HBSPll* pll = solver.getPll(line.pll);
+        if (line.request.enabled && pll != nullptr) {
             line.given = setAgainst(line.request.mhz, suppliedMhz(tree, solver, *solved[i]));
+            line.pllMhz = pll->getVcoFreq();
+            line.crossDivider = passedCrossDivider(tree, *solved[i], *pll);
+        }
         report.peripherals.push_back(std::move(line));
     }
     return report;

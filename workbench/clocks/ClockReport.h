@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "diagnostics/Diagnostic.h"
 #include "tq_workbench_export.h"
 #include "workbench/clocks/ClockTree.h"
 
@@ -32,6 +33,31 @@ struct ClockReport {
         std::string pll;
         unsigned divider = 0;
         std::optional<GivenClock> given; ///< none for a disabled peripheral
+        double pllMhz = 0.0;             ///< what leaves the PLL
+        unsigned crossDivider = 0;       ///< that the clock passes on its way; 0 means none
+
+        /// The error in parts per million, without its sign. 0 for a request of 0 and for the
+        /// largest divider, which counts as a perfect match.
+        [[nodiscard]] double countedPpm() const;
+        /// Whether the error is larger than the allowed one.
+        [[nodiscard]] bool isBeyondAllowed() const;
+    };
+    /// Requests that can't be met together, and what becomes of the others without each.
+    struct Conflict {
+        struct Without {
+            std::string name;
+            bool allMet = false;            ///< all others of the tree, else those of the set
+            std::optional<float> tolerance; ///< at which they are met
+        };
+        std::vector<Without> members;
+    };
+    /// How many enabled requests are met how well; each counts once.
+    struct Summary {
+        unsigned exact = 0; ///< as far as single precision can tell: within 0.1 ppm
+        unsigned within10ppm = 0;
+        unsigned within1000ppm = 0;
+        unsigned within1percent = 0;
+        unsigned worse = 0;
     };
     /// What a peripheral of a tree without a solution could have from one PLL under its domain's
     /// highest limit, if nothing else were asked for. Clocks of other domains and the rules of the
@@ -46,6 +72,8 @@ struct ClockReport {
     struct Search {
         std::uint64_t combinations = 0;
         std::uint64_t evaluated = 0;
+        /// Settings of the dividers that a combination of multipliers has at most.
+        unsigned settingsPerCombination = 0;
     };
 
     bool found = false;
@@ -56,11 +84,24 @@ struct ClockReport {
     std::vector<Peripheral> peripherals; ///< as declared
     std::vector<Alone> alone;            ///< the enabled ones, as declared, without a solution
     bool takesOtherClocks = false;       ///< whether peripherals may be fed by other domains' PLLs
+    /// Where requests aren't met, and it was asked for.
+    std::optional<std::vector<Conflict>> conflicts;
+    bool hasMoreConflicts = false; ///< whether there may be more than these
+
+    [[nodiscard]] TQ_WORKBENCH_EXPORT Summary summary() const;
 };
 
 /// The report of a solver that was built from the tree and has run.
 [[nodiscard]] TQ_WORKBENCH_EXPORT ClockReport
 makeClockReport(const ClockTree& tree, const hbs_clocking::HBSClockingAlgo& solver);
+
+/// Adds how the tree's solver searched.
+TQ_WORKBENCH_EXPORT void addSearch(ClockReport& report, const hbs_clocking::HBSClockingAlgo& solver,
+                                   unsigned pllCount);
+/// Adds the conflicts of the tree if not all of its requests are met.
+TQ_WORKBENCH_EXPORT void addConflicts(ClockReport& report, const ClockTree& tree);
+/// A warning for each request that gets more than a tenth off what it asks for.
+[[nodiscard]] TQ_WORKBENCH_EXPORT std::vector<Diagnostic> warningsOf(const ClockReport& report);
 
 /// Aligned tables and the tolerance, or what each request could have alone.
 TQ_WORKBENCH_EXPORT void printClockTables(const ClockReport& report, std::ostream& out);

@@ -24,6 +24,8 @@ public:
             writeSolution(report);
         else
             writeList("alone", report.alone);
+        if (report.conflicts)
+            writeConflicts(report);
         m_json.EndObject();
     }
 
@@ -37,10 +39,43 @@ private:
             key("search").StartObject();
             key("combinations").Uint64(report.search->combinations);
             key("settings_looked_at").Uint64(report.search->evaluated);
+            key("settings_per_combination").Uint(report.search->settingsPerCombination);
             m_json.EndObject();
         }
         writeList("plls", report.plls);
         writeList("peripherals", report.peripherals);
+    }
+
+    /// The sets as lists of names, and beside them what becomes of the others without each.
+    void writeConflicts(const ClockReport& report) {
+        key("conflicts").StartArray();
+        for (const ClockReport::Conflict& conflict : *report.conflicts) {
+            m_json.StartArray();
+            for (const ClockReport::Conflict::Without& without : conflict.members)
+                m_json.String(without.name.data(),
+                              static_cast<rapidjson::SizeType>(without.name.size()));
+            m_json.EndArray();
+        }
+        m_json.EndArray();
+        key("without").StartArray();
+        for (const ClockReport::Conflict& conflict : *report.conflicts)
+            writeConflict(conflict);
+        m_json.EndArray();
+    }
+
+    void writeConflict(const ClockReport::Conflict& conflict) {
+        m_json.StartArray();
+        for (const ClockReport::Conflict::Without& without : conflict.members) {
+            m_json.StartObject();
+            text("name", without.name);
+            key("all_others_met").Bool(without.allMet);
+            if (without.tolerance)
+                number("tolerance", *without.tolerance);
+            else
+                key("tolerance").Null();
+            m_json.EndObject();
+        }
+        m_json.EndArray();
     }
 
     template <class Item>

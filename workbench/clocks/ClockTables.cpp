@@ -30,6 +30,15 @@ constexpr unsigned kLargestDivider = 1023;
     return given.errorPercent ? fixedText(*given.errorPercent * ppmPerPercent, 1) : "-";
 }
 
+/// What stands out of a table of requests.
+[[nodiscard]] std::string remarkOn(const ClockReport::Peripheral& line) {
+    constexpr double tenthOfPercent = 1000.0; // ppm
+    if (line.isBeyondAllowed())
+        return "<-- beyond the allowed " +
+               fixedText(static_cast<double>(line.request.maxErrorPercent), 4) + " %";
+    return line.countedPpm() > tenthOfPercent ? "<-- above 0.1 %" : "";
+}
+
 void printPlls(const ClockReport& report, std::ostream& out) {
     const bool crossing = std::any_of(report.plls.begin(), report.plls.end(),
                                       [](const auto& pll) { return pll.crossDivider != 0; });
@@ -50,16 +59,21 @@ void printPeripherals(const ClockReport& report, std::ostream& out) {
                  {"Domain"},
                  {"Request MHz", kRight},
                  {"PLL"},
-                 {"Divider", kRight},
-                 {"Gets MHz", kRight},
+                 {"PLL MHz", kRight},
+                 {"\u00f7 cross", kRight},
+                 {"\u00f7 own", kRight},
+                 {"= Gets MHz", kRight},
                  {"Error %", kRight},
-                 {"ppm", kRight}});
+                 {"ppm", kRight},
+                 {""}});
     for (const ClockReport::Peripheral& line : report.peripherals) {
         const ClockTree::Peripheral& request = line.request;
         if (line.given)
             table.addRow({request.name, request.domain, requestText(request.mhz), line.pll,
+                          mhzText(line.pllMhz),
+                          line.crossDivider == 0 ? "-" : std::to_string(line.crossDivider),
                           std::to_string(line.divider), mhzText(line.given->mhz),
-                          percentText(*line.given), ppmText(*line.given)});
+                          percentText(*line.given), ppmText(*line.given), remarkOn(line)});
         else
             table.addRow({request.name, request.domain, requestText(request.mhz), "disabled"});
     }
@@ -104,9 +118,42 @@ void printSearch(const ClockReport::Search& search, std::ostream& out) {
         return;
     }
     out << "That step had " << countText(search.combinations)
-        << " combinations of multipliers, each with up to 15 552 settings of the dividers.\n"
+        << " combinations of multipliers, each with up to "
+        << countText(search.settingsPerCombination) << " settings of the dividers.\n"
         << countText(search.evaluated)
         << " settings were looked at; the rest was proven to be worse.\n";
+}
+
+void printSummary(const ClockReport::Summary& summary, std::ostream& out) {
+    out << "Requests: " << summary.exact << " met exactly, " << summary.within10ppm
+        << " within 10 ppm, " << summary.within1000ppm << " within 0.1 %, "
+        << summary.within1percent << " within 1 %, " << summary.worse << " worse.\n";
+}
+
+void printWithout(const ClockReport::Conflict::Without& without, std::ostream& out) {
+    out << "    without " << printable(without.name) << ", ";
+    if (!without.tolerance)
+        out << "others still can't be met\n";
+    else
+        out << (without.allMet ? "all others are" : "the rest of these is") << " met at "
+            << fixedText(static_cast<double>(*without.tolerance), 3) << '\n';
+}
+
+void printConflicts(const ClockReport& report, std::ostream& out) {
+    out << "\nCan't be met together, the smallest sets first:\n";
+    for (const ClockReport::Conflict& conflict : *report.conflicts) {
+        out << "  ";
+        const char* separator = "";
+        for (const ClockReport::Conflict::Without& without : conflict.members) {
+            out << separator << printable(without.name);
+            separator = ", ";
+        }
+        out << '\n';
+        for (const ClockReport::Conflict::Without& without : conflict.members)
+            printWithout(without, out);
+    }
+    if (report.hasMoreConflicts)
+        out << "There may be more such sets.\n";
 }
 
 } // namespace
@@ -122,6 +169,8 @@ void printClockTables(const ClockReport& report, std::ostream& out) {
         printAlone(report, out);
         if (report.takesOtherClocks)
             out << "\nClocks of other domains aren't counted here.\n";
+        if (report.conflicts)
+            printConflicts(report, out);
         return;
     }
     printPlls(report, out);
@@ -130,11 +179,14 @@ void printClockTables(const ClockReport& report, std::ostream& out) {
     out << "\nSolved at tolerance " << fixedText(static_cast<double>(report.tolerance), 3)
         << ", sum of relative errors " << fixedText(static_cast<double>(report.totalError) * 1e6, 1)
         << " ppm\n";
+    printSummary(report.summary(), out);
     if (std::any_of(report.peripherals.begin(), report.peripherals.end(),
                     [](const auto& line) { return line.divider == kLargestDivider; }))
         out << "A divider of " << kLargestDivider << ", the largest, counts as no error.\n";
     if (report.search)
         printSearch(*report.search, out);
+    if (report.conflicts)
+        printConflicts(report, out);
 }
 
 } // namespace tq
