@@ -65,19 +65,22 @@ private:
     std::vector<std::uint32_t> m_offsets; ///< of values and names, in the order of the text
 };
 
-/// Passes the reader's events to the document, counts the levels and reads the numbers.
+/// Passes the reader's events to the document, counts the levels and the values and reads the
+/// numbers.
 class Guard {
 public:
-    Guard(Document& document, TokenStarts& starts, std::size_t mostLevels)
-        : m_document(document), m_starts(starts), m_mostLevels(mostLevels) {}
+    Guard(Document& document, TokenStarts& starts, const JsonDocument::Options& options)
+        : m_document(document), m_starts(starts), m_options(options) {}
+
+    [[nodiscard]] bool hasTooManyValues() const { return m_values > m_options.mostValues; }
 
     bool Null() {
         m_starts.addBefore(4);
-        return m_document.Null();
+        return count() && m_document.Null();
     }
     bool Bool(bool value) {
         m_starts.addBefore(value ? 4 : 5);
-        return m_document.Bool(value);
+        return count() && m_document.Bool(value);
     }
     // Numbers come as text (kParseNumbersAsStringsFlag), so these are never called.
     bool Int(int) { return false; }
@@ -87,6 +90,8 @@ public:
     bool Double(double) { return false; }
     bool RawNumber(const char* text, rapidjson::SizeType length, bool) {
         m_starts.addBefore(length);
+        if (!count())
+            return false;
         const std::string_view number(text, length);
         std::int64_t negative = 0;
         std::uint64_t positive = 0;
@@ -98,11 +103,11 @@ public:
     }
     bool String(const char* text, rapidjson::SizeType length, bool copy) {
         m_starts.addString();
-        return m_document.String(text, length, copy);
+        return count() && m_document.String(text, length, copy);
     }
     bool Key(const char* text, rapidjson::SizeType length, bool copy) {
         m_starts.addString();
-        return m_document.Key(text, length, copy);
+        return count() && m_document.Key(text, length, copy);
     }
     bool StartObject() { return enter() && m_document.StartObject(); }
     bool EndObject(rapidjson::SizeType count) { return leave() && m_document.EndObject(count); }
@@ -110,9 +115,13 @@ public:
     bool EndArray(rapidjson::SizeType count) { return leave() && m_document.EndArray(count); }
 
 private:
+    bool count() {
+        ++m_values;
+        return !hasTooManyValues();
+    }
     bool enter() {
         m_starts.addBefore(0);
-        return ++m_levels <= m_mostLevels;
+        return count() && ++m_levels <= m_options.mostLevels;
     }
     bool leave() {
         --m_levels;
@@ -121,8 +130,9 @@ private:
 
     Document& m_document;
     TokenStarts& m_starts;
-    std::size_t m_mostLevels;
+    const JsonDocument::Options& m_options;
     std::size_t m_levels = 0;
+    std::size_t m_values = 0;
 };
 
 template <unsigned kMoreFlags>
@@ -205,10 +215,11 @@ JsonDocument& JsonDocument::Parse(std::string_view text, const Options& options)
     Stream stream(text.data(), text.size());
     TokenStarts starts(text, stream, options.keepsPlaces);
     auto read = [&](Document& document) {
-        Guard guard(document, starts, options.mostLevels);
+        Guard guard(document, starts, options);
         m_result = options.validatesEncoding
                        ? parse<rapidjson::kParseValidateEncodingFlag>(stream, guard)
                        : parse<rapidjson::kParseNoFlags>(stream, guard);
+        m_hasTooManyValues = guard.hasTooManyValues();
         // The reader takes a NUL byte for the end.
         if (!m_result.IsError() && stream.Tell() != text.size())
             m_result.Set(rapidjson::kParseErrorDocumentRootNotSingular, stream.Tell());

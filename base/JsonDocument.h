@@ -45,6 +45,7 @@ public:
 
     struct Options {
         std::size_t mostLevels = kMostLevels; ///< at most `kMostLevels`
+        std::size_t mostValues = kMostBytes;  ///< more are a `kParseErrorTermination`, too
         bool validatesEncoding = false;       ///< text that isn't UTF-8 is then a parse error
         bool keepsPlaces = false;             ///< for `offsetOf`
     };
@@ -60,6 +61,9 @@ public:
     [[nodiscard]] rapidjson::ParseErrorCode GetParseError() const { return m_result.Code(); }
     [[nodiscard]] std::size_t GetErrorOffset() const { return m_result.Offset(); }
 
+    /// Whether the parse ended at `Options::mostValues`; names count, too.
+    [[nodiscard]] bool hasTooManyValues() const { return m_hasTooManyValues; }
+
     /// The byte of the text at which a value or the name of a member starts. `value` is one of this
     /// document's own, which was parsed with `keepsPlaces` and not changed since; for any other the
     /// result is 0.
@@ -71,6 +75,7 @@ private:
     void assignPlaces(const std::vector<std::uint32_t>& offsets);
 
     rapidjson::ParseResult m_result;
+    bool m_hasTooManyValues = false;
     std::vector<Place> m_places; ///< ordered by address
 };
 

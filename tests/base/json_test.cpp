@@ -58,6 +58,15 @@ TEST(JsonDocument, SurvivesHostileTexts) {
     EXPECT_EQ("Number too big to be stored in double. (at byte 0)", errorOf("1e999"));
 }
 
+TEST(JsonDocument, CountsItsValuesAndNames) {
+    for (const std::size_t most : {8U, 9U}) {
+        JsonDocument document;
+        document.Parse(R"({"a": [1, null, true, "x", {}], "b": 2})", {.mostValues = most + 1});
+        EXPECT_EQ(most == 8, document.hasTooManyValues());
+        EXPECT_EQ(most == 8, document.HasParseError());
+    }
+}
+
 TEST(JsonDocument, TakesOnlyWhiteSpaceBehindItsRoot) {
     using namespace std::string_literals;
     EXPECT_EQ("", errorOf("{} \t\r\n"));

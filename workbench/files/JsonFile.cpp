@@ -119,8 +119,13 @@ JsonFile JsonFile::parse(std::string path, std::string text) {
     const auto content = std::make_shared<Content>(std::move(path), std::move(text));
     JsonFile file(content);
     JsonDocument document;
-    document.Parse(content->text,
-                   {.mostLevels = kMostLevels, .validatesEncoding = true, .keepsPlaces = true});
+    document.Parse(content->text, {.mostLevels = kMostLevels,
+                                   .mostValues = kMostValues,
+                                   .validatesEncoding = true,
+                                   .keepsPlaces = true});
+    if (document.hasTooManyValues())
+        file.fail(document.GetErrorOffset(),
+                  "more than " + std::to_string(kMostValues) + " values and names");
     if (document.GetParseError() == rapidjson::kParseErrorTermination)
         file.fail(document.GetErrorOffset(),
                   "nested deeper than " + std::to_string(kMostLevels) + " levels");

@@ -40,7 +40,8 @@ struct JsonNode::Member {
 };
 
 /// A JSON file held whole. Reads UTF-8, stored plain or protected, within the limit of all readers
-/// and with at most `kMostLevels` levels of nesting.
+/// with at most `kMostLevels` levels of nesting and `kMostValues` values and names, which take up
+/// to 200 bytes each.
 ///
 ///     JsonFile file = JsonFile::read("tree.json");
 ///     file.expectKeys(file.root(), {"reference_mhz", "domains"});
@@ -51,6 +52,7 @@ struct JsonNode::Member {
 class TQ_WORKBENCH_EXPORT JsonFile {
 public:
     static constexpr std::size_t kMostLevels = 200;
+    static constexpr std::size_t kMostValues = 8'388'608;
 
     static JsonFile read(const std::string& path);
     static JsonFile parse(std::string path, std::string content);
