@@ -101,6 +101,25 @@ TEST(ClockReport, GivesTheFrequencyOfACrossingPeripheralThatTheLibraryReadsAsZer
     EXPECT_THAT(table.str(), HasSubstr("Solved at tolerance 0.001, sum of relative errors"));
 }
 
+TEST(ClockReport, GivesNoNumberForTheInfiniteClockOfANocRequestBeyondThePlls) {
+    const tq::ClockTree tree = read(R"({"plls": 4, "reference_mhz": 40, "domains": [
+        {"name": "A", "plls": [{"name": "P"}]}, {"name": "NOC_DOMAIN", "plls": [{"name": "Q",
+            "max_mhz": 2000, "noc": true}]}, {"name": "C", "plls": [{"name": "R"}]},
+        {"name": "D", "plls": [{"name": "S"}]}],
+        "peripherals": [{"name": "N", "domain": "NOC_DOMAIN", "mhz": 9704, "noc": true},
+            {"name": "U", "domain": "A", "mhz": 100}], "max_cross_mhz": 800})");
+    const auto solver = tq::buildClockSolver(tree);
+    ASSERT_TRUE(solver->runSolution());
+    std::ostringstream json;
+    tq::printClockJson(tq::makeClockReport(tree, *solver), json);
+    const auto parsed = tq::JsonFile::parse("out", json.str());
+    for (const char* list : {"plls", "peripherals"}) {
+        const auto& items = parsed.array(parsed.require(parsed.root(), list));
+        const auto& noc = items[list == std::string("plls") ? 1 : 0];
+        EXPECT_EQ(tq::JsonNode::Kind::Null, parsed.require(noc, "mhz").kind) << list;
+    }
+}
+
 TEST(ClockReport, NamesTheRequestThatIsOutOfReach) {
     const std::string program = HBS_PROGRAM;
     const std::string trees = TQ_SOURCE_DIR "/examples/clocks/";

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <ostream>
 
 #include "base/JsonWriter.h"
@@ -144,9 +145,14 @@ private:
         key(name).String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
     }
 
-    /// The shortest text that reads back as the same number of its own precision.
+    /// The shortest text that reads back as the same number of its own precision. Null for what
+    /// JSON has no number for: the clock of a PLL whose output divider is 0 is infinite.
     template <class Number>
     void number(const char* name, Number value) {
+        if (!std::isfinite(value)) {
+            key(name).Null();
+            return;
+        }
         std::array<char, 64> digits{};
         const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
         key(name).RawValue(digits.data(), static_cast<std::size_t>(end - digits.data()),
