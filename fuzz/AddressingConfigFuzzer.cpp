@@ -27,8 +27,13 @@ std::unique_ptr<HABMBlock> makeSubsystem() {
         unit.setEnablement("register_value(R) != 2");
         HABMAddrBlock& regs = *unit.createMemoryMap("m")->createAddrBlock("b");
         regs.setAperture({HABMAddrValue("0x1000"), HABMAddrValue("64K")});
-        regs.createRegister("R")->setValue(HABMAddrValue("0x1"));
-        unit.createAddrSpace("s")->createAddrSegment("g");
+        HABMRegister& reg = *regs.createRegister("R");
+        reg.setValue(HABMAddrValue("0x1"));
+        reg.setWidth(32);
+        unit.setParameter("P", "1", false);
+        HABMAddrSpace& space = *unit.createAddrSpace("s");
+        space.setRange(HABMAddrValue("4G"));
+        space.createAddrSegment("g")->setAperture({HABMAddrValue("0x0"), HABMAddrValue("2G")});
         HABMInterface& port = *unit.createInterface("S", false);
         port.setMemoryMapRef("m");
         port.setEnablement("$::" + std::string(name) + "::R < 9");
