@@ -93,6 +93,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Word{"hardblock",
                          {"hardblock", "DEVICE/sce/hardblocks/sorrel.json", "sorrel_ps", "--json"},
                          memory::Trial::Keeps::PartsToo},
+                    Word{"addressing", {"addressing", "tq.com:hb:ps:1.0", "--data", "TMP/."}},
                     Word{"cdo", {"cdo", "TMP/boot.cdo"}},
                     Word{"registers",
                          {"registers", "DEVICE/registers.xml", "--json"},
