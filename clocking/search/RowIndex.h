@@ -19,7 +19,7 @@ public:
     unsigned add(const float* row) {
         std::size_t slot = hashOf(row) & (m_slots.size() - 1);
         while (m_slots[slot] != 0) {
-            if (std::memcmp(at(m_slots[slot] - 1), row, m_length * sizeof(float)) == 0)
+            if (isAt(m_slots[slot] - 1, row))
                 return m_slots[slot] - 1;
             slot = (slot + 1) & (m_slots.size() - 1);
         }
@@ -40,6 +40,11 @@ public:
 
 private:
     static constexpr std::size_t kFirstSlots = 64; ///< a power of two, as are all later sizes
+
+    /// Rows of no errors are equal, and may have no address.
+    [[nodiscard]] bool isAt(unsigned number, const float* row) const {
+        return m_length == 0 || std::memcmp(at(number), row, m_length * sizeof(float)) == 0;
+    }
 
     [[nodiscard]] std::size_t hashOf(const float* row) const {
         std::uint64_t hash = 0;
