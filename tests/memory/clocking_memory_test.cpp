@@ -87,7 +87,9 @@ TEST_P(Clocks, AreSolvedOrTheCallerLearnsThatMemoryRanOut) {
                  .step = step});
 }
 
-INSTANTIATE_TEST_SUITE_P(, Clocks, testing::Values(Case{1, 1}, Case{2, 1}, Case{4, 1}, Case{6, 1}, Case{4, 2, 7}, Case{6, 2, 7}),
+INSTANTIATE_TEST_SUITE_P(, Clocks,
+                         testing::Values(Case{1, 1}, Case{2, 1}, Case{4, 1}, Case{6, 1},
+                                         Case{4, 2, 7}, Case{6, 2, 7}),
                          [](const auto& param) {
                              return std::to_string(param.param.pllCount) + "Plls" +
                                     std::to_string(param.param.threads) + "Threads";
