@@ -13,11 +13,11 @@ constexpr std::size_t kHeadPlaces = 3;
 } // namespace
 
 ChoiceTable::ChoiceTable(const SearchProblem& problem, const SourceTable& table, unsigned domain,
-                         const ErrorFront& front)
+                         const PriceRow& prices, const ErrorFront& front)
     : m_problem(problem), m_options(table.options(Role::Own2First)),
       m_stage(problem.combinations.stages()[domain - 1]),
-      m_looksAtHead(!m_stage.needs.empty() && !m_stage.headPlaces.empty()), m_front(front),
-      m_domain(domain), m_stride(table.domain(domain).stride),
+      m_looksAtHead(!m_stage.needs.empty() && !m_stage.headPlaces.empty()), m_prices(prices),
+      m_front(front), m_domain(domain), m_stride(table.domain(domain).stride),
       m_completion(table, domain, domain == 2 ? Role::Own2Second : Role::Own3First,
                    domain == 2 ? Role::Own2Second : Role::Own3Second, problem.tolerance),
       m_contexts(m_stride + kHeadPlaces), m_befores(m_stride + kHeadPlaces), m_results(m_stride) {}
@@ -30,7 +30,41 @@ unsigned ChoiceTable::contextOf(const ErrorRow& errors, const ChoiceHead& head) 
     key.push_back(0.0F);
     const unsigned context = m_contexts.add(key.data());
     m_entryOf.resize(m_contexts.size() * m_options.all.size());
+    if (m_floors.size() < m_entryOf.size())
+        addFloors(context);
     return context;
+}
+
+void ChoiceTable::addFloors(unsigned context) {
+    // What an option or a setting of the front leaves is at least the smaller of price and error,
+    // so these are prices too, and better ones where the context serves well.
+    PriceRow prices = m_prices;
+    PriceRow before = m_prices;
+    const float* const errors = m_contexts.at(context);
+    for (std::size_t i = 0; i < prices.size(); ++i) {
+        before[i] = std::fabs(errors[i]);
+        prices[i] = std::min(prices[i], before[i]);
+    }
+    constexpr double any = std::numeric_limits<double>::infinity();
+    const double least = m_front.least(prices, any);
+    const double leastBefore = m_front.least(before, any);
+    // The errors before may be far larger than the prices, for whose rounding the ceilings allow.
+    const double larger = 1.0 + static_cast<double>(m_stride + kLanes) * 0x1p-23;
+    for (const PllOption& option : m_options.all) {
+        const auto saving = static_cast<double>(savingOf(prices, option.errors[m_domain]));
+        const auto savingBefore = static_cast<double>(savingOf(before, option.errors[m_domain]));
+        m_floors.push_back(static_cast<float>(
+            std::max(least - saving, leastBefore / larger - savingBefore * larger)));
+    }
+}
+
+double ChoiceTable::floorOf(unsigned context, std::size_t option) {
+    return static_cast<double>(m_floors[context * m_options.all.size() + option]);
+}
+
+unsigned ChoiceTable::entryNumber(unsigned context, std::size_t option) {
+    static_cast<void>(entryOf(context, option));
+    return m_entryOf[context * m_options.all.size() + option];
 }
 
 ChoiceTable::Entry& ChoiceTable::entryOf(unsigned context, std::size_t option) {
@@ -73,10 +107,11 @@ double ChoiceTable::least(unsigned context, std::size_t option, double budget) {
     return entry.least;
 }
 
-std::span<const OwnChoice> ChoiceTable::choices(unsigned context, std::size_t option, double budget,
+std::span<const OwnChoice> ChoiceTable::choices(unsigned context, std::size_t option,
+                                                const ChoiceBudget& budget,
                                                 const ChoiceHead& head) {
     Entry& entry = entryOf(context, option);
-    if (entry.budget < budget) {
+    if (entry.budget < budget.sum) {
         setBefore(context, option);
         m_before.resize(m_stride);
         fill(entry, option, budget, head);
@@ -84,11 +119,12 @@ std::span<const OwnChoice> ChoiceTable::choices(unsigned context, std::size_t op
     return entry.choices;
 }
 
-void ChoiceTable::fill(Entry& entry, std::size_t option, double budget, const ChoiceHead& head) {
+void ChoiceTable::fill(Entry& entry, std::size_t option, const ChoiceBudget& budget,
+                       const ChoiceHead& head) {
     m_choicesKept -= entry.choices.size();
-    entry.choices.clear();
-    entry.budget = budget;
-    m_places.clear();
+    entry.budget = budget.sum;
+    m_lows.clear();
+    m_steps.clear();
     const CombinationTails tails(m_stage, head.muls);
     const MultiplierMask seconds = tails.seconds(m_options.all[option].mul); // of domain 2
     const auto goTogether = [&](const OwnSetting& setting) {
@@ -97,21 +133,69 @@ void ChoiceTable::fill(Entry& entry, std::size_t option, double budget, const Ch
         return !m_looksAtHead || tails.seconds(setting.first->mul).contains(setting.second->mul);
     };
     const bool withTwins = m_looksAtHead || !head.chunkStarts.empty();
-    m_front.forEachWithin(m_before, budget, withTwins, [&](const OwnSetting& setting) {
-        if (!goTogether(setting))
-            return;
-        m_errors = m_before;
-        takeBetter(m_errors, setting.first->errors[m_domain]);
-        if (setting.second != nullptr)
-            takeBetter(m_errors, setting.second->errors[m_domain]);
-        if (areAllServed(m_errors, m_problem.tolerance) && sumForBound(m_errors) <= budget)
-            add(entry, setting, segmentOf(setting, head));
+    m_front.forEachWithin(m_before, budget.sum, withTwins, [&](const OwnSetting& setting) {
+        if (goTogether(setting) && setErrors(setting) && sumForBound(m_errors) <= budget.sum)
+            keepLow(setting, segmentOf(setting, head), budget.room);
     });
-    std::sort(entry.choices.begin(), entry.choices.end(),
-              [](const OwnChoice& a, const OwnChoice& b) {
-                  return a.setting.place() < b.setting.place();
-              });
+    addLows(entry, budget.room);
     m_choicesKept += entry.choices.size();
+}
+
+bool ChoiceTable::setErrors(const OwnSetting& setting) {
+    m_errors = m_before;
+    takeBetter(m_errors, setting.first->errors[m_domain]);
+    if (setting.second != nullptr)
+        takeBetter(m_errors, setting.second->errors[m_domain]);
+    return areAllServed(m_errors, m_problem.tolerance);
+}
+
+void ChoiceTable::keepLow(const OwnSetting& setting, unsigned segment, double room) {
+    // Segments follow one another in the order of places. The front gives the best settings first,
+    // so that most others end here.
+    const Step own = {setting.place(), segment, exactSum(m_errors)};
+    auto behind =
+        std::upper_bound(m_steps.begin(), m_steps.end(), own.place,
+                         [](const auto& place, const Step& step) { return place < step.place; });
+    if (behind != m_steps.begin() && std::prev(behind)->segment == segment) {
+        const double before = std::prev(behind)->sum;
+        if (own.sum > before + room)
+            return;
+        if (own.sum >= before) {
+            m_lows.push_back({setting, own.sum, 0, segment});
+            return;
+        }
+    }
+    m_lows.push_back({setting, own.sum, 0, segment});
+    auto end = behind;
+    while (end != m_steps.end() && end->segment == segment && end->sum >= own.sum)
+        ++end;
+    m_steps.insert(m_steps.erase(behind, end), own);
+}
+
+void ChoiceTable::addLows(Entry& entry, double room) {
+    std::sort(m_lows.begin(), m_lows.end(), [](const OwnChoice& a, const OwnChoice& b) {
+        return a.setting.place() < b.setting.place();
+    });
+    entry.choices.clear();
+    double least = std::numeric_limits<double>::infinity();
+    const OwnChoice* last = nullptr;
+    std::size_t first = 0; // of the segment
+    for (OwnChoice& low : m_lows) {
+        if (last != nullptr && last->segment != low.segment) {
+            least = std::numeric_limits<double>::infinity();
+            first = entry.choices.size();
+        }
+        last = &low;
+        if (low.sum > least + room)
+            continue;
+        least = std::min(least, low.sum);
+        static_cast<void>(setErrors(low.setting));
+        low.row = m_results.add(m_errors.data());
+        if (std::none_of(entry.choices.begin() + static_cast<std::ptrdiff_t>(first),
+                         entry.choices.end(),
+                         [&](const OwnChoice& same) { return same.row == low.row; }))
+            entry.choices.push_back(low);
+    }
 }
 
 unsigned ChoiceTable::segmentOf(const OwnSetting& setting, const ChoiceHead& head) const {
@@ -132,23 +216,10 @@ unsigned ChoiceTable::segmentOf(const OwnSetting& setting, const ChoiceHead& hea
     return segment;
 }
 
-void ChoiceTable::add(Entry& entry, const OwnSetting& setting, unsigned segment) {
-    const unsigned row = m_results.add(m_errors.data());
-    const std::uint64_t key = (std::uint64_t{row} << 32U) | segment;
-    const auto [place, isNew] = m_places.try_emplace(key, entry.choices.size());
-    if (isNew) {
-        entry.choices.push_back({setting, exactSum(m_errors), row, segment});
-        return;
-    }
-    OwnSetting& same = entry.choices[place->second].setting;
-    if (setting.place() < same.place())
-        same = setting;
-}
-
 std::size_t ChoiceTable::bytes() const {
     return m_contexts.bytes() + m_befores.bytes() + m_results.bytes() +
-           m_entryOf.capacity() * sizeof(unsigned) + m_entries.capacity() * sizeof(Entry) +
-           m_choicesKept * sizeof(OwnChoice);
+           m_entryOf.capacity() * sizeof(unsigned) + m_floors.capacity() * sizeof(float) +
+           m_entries.capacity() * sizeof(Entry) + m_choicesKept * sizeof(OwnChoice);
 }
 
 void ChoiceTable::clear() {
@@ -156,6 +227,7 @@ void ChoiceTable::clear() {
     m_befores = RowIndex(m_stride + kHeadPlaces);
     m_results = RowIndex(m_stride);
     m_entryOf = {};
+    m_floors = {};
     m_entries = {};
     m_choicesKept = 0;
 }

@@ -10,7 +10,6 @@
 
 #include <array>
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 #include "clocking/search/ErrorFront.h"
@@ -37,23 +36,36 @@ struct ChoiceHead {
     std::span<const Combination> chunkStarts;
 };
 
+struct ChoiceBudget {
+    double sum = 0.0;
+    /// What the rounding of tuples' sums may hide: so much may a choice be worse than one before
+    /// it.
+    double room = 0.0;
+};
+
 /// Used by one thread.
 class ChoiceTable {
 public:
     /// All must outlive the table.
     ChoiceTable(const SearchProblem& problem, const SourceTable& table, unsigned domain,
-                const ErrorFront& front);
+                const PriceRow& prices, const ErrorFront& front);
 
     /// A number for the errors that a context leaves.
     [[nodiscard]] unsigned contextOf(const ErrorRow& errors, const ChoiceHead& head);
-    /// A number that no sum lies below behind a context and an option of domain 2's first PLL; the
-    /// least sum, rounded, if that is within the budget.
+    /// A number that no sum lies below behind a context and an option of domain 2's first PLL: the
+    /// Lagrangian bound with the context's errors for prices where they are lower.
+    [[nodiscard]] double floorOf(unsigned context, std::size_t option);
+    /// A better one, which costs more: the least sum, rounded, if that is within the budget.
     [[nodiscard]] double least(unsigned context, std::size_t option, double budget);
-    /// All settings that go with the head, serve the domain and give a sum of at most `budget`, and
-    /// maybe more, in the order of the enumeration. Of those of a segment that end in the same
-    /// errors only the first is here. Valid until the next call.
+    /// The settings that go with the head, serve the domain and give a sum within the budget, and
+    /// maybe more, in the order of the enumeration. With all else the same, only a choice that is
+    /// better than those before it in its segment can win: others are left out, and of those that
+    /// end in the same errors all but the first. Valid until the next call.
     [[nodiscard]] std::span<const OwnChoice> choices(unsigned context, std::size_t option,
-                                                     double budget, const ChoiceHead& head);
+                                                     const ChoiceBudget& budget,
+                                                     const ChoiceHead& head);
+    /// Equal numbers mean equal choices.
+    [[nodiscard]] unsigned entryNumber(unsigned context, std::size_t option);
     [[nodiscard]] const float* errors(unsigned row) const { return m_results.at(row); }
 
     [[nodiscard]] std::size_t bytes() const;
@@ -67,16 +79,27 @@ private:
         std::vector<OwnChoice> choices;
     };
 
+    /// The least sums so far by place: what has to be undercut.
+    struct Step {
+        std::array<unsigned, 4> place;
+        unsigned segment;
+        double sum;
+    };
+
     [[nodiscard]] Entry& entryOf(unsigned context, std::size_t option);
+    void addFloors(unsigned context);
     void setBefore(unsigned context, std::size_t option);
-    void fill(Entry& entry, std::size_t option, double budget, const ChoiceHead& head);
-    void add(Entry& entry, const OwnSetting& setting, unsigned segment);
+    void fill(Entry& entry, std::size_t option, const ChoiceBudget& budget, const ChoiceHead& head);
+    [[nodiscard]] bool setErrors(const OwnSetting& setting);
+    void keepLow(const OwnSetting& setting, unsigned segment, double room);
+    void addLows(Entry& entry, double room);
     [[nodiscard]] unsigned segmentOf(const OwnSetting& setting, const ChoiceHead& head) const;
 
     const SearchProblem& m_problem;
     const PllOptions& m_options; ///< of domain 2's first PLL
     const CombinationStage& m_stage;
     bool m_looksAtHead; ///< whether the domain's combinations depend on the head
+    const PriceRow& m_prices;
     const ErrorFront& m_front;
     unsigned m_domain;
     std::size_t m_stride;
@@ -86,10 +109,12 @@ private:
     RowIndex m_results;              ///< errors
     std::vector<unsigned> m_entryOf; ///< by context and option: number of the entry + 1
     std::vector<Entry> m_entries;    ///< by number in `m_befores`
+    std::vector<float> m_floors;     ///< by context and option
     std::size_t m_choicesKept = 0;
     ErrorRow m_before;
     ErrorRow m_errors;
-    std::unordered_map<std::uint64_t, std::size_t> m_places; ///< in a list, by row and segment
+    std::vector<OwnChoice> m_lows; ///< of the list that is being filled
+    std::vector<Step> m_steps;
 };
 
 } // namespace hbs_clocking

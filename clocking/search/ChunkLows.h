@@ -47,6 +47,8 @@ public:
     /// Whether the sums within the limit tell the winner. If not, a wider band must be searched.
     [[nodiscard]] bool isDecided() const;
     [[nodiscard]] std::optional<NearMinimum::Winner> winner() const;
+    /// The smallest sum offered; infinite before any.
+    [[nodiscard]] double lowest() const { return m_lowest; }
 
 private:
     [[nodiscard]] unsigned chunkAt(const Combination& muls) const;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "clocking/search/ServiceMask.h"
+
 namespace hbs_clocking {
 
 namespace {
@@ -10,6 +12,18 @@ namespace {
     if (a.bound != b.bound)
         return a.bound > b.bound;
     return a.main != b.main ? a.main > b.main : a.noc > b.noc;
+}
+
+using Masks = std::vector<ServiceMask>;
+
+/// What each option leaves unserved in a domain.
+[[nodiscard]] Masks masksOf(const SearchProblem& problem, const SourceTable& table,
+                            const PllOptions& options, unsigned domain) {
+    Masks masks;
+    for (const PllOption& option : options.all)
+        masks.push_back(ServiceMask::unserved(
+            option.errors[domain], table.domain(domain).positions.size(), problem.tolerance));
+    return masks;
 }
 
 } // namespace
@@ -21,17 +35,21 @@ ContextQueue::ContextQueue(const SearchProblem& problem, const SourceTable& tabl
     const PllOptions& nocs = table.options(Role::Noc);
     const double rest = bound.sumOfPrices() - bound.ownSavings();
     double bestNoc = 0.0;
-    for (std::size_t j = 0; j < nocs.all.size(); ++j)
-        bestNoc = std::max(bestNoc, bound.saving(Role::Noc, j));
+    for (const PllOption& noc : nocs.all)
+        bestNoc = std::max(bestNoc, static_cast<double>(noc.saving));
+    const Masks mainMasks = masksOf(problem, table, mains, 0);
+    const Masks nocMasks = masksOf(problem, table, nocs, 0);
+    const Masks alone = masksOf(problem, table, nocs, 1);
     for (std::size_t i = 0; i < mains.all.size(); ++i) {
         const PllOption& main = mains.all[i];
-        const double behindMain = rest - bound.saving(Role::Main, i);
+        const double behindMain = rest - static_cast<double>(main.saving);
         if (behindMain - bestNoc > ceiling)
             continue;
         const MultiplierMask allowed = tails.seconds(main.mul);
         for (std::size_t j = 0; j < nocs.all.size(); ++j) {
-            const double least = behindMain - bound.saving(Role::Noc, j);
-            if (least <= ceiling && allowed.contains(nocs.all[j].mul))
+            const double least = behindMain - static_cast<double>(nocs.all[j].saving);
+            if (least <= ceiling && allowed.contains(nocs.all[j].mul) && alone[j].isEmpty() &&
+                !mainMasks[i].overlaps(nocMasks[j]))
                 m_heap.push_back({least, &main, &nocs.all[j]});
         }
     }

@@ -13,27 +13,6 @@ namespace {
 /// Beyond this all that was remembered is forgotten, at the price of searching some of it again.
 constexpr std::size_t kMostBytes = 3U << 20U;
 
-/// Tells which choices of a list, in its order, may matter: with all else the same, a choice must
-/// be better than those before it in its segment, by as much as the rounding of the sums may hide.
-class LowSums {
-public:
-    explicit LowSums(double room) : m_room(room) {}
-
-    [[nodiscard]] bool take(const OwnChoice& choice) {
-        if (choice.segment != m_segment)
-            m_least = std::numeric_limits<double>::infinity();
-        m_segment = choice.segment;
-        const bool isLow = choice.sum <= m_least + m_room;
-        m_least = std::min(m_least, choice.sum);
-        return isLow;
-    }
-
-private:
-    double m_room;
-    double m_least = std::numeric_limits<double>::infinity();
-    unsigned m_segment = 0;
-};
-
 } // namespace
 
 ContextSearch::ContextSearch(const SearchProblem& problem, const SourceTable& table,
@@ -41,7 +20,8 @@ ContextSearch::ContextSearch(const SearchProblem& problem, const SourceTable& ta
     : m_problem(problem), m_table(table), m_bound(bound), m_own(own), m_lows(lows),
       m_places(problem.requests.size()),
       m_completion2(table, 2, Role::Own2First, Role::Own2Second, problem.tolerance),
-      m_choices2(problem, table, 2, own.seconds), m_choices3(problem, table, 3, own.pairs),
+      m_choices2(problem, table, 2, bound.prices(2), own.seconds),
+      m_choices3(problem, table, 3, bound.prices(3), own.pairs),
       m_nearRows(table.domain(0).stride + table.domain(1).stride) {
     assert(!problem.combinations.stages()[2].looksAt(indexOf(Role::Own2Second)));
     for (unsigned domain = 0; domain < kDomains; ++domain) {
@@ -67,6 +47,7 @@ void ContextSearch::fillLeast() {
 void ContextSearch::search(const PllOption& main, const PllOption& noc) {
     SearchInterruption::raiseIfRequested();
     forgetIfLarge();
+    ++m_effort;
     if (!enter(main, noc) || isDominated())
         return;
     m_seen.clear();
@@ -80,14 +61,18 @@ bool ContextSearch::enter(const PllOption& main, const PllOption& noc) {
     if (!fillErrors())
         return false;
     m_context.nearSum = sumForBound(m_context.errors[0]) + sumForBound(m_context.errors[1]);
-    m_context.certain = {m_own.seconds.certain(m_context.errors[2]),
-                         m_own.pairs.certain(m_context.errors[3])};
     const double limit = m_lows.limitBehind(m_context.head.muls, 2);
-    m_context.ceiling = m_bound.ceilingOf(limit);
-    const double certain = m_context.nearSum + m_context.certain[0] + m_context.certain[1];
+    setLimit(limit);
+    const double certain = m_context.nearSum + m_own.seconds.certain(m_context.errors[2]) +
+                           m_own.pairs.certain(m_context.errors[3]);
     return certain - m_bound.ownSavings() <= m_context.ceiling &&
            static_cast<double>(floorOfSums()) <= limit &&
            m_completion2.isPossible(m_context.errors[2]);
+}
+
+void ContextSearch::setLimit(double limit) {
+    m_context.ceiling = m_bound.ceilingOf(limit);
+    m_context.most = limit + m_bound.roundingOf(limit);
 }
 
 bool ContextSearch::fillErrors() {
@@ -122,38 +107,45 @@ bool ContextSearch::isDominated() {
                          m_choices3.contextOf(m_context.errors[3], m_context.head)};
     ErrorRow near = m_context.errors[0];
     near.insert(near.end(), m_context.errors[1].begin(), m_context.errors[1].end());
-    const std::array<unsigned, 4> key = {m_nearRows.add(near.data()), m_context.numbers[0],
-                                         m_context.numbers[1], chunk};
-    // Why the earlier context's search stands for this one, though it may have cut what this one
-    // would not: limits never rise. The limit behind an earlier place was then at least what it is
-    // behind this place now, so whatever may matter here was within it there, was offered at an
-    // earlier place, and an equal sum later in the same chunk is no record low.
-    // The place is in the order of the enumeration for tuples that are the same in all else.
-    const std::array<unsigned, 5> place = {main->mul, noc->mul, 8U - main->div, 4U - main->cross,
-                                           4U - noc->cross};
-    const auto [entry, isNew] = m_searched.try_emplace(key, place);
-    if (!isNew && entry->second <= place)
-        return true;
-    entry->second = place;
-    return false;
+    m_context.nearNumber = m_nearRows.add(near.data());
+    return !m_searched.isFirst(
+        {m_context.nearNumber, m_context.numbers[0], m_context.numbers[1], chunk},
+        {main->mul, noc->mul, 8U - main->div, 4U - main->cross, 4U - noc->cross});
 }
 
 void ContextSearch::searchGroup(const OwnPlls::Group& group) {
     SearchInterruption::raiseIfRequested();
     const Context& context = m_context;
-    const double rest3 = context.certain[1] - m_own.bestPair;
-    const double rest = context.nearSum + rest3 - group.acrossSaving;
-    if (rest + context.certain[0] - group.saving - m_own.bestSecond > context.ceiling)
+    const auto& [number2, number3] = context.numbers;
+    ++m_effort;
+    double floor3 = std::numeric_limits<double>::infinity();
+    for (std::size_t option = group.begin; option < group.end; ++option)
+        floor3 = std::min(floor3, m_choices3.floorOf(number3, option));
+    const double floor2 = m_choices2.floorOf(number2, group.begin);
+    if (context.nearSum + floor2 + floor3 > context.ceiling)
         return;
-    const double least2 = m_choices2.least(context.numbers[0], group.begin, context.ceiling - rest);
+    const double least2 =
+        m_choices2.least(number2, group.begin, context.ceiling - context.nearSum - floor3);
     for (std::size_t option = group.begin; option < group.end; ++option) {
-        const double sum = context.nearSum + least2;
-        if (sum + rest3 - m_own.acrossSavings[option] > context.ceiling)
+        if (context.nearSum + least2 + m_choices3.floorOf(number3, option) > context.ceiling)
             continue;
-        const double least3 = m_choices3.least(context.numbers[1], option, context.ceiling - sum);
-        if (sum + least3 <= context.ceiling)
+        m_effort += 4;
+        const double most3 = context.most - context.nearSum - least2;
+        const double least3 = m_choices3.least(number3, option, most3);
+        if (least3 <= most3)
             combine(group, option, least2, least3);
     }
+}
+
+bool ContextSearch::isDominated(const OwnPlls::Group& group, std::size_t option) {
+    const PllOption& own = m_table.options(Role::Own2First).all[option];
+    const auto& [main, noc] = m_context.plls;
+    const std::array<unsigned, 4> key = {m_context.nearNumber,
+                                         m_choices2.entryNumber(m_context.numbers[0], group.begin),
+                                         m_choices3.entryNumber(m_context.numbers[1], option),
+                                         m_lows.chunkOf(m_context.head.muls, 3)};
+    return !m_combined.isFirst(key, {main->mul, noc->mul, own.mul, 8U - main->div, 8U - own.div,
+                                     4U - main->cross, 4U - noc->cross, 4U - own.cross});
 }
 
 void ContextSearch::combine(const OwnPlls::Group& group, std::size_t option, double least2,
@@ -161,31 +153,27 @@ void ContextSearch::combine(const OwnPlls::Group& group, std::size_t option, dou
     const PllOption& own = m_table.options(Role::Own2First).all[option];
     ChoiceHead& head = m_context.head;
     head.muls[2] = own.mul;
+    const double limit = m_lows.limitBehind(head.muls, 3);
+    const double rounding = m_bound.roundingOf(limit);
+    const double most = limit + rounding - m_context.nearSum;
+    if (least2 + least3 > most || isDominated(group, option))
+        return;
+    m_effort += 10;
     head.chunkStarts = m_lows.startsWithin(head.muls, 3);
-    const double budget = m_context.ceiling - m_context.nearSum;
-    const auto seconds =
-        m_choices2.choices(m_context.numbers[0], group.begin, budget - least3, head);
+    const auto seconds = m_choices2.choices(m_context.numbers[0], group.begin,
+                                            {most - least3, 2.0 * rounding}, head);
     if (seconds.empty())
         return;
-    const auto pairs = m_choices3.choices(m_context.numbers[1], option, budget - least2, head);
-    if (pairs.empty())
-        return;
-    double limit = m_lows.limitBehind(head.muls, 3);
-    const double rounding = m_bound.roundingOf(limit);
-    limit += rounding;
+    const auto pairs =
+        m_choices3.choices(m_context.numbers[1], option, {most - least2, 2.0 * rounding}, head);
     const double near = exactSum(m_context.errors[0]) + exactSum(m_context.errors[1]);
     const std::uint64_t evaluated = m_evaluated;
-    LowSums lows2(2.0 * rounding);
-    for (const OwnChoice& second : seconds) {
-        if (!lows2.take(second))
-            continue;
-        LowSums lows3(2.0 * rounding);
+    for (const OwnChoice& second : seconds)
         for (const OwnChoice& pair : pairs)
-            if (lows3.take(pair) && near + second.sum + pair.sum <= limit)
+            if (near + second.sum + pair.sum <= limit + rounding)
                 offer(own, second, pair);
-    }
     if (m_evaluated != evaluated)
-        m_context.ceiling = m_bound.ceilingOf(m_lows.limitBehind(head.muls, 2));
+        setLimit(m_lows.limitBehind(head.muls, 2));
 }
 
 void ContextSearch::offer(const PllOption& own, const OwnChoice& second, const OwnChoice& pair) {
@@ -233,15 +221,15 @@ float ContextSearch::sumOf(const OwnChoice& second, const OwnChoice& pair) const
 }
 
 void ContextSearch::forgetIfLarge() {
-    constexpr std::size_t bytesPerContext = 100; // of the map
-    if (m_choices2.bytes() + m_choices3.bytes() + m_nearRows.bytes() +
-            m_searched.size() * bytesPerContext <
+    if (m_choices2.bytes() + m_choices3.bytes() + m_nearRows.bytes() + m_searched.bytes() +
+            m_combined.bytes() <
         kMostBytes)
         return;
     m_choices2.clear();
     m_choices3.clear();
     m_nearRows = RowIndex(m_table.domain(0).stride + m_table.domain(1).stride);
     m_searched.clear();
+    m_combined.clear();
 }
 
 } // namespace hbs_clocking

@@ -7,9 +7,9 @@
 // both are combined.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
-#include <map>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -19,6 +19,43 @@
 #include "clocking/search/OwnPlls.h"
 
 namespace hbs_clocking {
+
+/// The earliest place at which each of some keys was met.
+template <std::size_t N>
+class FirstPlaces {
+public:
+    using Key = std::array<unsigned, 4>;
+    using Place = std::array<std::uint8_t, N>;
+
+    /// Whether no earlier place had this key. Remembers the place if so.
+    [[nodiscard]] bool isFirst(const Key& key, const std::array<unsigned, N>& place) {
+        Place narrow;
+        std::transform(place.begin(), place.end(), narrow.begin(),
+                       [](unsigned part) { return static_cast<std::uint8_t>(part); });
+        const auto [entry, isNew] = m_places.try_emplace(key, narrow);
+        if (!isNew && entry->second <= narrow)
+            return false;
+        entry->second = narrow;
+        return true;
+    }
+    [[nodiscard]] std::size_t bytes() const {
+        return m_places.size() * (sizeof(Key) + sizeof(Place) + 3 * sizeof(void*));
+    }
+    void clear() { m_places.clear(); }
+
+private:
+    struct Hash {
+        std::size_t operator()(const Key& key) const {
+            std::uint64_t hash = 0;
+            for (const unsigned part : key) {
+                hash = (hash ^ part) * 0x9E3779B97F4A7C15U;
+                hash ^= hash >> 29U;
+            }
+            return static_cast<std::size_t>(hash);
+        }
+    };
+    std::unordered_map<Key, Place, Hash> m_places;
+};
 
 /// Searches contexts one after the other and offers the sums that may decide the winner. One object
 /// per thread.
@@ -31,6 +68,9 @@ public:
 
     /// Tuples whose sum was offered.
     [[nodiscard]] std::uint64_t evaluatedTuples() const { return m_evaluated; }
+    /// What was looked at so far: contexts, options of the first own PLL and choices, some 100 ns
+    /// each.
+    [[nodiscard]] std::uint64_t effort() const { return m_effort; }
 
 private:
     /// The context under way.
@@ -38,10 +78,11 @@ private:
         std::array<const PllOption*, 2> plls{}; ///< main and NOC
         std::array<ErrorRow, kDomains> errors;  ///< that these two leave
         double nearSum = 0.0;                   ///< of domains 0 and 1
-        std::array<double, 2> certain{};        ///< of domains 2 and 3, before any saving
+        unsigned nearNumber = 0;                ///< of the errors of domains 0 and 1
         std::array<unsigned, 2> numbers{};      ///< in the tables of domains 2 and 3
         ChoiceHead head;
         double ceiling = 0.0; ///< bounds above this are of no interest
+        double most = 0.0;    ///< nor are sums of errors, in whatever order, above this
     };
     /// Where a pair of rows of domains 2 and 3 was met first in the enumeration, and their sum.
     struct Seen {
@@ -50,6 +91,7 @@ private:
     };
 
     [[nodiscard]] bool enter(const PllOption& main, const PllOption& noc);
+    void setLimit(double limit);
     [[nodiscard]] bool fillErrors();
     void fillLeast();
     /// The sum of what each peripheral gets at least behind this context, rounded as a tuple's sum.
@@ -60,6 +102,8 @@ private:
     /// of this one at earlier places.
     [[nodiscard]] bool isDominated();
     void searchGroup(const OwnPlls::Group& group);
+    /// The same with an option of the first own PLL of domain 2.
+    [[nodiscard]] bool isDominated(const OwnPlls::Group& group, std::size_t option);
     void combine(const OwnPlls::Group& group, std::size_t option, double least2, double least3);
     void offer(const PllOption& own, const OwnChoice& second, const OwnChoice& pair);
     [[nodiscard]] Tuple tupleOf(const PllOption& own, const OwnChoice& second,
@@ -80,10 +124,13 @@ private:
     Context m_context;
     RowIndex m_nearRows; ///< errors of domains 0 and 1
     /// By near errors, contexts of both tables and chunk: the earliest context that had them.
-    std::map<std::array<unsigned, 4>, std::array<unsigned, 5>> m_searched;
+    FirstPlaces<5> m_searched;
+    /// By near errors, entries of both tables and chunk: the same with the first own PLL.
+    FirstPlaces<8> m_combined;
     /// Of the context, by rows of domains 2 and 3 and chunk.
     std::unordered_map<std::uint64_t, Seen> m_seen;
     std::uint64_t m_evaluated = 0;
+    std::uint64_t m_effort = 0;
 };
 
 } // namespace hbs_clocking

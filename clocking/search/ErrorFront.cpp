@@ -24,7 +24,7 @@ constexpr unsigned kMostLevels = 8;
 } // namespace
 
 void ErrorFront::add(const OwnSetting& setting, double least) {
-    const double saving = savingOf(setting);
+    const double saving = savingOf(m_prices, setting);
     if (saving < least)
         return;
     m_nodes.push_back({setting, saving, hashOf(setting), 0, false});
@@ -119,6 +119,14 @@ std::size_t ErrorFront::hashOf(const OwnSetting& setting) const {
     return static_cast<std::size_t>(hash);
 }
 
+double ErrorFront::largestSaving(const PriceRow& prices) const {
+    // Lower prices save less, and a dominated setting saves no more than its leader.
+    double largest = 0.0;
+    for (std::size_t i = 0; i < m_nodes.size() && m_nodes[i].saving > largest; i = m_nodes[i].end)
+        largest = std::max(largest, savingOf(prices, m_nodes[i].setting));
+    return largest;
+}
+
 double ErrorFront::least(const ErrorRow& before, double budget) const {
     const double sumBefore = certain(before);
     double least = std::numeric_limits<double>::infinity();
@@ -143,15 +151,14 @@ double ErrorFront::sumOfSmaller(const float* before, const float* first,
     return static_cast<double>((lanes[0] + lanes[1]) + (lanes[2] + lanes[3]));
 }
 
-double ErrorFront::savingOf(const OwnSetting& setting) const {
+double ErrorFront::savingOf(const PriceRow& prices, const OwnSetting& setting) const {
     const float* const first = firstErrors(setting);
     const float* const second = secondErrors(setting);
     std::array<float, kLanes> lanes{};
-    for (std::size_t i = 0; i < m_prices.size(); i += kLanes)
+    for (std::size_t i = 0; i < prices.size(); i += kLanes)
         for (std::size_t lane = 0; lane < kLanes; ++lane)
-            lanes[lane] +=
-                std::max(0.0F, m_prices[i + lane] - std::min(std::fabs(first[i + lane]),
-                                                             std::fabs(second[i + lane])));
+            lanes[lane] += std::max(0.0F, prices[i + lane] - std::min(std::fabs(first[i + lane]),
+                                                                      std::fabs(second[i + lane])));
     return static_cast<double>((lanes[0] + lanes[1]) + (lanes[2] + lanes[3]));
 }
 

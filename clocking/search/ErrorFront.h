@@ -53,6 +53,8 @@ public:
     [[nodiscard]] double certain(const ErrorRow& before) const {
         return sumOfSmaller(before.data(), m_prices.data(), m_prices.data());
     }
+    /// What a setting saves at most at these prices, none of which is above the front's own.
+    [[nodiscard]] double largestSaving(const PriceRow& prices) const;
     /// A number that no setting's sum behind `before` lies below; the least sum itself if that is
     /// within the budget. Infinite for an empty front.
     [[nodiscard]] double least(const ErrorRow& before, double budget) const;
@@ -95,7 +97,7 @@ private:
     }
     [[nodiscard]] double sumOfSmaller(const float* before, const float* first,
                                       const float* second) const;
-    [[nodiscard]] double savingOf(const OwnSetting& setting) const;
+    [[nodiscard]] double savingOf(const PriceRow& prices, const OwnSetting& setting) const;
     [[nodiscard]] std::size_t hashOf(const OwnSetting& setting) const;
     [[nodiscard]] bool isClear(const OwnSetting& setting) const;
     [[nodiscard]] bool areTwins(const Node& a, const Node& b) const;

@@ -4,55 +4,58 @@
 
 namespace hbs_clocking {
 
+template <class Action>
+void OwnPlls::forEachPair(const SearchProblem& problem, const SourceTable& table, double least,
+                          const Action& action) {
+    const std::vector<PllOption>& others = table.options(Role::Own3Second).all;
+    float bestOther = 0.0F;
+    for (const PllOption& other : others)
+        bestOther = std::max(bestOther, other.saving);
+    const CombinationTails tails(problem.combinations.stages()[2]);
+    for (const PllOption& first : table.options(Role::Own3First).all) {
+        const double missing = least - static_cast<double>(first.saving);
+        if (missing > static_cast<double>(bestOther))
+            continue;
+        const MultiplierMask allowed = tails.seconds(first.mul);
+        for (const PllOption& other : others)
+            if (static_cast<double>(other.saving) >= missing && allowed.contains(other.mul))
+                action(OwnSetting{&first, &other});
+    }
+}
+
 OwnPlls::OwnPlls(const SearchProblem& problem, const SourceTable& table, const PriceBound& bound,
                  double ceiling)
     : seconds(2, bound.prices(2)), pairs(3, bound.prices(3)) {
-    addGroups(table, bound);
-    const PllOptions& options = table.options(Role::Own2Second);
-    for (std::size_t i = 0; i < options.all.size(); ++i) {
-        bestSecond = std::max(bestSecond, bound.saving(Role::Own2Second, i));
-        seconds.add({&options.all[i], nullptr}, 0.0);
-    }
+    addGroups(table);
+    for (const PllOption& second : table.options(Role::Own2Second).all)
+        seconds.add({&second, nullptr}, 0.0);
     seconds.arrange();
-    bestPair = bound.ownSavings(3);
-    // What all others save at most leaves a pair this much to save.
-    addPairs(problem, table, bound, bound.lowest() + bestPair - ceiling);
+    const double least = leastSaving(bound, ceiling);
+    forEachPair(problem, table, least,
+                [&](const OwnSetting& setting) { pairs.add(setting, least); });
+    pairs.arrange();
 }
 
-void OwnPlls::addGroups(const SourceTable& table, const PriceBound& bound) {
+std::size_t OwnPlls::countPairs(const SearchProblem& problem, const SourceTable& table,
+                                const PriceBound& bound, double ceiling) {
+    std::size_t count = 0;
+    forEachPair(problem, table, leastSaving(bound, ceiling), [&](const OwnSetting&) { ++count; });
+    return count;
+}
+
+double OwnPlls::leastSaving(const PriceBound& bound, double ceiling) {
+    return bound.lowest() + bound.ownSavings(3) - ceiling;
+}
+
+void OwnPlls::addGroups(const SourceTable& table) {
     const std::vector<PllOption>& options = table.options(Role::Own2First).all;
     for (std::size_t i = 0; i < options.size(); ++i) {
-        const PllOption& own = options[i];
-        const auto across = static_cast<double>(savingOf(bound.prices(3), own.errors[3]));
-        acrossSavings.push_back(across);
-        if (i != 0 && own.mul == options[i - 1].mul && own.div == options[i - 1].div) {
+        if (i != 0 && options[i].errors[2] == options[i - 1].errors[2] &&
+            options[i].mul == options[i - 1].mul)
             groups.back().end = i + 1;
-            groups.back().acrossSaving = std::max(groups.back().acrossSaving, across);
-            continue;
-        }
-        const auto saving = static_cast<double>(savingOf(bound.prices(2), own.errors[2]));
-        groups.push_back({i, i + 1, saving, across});
+        else
+            groups.push_back({i, i + 1});
     }
-}
-
-void OwnPlls::addPairs(const SearchProblem& problem, const SourceTable& table,
-                       const PriceBound& bound, double least) {
-    const std::vector<PllOption>& firsts = table.options(Role::Own3First).all;
-    const std::vector<PllOption>& others = table.options(Role::Own3Second).all;
-    double bestOther = 0.0;
-    for (std::size_t i = 0; i < others.size(); ++i)
-        bestOther = std::max(bestOther, bound.saving(Role::Own3Second, i));
-    const CombinationTails tails(problem.combinations.stages()[2]);
-    for (std::size_t i = 0; i < firsts.size(); ++i) {
-        const double missing = least - bound.saving(Role::Own3First, i);
-        if (missing > bestOther)
-            continue;
-        const MultiplierMask allowed = tails.seconds(firsts[i].mul);
-        for (std::size_t j = 0; j < others.size(); ++j)
-            if (bound.saving(Role::Own3Second, j) >= missing && allowed.contains(others[j].mul))
-                pairs.add({&firsts[i], &others[j]}, least);
-    }
-    pairs.arrange();
 }
 
 } // namespace hbs_clocking

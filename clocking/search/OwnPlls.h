@@ -13,25 +13,28 @@ struct OwnPlls {
     OwnPlls(const SearchProblem& problem, const SourceTable& table, const PriceBound& bound,
             double ceiling);
 
-    /// Options of the first own PLL of domain 2 that differ in the cross-domain divider only.
+    /// How many pairs of domain 3 it would look at.
+    [[nodiscard]] static std::size_t countPairs(const SearchProblem& problem,
+                                                const SourceTable& table, const PriceBound& bound,
+                                                double ceiling);
+
+    /// Options of the first own PLL of domain 2 that are the same in that domain.
     struct Group {
         std::size_t begin;
         std::size_t end;
-        double saving;       ///< in domain 2
-        double acrossSaving; ///< in domain 3, the largest
     };
 
     std::vector<Group> groups;
-    std::vector<double> acrossSavings; ///< by option of the first own PLL of domain 2
-    ErrorFront seconds;                ///< of the second own PLL of domain 2
-    ErrorFront pairs;                  ///< of the own PLLs of domain 3
-    double bestSecond = 0.0;           ///< what a setting of `seconds` saves at most
-    double bestPair = 0.0;             ///< and what one of `pairs` does
+    ErrorFront seconds; ///< of the second own PLL of domain 2
+    ErrorFront pairs;   ///< of the own PLLs of domain 3
 
 private:
-    void addGroups(const SourceTable& table, const PriceBound& bound);
-    void addPairs(const SearchProblem& problem, const SourceTable& table, const PriceBound& bound,
-                  double least);
+    void addGroups(const SourceTable& table);
+    /// What all others save at most leaves a pair of domain 3 this much to save.
+    [[nodiscard]] static double leastSaving(const PriceBound& bound, double ceiling);
+    template <class Action>
+    static void forEachPair(const SearchProblem& problem, const SourceTable& table, double least,
+                            const Action& action);
 };
 
 } // namespace hbs_clocking

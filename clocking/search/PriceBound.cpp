@@ -7,7 +7,12 @@ namespace hbs_clocking {
 
 namespace {
 
-constexpr unsigned kRounds = 30;
+constexpr unsigned kFirstRounds = 30;
+constexpr unsigned kMoreRounds = 60;
+/// More rounds are worth while if they take this part of the gap to the best sum known.
+constexpr double kWorthwhile = 0.25;
+/// Not if it is this close: then the sums lie close to one another, and no bound tells them apart.
+constexpr double kGoodEnough = 2e-4;
 /// How far above the least that a peripheral can have its price starts, as a part of the tolerance.
 constexpr float kFirstRaise = 0.3F;
 /// How far above the best sum known a round aims.
@@ -35,10 +40,25 @@ PriceBound::PriceBound(const SearchProblem& problem, const SourceTable& table)
     for (unsigned role = 0; role < kRoles; ++role) {
         const std::size_t count = table.options(static_cast<Role>(role)).all.size();
         m_savings[role].resize(count);
-        m_farSavings[role].resize(count);
     }
     m_prices = firstPrices();
-    improve();
+    if (table.lacksOptions()) {
+        m_lowest = std::numeric_limits<double>::infinity();
+        return;
+    }
+    const double worst = static_cast<double>(problem.tolerance) *
+                         static_cast<double>(problem.requests.size()) * (1 + m_roundingFactor);
+    m_ascent = {worst, worst, -std::numeric_limits<double>::infinity(), m_prices};
+    climb(worst, kFirstRounds);
+}
+
+bool PriceBound::raise(double known) {
+    const double before = m_lowest;
+    m_ascent.capped = std::min(m_ascent.capped, known);
+    m_ascent.reach = 1.0;
+    climb(known, kMoreRounds);
+    const double gap = known - before;
+    return gap > kGoodEnough * known && m_lowest - before >= kWorthwhile * gap;
 }
 
 PriceBound::Prices PriceBound::firstPrices() const {
@@ -57,21 +77,15 @@ PriceBound::Prices PriceBound::firstPrices() const {
     return prices;
 }
 
-void PriceBound::improve() {
+void PriceBound::climb(double known, unsigned rounds) {
     // The subgradient method: the bound is concave in the prices, and the spare servers of the
     // favourites say in which direction it rises.
-    if (m_table.lacksOptions()) {
-        m_lowest = std::numeric_limits<double>::infinity();
-        return;
-    }
-    const double worst = static_cast<double>(m_problem.tolerance) *
-                         static_cast<double>(m_problem.requests.size()) * (1 + m_roundingFactor);
-    Ascent ascent{worst, worst, -std::numeric_limits<double>::infinity(), m_prices};
-    for (unsigned round = 0; round < kRounds; ++round) {
+    Ascent& ascent = m_ascent;
+    for (unsigned round = 0; round < rounds; ++round) {
         evaluate();
-        if (m_lowest > ceilingOf(worst))
-            return; // no sum is this large: the step has no solution
-        keepBest(ascent);
+        if (m_lowest > ceilingOf(known))
+            return; // the step has no sum this small, nor any at all if it must be
+        keepBest();
         const Favourites favourites = pickFavourites();
         const Service service = serviceOf(favourites);
         ascent.capped = std::min(ascent.capped, service.capped);
@@ -92,7 +106,8 @@ void PriceBound::improve() {
     evaluate();
 }
 
-void PriceBound::keepBest(Ascent& ascent) {
+void PriceBound::keepBest() {
+    Ascent& ascent = m_ascent;
     if (m_lowest > ascent.lowest) {
         ascent.lowest = m_lowest;
         ascent.prices = m_prices;
@@ -105,8 +120,9 @@ void PriceBound::keepBest(Ascent& ascent) {
 }
 
 void PriceBound::evaluate() {
-    m_sumOfFarPrices = sumOf(m_prices[2]) + sumOf(m_prices[3]);
-    m_sumOfPrices = sumOf(m_prices[0]) + sumOf(m_prices[1]) + m_sumOfFarPrices;
+    m_sumOfPrices = 0.0;
+    for (const PriceRow& prices : m_prices)
+        m_sumOfPrices += sumOf(prices);
     std::array<MultiplierSavings, kRoles> byMultiplier;
     for (unsigned role = 0; role < kRoles; ++role)
         evaluate(static_cast<Role>(role), byMultiplier[role]);
@@ -115,12 +131,18 @@ void PriceBound::evaluate() {
         const MultiplierSavings::Entry best = byMultiplier[indexOf(role)].all().front();
         m_bestMuls[indexOf(role)] = best.mul;
         m_lowest -= static_cast<double>(best.saving);
+        m_largest[indexOf(role)] = static_cast<double>(best.saving);
     }
     m_ownSavings = 0.0;
     for (unsigned pair = 0; pair < m_bestOwn.size(); ++pair) {
         m_bestOwn[pair] = largestTogether(byMultiplier[2 + 2 * pair], byMultiplier[3 + 2 * pair],
                                           m_ownTails[pair]);
-        m_ownSavings += static_cast<double>(m_bestOwn[pair].saving);
+        const auto saving = static_cast<double>(m_bestOwn[pair].saving);
+        m_ownSavings += saving;
+        // With the other one of the pair at its best the two save more than the best pair does.
+        for (unsigned place : {0U, 1U})
+            m_largest[2 + 2 * pair + place] =
+                saving - static_cast<double>(byMultiplier[3 + 2 * pair - place].largest());
     }
     m_lowest -= m_ownSavings;
 }
@@ -128,13 +150,11 @@ void PriceBound::evaluate() {
 void PriceBound::evaluate(Role role, MultiplierSavings& byMultiplier) {
     const std::vector<PllOption>& options = m_table.options(role).all;
     for (std::size_t i = 0; i < options.size(); ++i) {
-        float near = 0.0F;
-        float far = 0.0F;
+        float saving = 0.0F;
         for (unsigned domain = 0; domain < kDomains; ++domain)
             if (options[i].errors[domain] != nullptr)
-                (domain < 2 ? near : far) += savingOf(m_prices[domain], options[i].errors[domain]);
-        m_savings[indexOf(role)][i] = near + far;
-        m_farSavings[indexOf(role)][i] = far;
+                saving += savingOf(m_prices[domain], options[i].errors[domain]);
+        m_savings[indexOf(role)][i] = saving;
     }
     byMultiplier.assign(options, [&](std::size_t i) { return m_savings[indexOf(role)][i]; });
 }

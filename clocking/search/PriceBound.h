@@ -40,19 +40,20 @@ class PriceBound {
 public:
     PriceBound(const SearchProblem& problem, const SourceTable& table);
 
+    /// Looks for better prices where those found first leave much to search. Says whether the bound
+    /// came notably closer to the least sum known.
+    [[nodiscard]] bool raise(double known);
+
     [[nodiscard]] const PriceRow& prices(unsigned domain) const { return m_prices[domain]; }
     [[nodiscard]] double sumOfPrices() const { return m_sumOfPrices; }
-    /// Of domains 2 and 3.
-    [[nodiscard]] double sumOfFarPrices() const { return m_sumOfFarPrices; }
 
     /// What an option saves in all domains.
     [[nodiscard]] double saving(Role role, std::size_t option) const {
         return static_cast<double>(m_savings[indexOf(role)][option]);
     }
-    /// What an option saves in domains 2 and 3.
-    [[nodiscard]] double farSaving(Role role, std::size_t option) const {
-        return static_cast<double>(m_farSavings[indexOf(role)][option]);
-    }
+    /// The most that an option of the PLL saves that may go with the others' best: tuples with less
+    /// lie above the bound by the difference.
+    [[nodiscard]] double largestSaving(Role role) const { return m_largest[indexOf(role)]; }
     /// The best that the PLLs of domains 2 and 3 can save, with multipliers that go together.
     [[nodiscard]] double ownSavings() const { return m_ownSavings; }
     /// Those of domain 2, across too, or of domain 3.
@@ -89,19 +90,19 @@ private:
     };
     /// How far the search for prices has come.
     struct Ascent {
-        double sum;    ///< the least that favourites came to
-        double capped; ///< likewise
-        double lowest; ///< the highest bound found
-        Prices prices; ///< that gave it
+        double sum = 0.0;    ///< the least that favourites came to
+        double capped = 0.0; ///< likewise
+        double lowest = 0.0; ///< the highest bound found
+        Prices prices;       ///< that gave it
         double reach = 1.0;
         unsigned idle = 0;
     };
 
     [[nodiscard]] Prices firstPrices() const;
-    void improve();
+    void climb(double known, unsigned rounds);
     void evaluate();
     void evaluate(Role role, MultiplierSavings& byMultiplier);
-    void keepBest(Ascent& ascent);
+    void keepBest();
     [[nodiscard]] Favourites pickFavourites() const;
     [[nodiscard]] const PllOption* favourite(Role role, unsigned mul) const;
     [[nodiscard]] Service serviceOf(const Favourites& favourites) const;
@@ -113,13 +114,13 @@ private:
     /// Of domains 2 and 3, behind whatever head.
     std::array<CombinationTails, 2> m_ownTails;
     Prices m_prices;
+    Ascent m_ascent;
     std::array<std::vector<float>, kRoles> m_savings;
-    std::array<std::vector<float>, kRoles> m_farSavings;
+    std::array<double, kRoles> m_largest{};
     std::array<PairSaving, 2> m_bestOwn;  ///< of domains 2 and 3
     std::array<unsigned, 2> m_bestMuls{}; ///< of the main and the NOC PLL
     Favourites m_favourites{};
     double m_sumOfPrices = 0.0;
-    double m_sumOfFarPrices = 0.0;
     double m_ownSavings = 0.0;
     double m_lowest = 0.0;
     double m_roundingFactor = 0.0;

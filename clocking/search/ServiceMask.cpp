@@ -1,6 +1,8 @@
 #include "clocking/search/ServiceMask.h"
 
 #include <algorithm>
+#include <array>
+#include <set>
 
 namespace hbs_clocking {
 
@@ -29,7 +31,10 @@ Completion::Completion(const SourceTable& table, unsigned domain, Role first, Ro
       m_seconds(leftUnserved(table.options(second), domain, m_count, tolerance)) {}
 
 bool Completion::isPossible(const ErrorRow& errors) {
-    const ServiceMask unserved = ServiceMask::unserved(errors.data(), m_count, m_tolerance);
+    return isPossible(ServiceMask::unserved(errors.data(), m_count, m_tolerance));
+}
+
+bool Completion::isPossible(const ServiceMask& unserved) {
     if (unserved.isEmpty())
         return true;
     if (m_known.size() > kMostKnown)
@@ -46,6 +51,57 @@ bool Completion::findSettings(const ServiceMask& unserved) const {
         return left.isEmpty() ||
                std::any_of(m_seconds.begin(), m_seconds.end(),
                            [&](const ServiceMask& second) { return !left.overlaps(second); });
+    });
+}
+
+namespace {
+
+/// What an option leaves unserved in each domain.
+using OptionMasks = std::array<ServiceMask, kDomains>;
+
+/// Of a PLL's options, without repetitions.
+[[nodiscard]] std::vector<OptionMasks> masksOf(const SearchProblem& problem,
+                                               const SourceTable& table, Role role) {
+    std::vector<OptionMasks> masks;
+    for (const PllOption& option : table.options(role).all) {
+        OptionMasks& own = masks.emplace_back();
+        for (unsigned domain = 0; domain < kDomains; ++domain) {
+            const std::size_t count = table.domain(domain).positions.size();
+            const float* const errors = option.errors[domain];
+            own[domain] = errors == nullptr
+                              ? ServiceMask::all(count)
+                              : ServiceMask::unserved(errors, count, problem.tolerance);
+        }
+    }
+    std::sort(masks.begin(), masks.end());
+    masks.erase(std::unique(masks.begin(), masks.end()), masks.end());
+    return masks;
+}
+
+/// What some setting of the main and the NOC PLL that serves domains 0 and 1 leaves unserved in
+/// domains 2 and 3.
+[[nodiscard]] std::set<std::array<ServiceMask, 2>> leftByContexts(const SearchProblem& problem,
+                                                                  const SourceTable& table) {
+    const std::vector<OptionMasks> mains = masksOf(problem, table, Role::Main);
+    std::set<std::array<ServiceMask, 2>> left;
+    for (const OptionMasks& noc : masksOf(problem, table, Role::Noc))
+        for (const OptionMasks& main : mains)
+            if (!noc[0].overlaps(main[0]) && !noc[1].overlaps(main[1]))
+                left.insert({noc[2] & main[2], noc[3] & main[3]});
+    return left;
+}
+
+} // namespace
+
+bool canServeAll(const SearchProblem& problem, const SourceTable& table) {
+    Completion seconds(table, 2, Role::Own2Second, Role::Own2Second, problem.tolerance);
+    Completion pairs(table, 3, Role::Own3First, Role::Own3Second, problem.tolerance);
+    const std::vector<OptionMasks> firsts = masksOf(problem, table, Role::Own2First);
+    const auto contexts = leftByContexts(problem, table);
+    return std::any_of(contexts.begin(), contexts.end(), [&](const auto& left) {
+        return std::any_of(firsts.begin(), firsts.end(), [&](const OptionMasks& first) {
+            return seconds.isPossible(left[0] & first[2]) && pairs.isPossible(left[1] & first[3]);
+        });
     });
 }
 

@@ -18,40 +18,53 @@ namespace hbs_clocking {
 /// One bit per peripheral of a domain.
 class ServiceMask {
 public:
+    ServiceMask() = default;
     /// The peripherals that aren't served with these errors.
     [[nodiscard]] static ServiceMask unserved(const float* errors, std::size_t count,
                                               float tolerance) {
-        ServiceMask mask;
-        mask.m_words.resize((count + 63) / 64);
+        ServiceMask mask = all(count);
         for (std::size_t i = 0; i < count; ++i)
-            if (!isServed(errors[i], tolerance))
-                mask.m_words[i / 64] |= std::uint64_t{1} << i % 64;
+            if (isServed(errors[i], tolerance))
+                mask.word(i / 64) &= ~(std::uint64_t{1} << i % 64);
+        return mask;
+    }
+    [[nodiscard]] static ServiceMask all(std::size_t count) {
+        ServiceMask mask;
+        mask.m_more.resize(count <= 64 ? 0 : (count - 1) / 64);
+        for (std::size_t i = 0; i < count; ++i)
+            mask.word(i / 64) |= std::uint64_t{1} << i % 64;
         return mask;
     }
 
     [[nodiscard]] bool isEmpty() const {
-        std::uint64_t all = 0;
-        for (const std::uint64_t word : m_words)
+        std::uint64_t all = m_first;
+        for (const std::uint64_t word : m_more)
             all |= word;
         return all == 0;
     }
     /// Those that are in both.
     [[nodiscard]] ServiceMask operator&(const ServiceMask& other) const {
         ServiceMask both = *this;
-        for (std::size_t i = 0; i < m_words.size(); ++i)
-            both.m_words[i] &= other.m_words[i];
+        both.m_first &= other.m_first;
+        for (std::size_t i = 0; i < m_more.size(); ++i)
+            both.m_more[i] &= other.m_more[i];
         return both;
     }
     [[nodiscard]] bool overlaps(const ServiceMask& other) const {
-        std::uint64_t common = 0;
-        for (std::size_t i = 0; i < m_words.size(); ++i)
-            common |= m_words[i] & other.m_words[i];
+        std::uint64_t common = m_first & other.m_first;
+        for (std::size_t i = 0; i < m_more.size(); ++i)
+            common |= m_more[i] & other.m_more[i];
         return common != 0;
     }
     auto operator<=>(const ServiceMask&) const = default;
 
 private:
-    std::vector<std::uint64_t> m_words;
+    [[nodiscard]] std::uint64_t& word(std::size_t index) {
+        return index == 0 ? m_first : m_more[index - 1];
+    }
+
+    std::uint64_t m_first = 0; ///< of domains of up to 64 peripherals all there is
+    std::vector<std::uint64_t> m_more;
 };
 
 /// Tells whether two PLLs can serve the peripherals of a domain that other clocks leave out.
@@ -62,6 +75,8 @@ public:
 
     /// False only if no setting of the two serves all that these errors leave unserved.
     [[nodiscard]] bool isPossible(const ErrorRow& errors);
+    /// The same by the peripherals that are left unserved.
+    [[nodiscard]] bool isPossible(const ServiceMask& unserved);
 
 private:
     [[nodiscard]] bool findSettings(const ServiceMask& unserved) const;
@@ -73,5 +88,9 @@ private:
     std::vector<ServiceMask> m_seconds;
     std::map<ServiceMask, bool> m_known;
 };
+
+/// False only if no setting of all the PLLs serves everybody: a step to be left before anything of
+/// it is searched.
+[[nodiscard]] bool canServeAll(const SearchProblem& problem, const SourceTable& table);
 
 } // namespace hbs_clocking

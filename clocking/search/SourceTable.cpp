@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
+#include <unordered_map>
+
+#include "clocking/search/PriceBound.h"
 
 namespace hbs_clocking {
 
@@ -10,6 +14,8 @@ namespace {
 constexpr unsigned kDividers = 4; // 1, 2, 4, 8
 constexpr unsigned kMaxCross = 4;
 constexpr unsigned kCrossings = kMaxCross + 1; // none, and 1 to 4
+/// More than the margin by which a clock must be better than another, as a part of the error.
+constexpr double kRoom = 1e-5;
 constexpr unsigned kRowsPerBlock = (kMaxMultiplier + 1) * kDividers * kCrossings;
 
 } // namespace
@@ -59,8 +65,7 @@ void SourceTable::addOptions(Role role, std::span<const std::uint8_t> multiplier
     if (!m_problem.shape->has(role)) {
         PllOption nobody;
         nobody.errors.fill(m_nobody.data());
-        options.all.push_back(nobody);
-        std::fill(options.firstOf.begin() + 1, options.firstOf.end(), 1U);
+        options.add(nobody);
         return;
     }
     for (const std::uint8_t mul : multipliers) {
@@ -76,8 +81,6 @@ void SourceTable::addOptions(Role role, std::span<const std::uint8_t> multiplier
                 addOption(role, option, vcoMhz / static_cast<float>(div));
             }
         }
-        const auto end = static_cast<std::uint32_t>(options.all.size());
-        std::fill(options.firstOf.begin() + mul + 1, options.firstOf.end(), end);
     }
 }
 
@@ -97,8 +100,7 @@ void SourceTable::addOption(Role role, PllOption option, float freqMhz) {
         option.cross = static_cast<std::uint8_t>(cross);
         for (unsigned domain = 0; domain < kDomains; ++domain)
             setRows(role, domain, option, freqMhz);
-        if (!repeatsAnother(options, option))
-            options.all.push_back(option);
+        addUnlessRepeated(options, option);
     }
 }
 
@@ -144,7 +146,7 @@ float SourceTable::entry(const SearchRequest& request, Kind kind, float freqMhz)
     return request.isBarred && kind != Common ? -error : error;
 }
 
-bool SourceTable::repeatsAnother(const PllOptions& options, const PllOption& option) const {
+void SourceTable::addUnlessRepeated(PllOptions& options, const PllOption& option) const {
     const auto same = [&](const PllOption& other) {
         for (unsigned domain = 0; domain < kDomains; ++domain) {
             const std::size_t bytes = m_domains[domain].positions.size() * sizeof(float);
@@ -157,8 +159,58 @@ bool SourceTable::repeatsAnother(const PllOptions& options, const PllOption& opt
     for (auto other = options.all.rbegin(); other != options.all.rend() && other->mul == option.mul;
          ++other)
         if (same(*other))
-            return true;
-    return false;
+            return;
+    options.add(option);
+}
+
+SourceTable::SourceTable(const SourceTable& whole, const PriceBound& bound, double ceiling)
+    : m_problem(whole.m_problem), m_domains(whole.m_domains), m_hasBarred(whole.m_hasBarred) {
+    // A sum is at least the bound less a peripheral's price plus its error, since the bound without
+    // that peripheral is less by its price at most. An error above `most` is thus part of no sum
+    // within the ceiling. Left out, it can't be confused with one that is: what comes next after
+    // it is smaller by less than the margin, and so above the ceiling too.
+    const double gap = ceiling - bound.lowest();
+    std::array<PriceRow, kDomains> most;
+    for (unsigned domain = 0; domain < kDomains; ++domain)
+        for (const float price : bound.prices(domain))
+            most[domain].push_back(
+                static_cast<float>((static_cast<double>(price) + gap) * (1.0 + 4.0 * kRoom)));
+    std::array<std::unordered_map<const float*, const float*>, kDomains> rows;
+    const auto withoutLarge = [&](const float* row, unsigned domain) {
+        const auto [entry, isNew] = rows[domain].try_emplace(row, row);
+        if (isNew)
+            entry->second = cutRow(row, most[domain]);
+        return entry->second;
+    };
+    for (unsigned r = 0; r < kRoles; ++r) {
+        const auto role = static_cast<Role>(r);
+        const PllOptions& all = whole.options(role);
+        for (std::size_t i = 0; i < all.all.size(); ++i) {
+            const double saving = bound.saving(role, i);
+            if (bound.largestSaving(role) - saving > gap)
+                continue;
+            PllOption option = all.all[i];
+            option.saving = static_cast<float>(saving);
+            for (unsigned domain = 0; domain < kDomains; ++domain)
+                if (option.errors[domain] != nullptr)
+                    option.errors[domain] = withoutLarge(option.errors[domain], domain);
+            addUnlessRepeated(m_options[r], option);
+        }
+    }
+}
+
+const float* SourceTable::cutRow(const float* row, const std::vector<float>& most) {
+    const auto isLarge = [](float error, float limit) { return std::fabs(error) > limit; };
+    const auto length = static_cast<std::ptrdiff_t>(most.size());
+    if (std::equal(row, row + length, most.begin(), std::not_fn(isLarge)))
+        return row;
+    float* const cut = m_rows.add(most.size());
+    std::transform(row, row + length, most.begin(), cut, [&](float error, float limit) {
+        if (isLarge(error, limit))
+            return kUnserved;
+        return error;
+    });
+    return cut;
 }
 
 } // namespace hbs_clocking

@@ -1,6 +1,7 @@
 // The table of errors: what every clock that a PLL can put out gives to every peripheral.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <functional>
@@ -35,6 +36,8 @@ struct SearchProblem {
     CombinationList combinations;
 };
 
+class PriceBound;
+
 /// The peripherals of one domain.
 struct DomainRequests {
     std::vector<unsigned> positions; ///< among the enabled peripherals
@@ -50,6 +53,7 @@ struct PllOption {
     std::uint8_t div = 1;   ///< 1 for the NOC PLL, whose divider follows from the multiplier
     std::uint8_t cross = 4; ///< 4 for a PLL whose clock doesn't cross, and none to tell apart
     std::array<const float*, kDomains> errors{};
+    float saving = 0.0F; ///< in all domains; see `PriceBound`
 };
 
 /// The options of one PLL: multipliers ascending, dividers and cross-domain dividers descending, as
@@ -64,6 +68,12 @@ struct PllOptions {
     }
     [[nodiscard]] std::size_t indexOf(const PllOption& option) const {
         return static_cast<std::size_t>(&option - all.data());
+    }
+    /// Appends an option of the same multiplier as the last one or of a larger one.
+    void add(const PllOption& option) {
+        all.push_back(option);
+        std::fill(firstOf.begin() + option.mul + 1, firstOf.end(),
+                  static_cast<std::uint32_t>(all.size()));
     }
 };
 
@@ -85,6 +95,9 @@ private:
 class SourceTable {
 public:
     explicit SourceTable(const SearchProblem& problem);
+    /// What of another table may be part of a sum within the ceiling of a bound: reduced cost
+    /// fixing. The other table must outlive this one.
+    SourceTable(const SourceTable& whole, const PriceBound& bound, double ceiling);
     SourceTable(const SourceTable&) = delete;
     SourceTable& operator=(const SourceTable&) = delete;
 
@@ -110,7 +123,9 @@ private:
                                    unsigned cross, float freqMhz);
     [[nodiscard]] const float* makeRow(const DomainRequests& requests, Kind kind, float freqMhz);
     [[nodiscard]] float entry(const SearchRequest& request, Kind kind, float freqMhz) const;
-    [[nodiscard]] bool repeatsAnother(const PllOptions& options, const PllOption& option) const;
+    /// The row without errors above these.
+    [[nodiscard]] const float* cutRow(const float* row, const std::vector<float>& most);
+    void addUnlessRepeated(PllOptions& options, const PllOption& option) const;
 
     const SearchProblem& m_problem;
     std::array<DomainRequests, kDomains> m_domains;

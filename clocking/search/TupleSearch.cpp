@@ -1,24 +1,27 @@
 #include "clocking/search/TupleSearch.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
-#include <chrono>
+#include <limits>
 
 #include "clocking/search/ContextQueue.h"
 #include "clocking/search/ContextSearch.h"
+#include "clocking/search/ServiceMask.h"
 
 namespace hbs_clocking {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-/// So long one thread searches before others are asked for help: most searches end sooner, and the
-/// others take about a tenth of it to start.
-constexpr std::chrono::microseconds kAlone{500};
+/// So much one thread searches before a better bound is looked for, and with none to be found,
+/// before others are asked for help: most searches end sooner. About half a millisecond.
+constexpr std::uint64_t kEffort = 4000;
+constexpr std::uint64_t kAnyEffort = std::numeric_limits<std::uint64_t>::max();
 /// How far above the smallest sum the search looks at first; each further look goes wider.
 constexpr double kFirstBand = 7e-5;
 constexpr double kWider = 8.0;
+/// So often a better bound is looked for.
+constexpr unsigned kMostRaises = 3;
 
 /// A combination by PLL order as one by role.
 [[nodiscard]] Combination byRole(const TreeShape& shape, const Combination& combination) {
@@ -81,16 +84,27 @@ float TupleSearch::sumOfFavourites() const {
 TupleSearch::Result TupleSearch::search(std::span<const std::uint64_t> chunks,
                                         const RunOnThreads& runOnThreads) const {
     Result result;
-    if (m_bound.lowest() > m_bound.ceilingOf(m_proven))
+    if (m_bound.lowest() > m_bound.ceilingOf(m_proven) ||
+        (m_known >= m_proven && !canServeAll(m_problem, m_table)))
         return result;
-    for (double band = kFirstBand;; band *= kWider) {
+    PriceBound bound = m_bound;
+    double known = m_known;
+    double band = kFirstBand;
+    unsigned raises = kMostRaises;
+    while (true) {
         // Should the smallest sum be near the known one, all of its band is needed.
-        const double worst = m_known * (1.0 + band) * (1.0 + band);
+        const double worst = known * (1.0 + band) * (1.0 + band);
         ChunkLows lows(startsOf(chunks), std::min(worst, m_proven), worst >= m_proven, band);
-        result.evaluatedTuples += collect(lows, runOnThreads);
-        if (lows.isDecided()) {
+        const bool isDone = collect(bound, lows, raises != 0 ? kEffort : kAnyEffort, runOnThreads,
+                                    result.evaluatedTuples);
+        known = std::min(known, lows.lowest());
+        if (!isDone) {
+            raises = bound.raise(known) ? raises - 1 : 0;
+        } else if (lows.isDecided()) {
             result.winner = lows.winner();
             return result;
+        } else {
+            band *= kWider;
         }
     }
 }
@@ -102,32 +116,36 @@ std::vector<Combination> TupleSearch::startsOf(std::span<const std::uint64_t> ch
     return starts;
 }
 
-std::uint64_t TupleSearch::collect(ChunkLows& lows, const RunOnThreads& runOnThreads) const {
-    ContextQueue queue(m_problem, m_table, m_bound, m_bound.ceilingOf(lows.limit()));
+bool TupleSearch::collect(const PriceBound& bound, ChunkLows& lows, std::uint64_t effort,
+                          const RunOnThreads& runOnThreads, std::uint64_t& evaluated) const {
+    const double ceiling = bound.ceilingOf(lows.limit());
+    const SourceTable table(m_table, bound, ceiling);
+    if (table.lacksOptions())
+        return true;
+    ContextQueue queue(m_problem, table, bound, ceiling);
     if (queue.isEmpty())
-        return 0;
-    const OwnPlls own(m_problem, m_table, m_bound, m_bound.ceilingOf(lows.limit()));
-    ContextSearch contexts(m_problem, m_table, m_bound, own, lows);
-    const Clock::time_point start = Clock::now();
-    while (const auto next = queue.take(m_bound.ceilingOf(lows.limit()))) {
-        contexts.search(*next->main, *next->noc);
-        if (runOnThreads && Clock::now() - start > kAlone)
-            return contexts.evaluatedTuples() + collectOnThreads(lows, queue, own, runOnThreads);
-    }
-    return contexts.evaluatedTuples();
-}
-
-std::uint64_t TupleSearch::collectOnThreads(ChunkLows& lows, ContextQueue& queue,
-                                            const OwnPlls& own,
-                                            const RunOnThreads& runOnThreads) const {
-    std::atomic<std::uint64_t> evaluated = 0;
-    runOnThreads([&] {
-        ContextSearch contexts(m_problem, m_table, m_bound, own, lows);
-        while (const auto next = queue.take(m_bound.ceilingOf(lows.limit())))
+        return true;
+    // A front takes long to make.
+    if (OwnPlls::countPairs(m_problem, table, bound, ceiling) > effort)
+        return false;
+    const OwnPlls own(m_problem, table, bound, ceiling);
+    const auto searchWithin = [&](std::uint64_t most) {
+        ContextSearch contexts(m_problem, table, bound, own, lows);
+        std::optional<QueuedContext> next;
+        while (contexts.effort() < most && (next = queue.take(bound.ceilingOf(lows.limit()))))
             contexts.search(*next->main, *next->noc);
-        evaluated += contexts.evaluatedTuples();
-    });
-    return evaluated;
+        return std::pair(contexts.evaluatedTuples(), contexts.effort() < most);
+    };
+    // On one thread it goes on with what it remembers.
+    const bool withThreads = runOnThreads && effort == kAnyEffort;
+    const auto [own1, isDone] = searchWithin(withThreads ? kEffort : effort);
+    evaluated += own1;
+    if (isDone || !withThreads)
+        return isDone;
+    std::atomic<std::uint64_t> byThreads = 0;
+    runOnThreads([&] { byThreads += searchWithin(kAnyEffort).first; });
+    evaluated += byThreads;
+    return true;
 }
 
 } // namespace hbs_clocking

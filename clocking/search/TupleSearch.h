@@ -23,9 +23,6 @@
 
 namespace hbs_clocking {
 
-class ContextQueue;
-struct OwnPlls;
-
 /// Made once per step.
 class TupleSearch {
 public:
@@ -48,11 +45,10 @@ public:
 private:
     [[nodiscard]] float sumOfFavourites() const;
     [[nodiscard]] std::vector<Combination> startsOf(std::span<const std::uint64_t> chunks) const;
-    /// Offers all sums that the limits leave over; gives how many.
-    [[nodiscard]] std::uint64_t collect(ChunkLows& lows, const RunOnThreads& runOnThreads) const;
-    [[nodiscard]] std::uint64_t collectOnThreads(ChunkLows& lows, ContextQueue& queue,
-                                                 const OwnPlls& own,
-                                                 const RunOnThreads& runOnThreads) const;
+    /// Offers all sums that the limits leave over. False if that took more than the effort: it is
+    /// left unfinished then.
+    [[nodiscard]] bool collect(const PriceBound& bound, ChunkLows& lows, std::uint64_t effort,
+                               const RunOnThreads& runOnThreads, std::uint64_t& evaluated) const;
 
     const SearchProblem& m_problem;
     SourceTable m_table;

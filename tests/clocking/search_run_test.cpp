@@ -2,12 +2,16 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <atomic>
 #include <cmath>
+#include <new>
 
 #include "HPAParamMgr.h"
 #include "clocking/HBSClockingAlgo4Pll.h"
 #include "clocking/HBSClockingAlgo6Pll.h"
 #include "clocking/SearchInterruption.h"
+#include "clocking/search/SharedExecutor.h"
 #include "clocking/trees46.h"
 #include "support/support.h"
 
@@ -146,6 +150,31 @@ TEST(SearchRun, SendsItsTimingAndTakesARepeatedTreeFromTheStore) {
     EXPECT_EQ(0x4000000U, messages.all()[0].mask);
     EXPECT_THAT(messages.lines()[0],
                 StartsWith("@91-42@%f%d%f%f%d|60.000000|4|0.000000|0.001000|"));
+}
+
+TEST(SearchRun, HandsOnWhatAWorkerThrowsAndWorksAgain) {
+    const auto throwing = [](unsigned i) {
+        if (i == 1)
+            throw std::bad_alloc();
+    };
+    EXPECT_THROW(runOnSharedExecutor("throws", 3, throwing), std::bad_alloc);
+    std::atomic<unsigned> ran = 0;
+    runOnSharedExecutor("works", 3, [&](unsigned) { ++ran; });
+    EXPECT_EQ(3U, ran);
+}
+
+TEST(SearchRun, LooksAtNoManyTimesMoreForChunksThatBeginAmidAHead) {
+    std::array<std::uint64_t, 2> evaluated{};
+    for (unsigned seed = 0; seed < 60; ++seed)
+        for (const unsigned threads : {1U, 2U}) {
+            HPAParamMgr::getParamMgr()->setValue("general.maxThreads", std::to_string(threads));
+            const Kind kind = seed % 2 == 0 ? Kind::NearTies : Kind::Plain;
+            const auto solver = trees46::build(trees46::generate(seed, true, 12, kind));
+            if (solver->runSolution())
+                evaluated[threads - 1] += solver->getSearchStatistics().evaluatedTuples;
+        }
+    EXPECT_GT(evaluated[0], 100U);
+    EXPECT_LT(evaluated[1], 20 * evaluated[0]);
 }
 
 TEST(SearchRun, FollowsOddNumbersWithoutASolutionOrWithOne) {
