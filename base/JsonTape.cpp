@@ -1,6 +1,7 @@
 #include "base/JsonTape.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/JsonDocument.h"
 
@@ -88,15 +89,19 @@ const char* JsonNode::kindName() const {
 }
 
 JsonTape::JsonTape(std::string_view text) {
-    parse(text);
+    parse(std::string(text));
     if (m_result.Code() != rapidjson::kParseErrorNumberTooBig)
         return;
-    const std::string cleared = withoutExponentsOfZeros(std::string(text), m_result.Offset());
+    std::string cleared = withoutExponentsOfZeros(std::string(text), m_result.Offset());
     if (cleared != text)
-        parse(cleared);
+        parse(std::move(cleared));
 }
 
-void JsonTape::parse(std::string_view text) {
+JsonTape::JsonTape(std::string&& text) {
+    parse(std::move(text));
+}
+
+void JsonTape::parse(std::string text) {
     constexpr unsigned kFlags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
                                 rapidjson::kParseNumbersAsStringsFlag;
     m_chunks.clear();
@@ -105,13 +110,13 @@ void JsonTape::parse(std::string_view text) {
         m_result.Set(rapidjson::kParseErrorUnspecificSyntaxError, kMostBytes);
         return;
     }
-    m_text = text;
+    m_text = std::move(text);
     Stream stream(m_text.data());
     Recorder recorder(*this, stream);
     rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator> reader;
     m_result = reader.Parse<kFlags>(stream, recorder);
     // The reader takes a NUL byte for the end.
-    if (!m_result.IsError() && stream.Tell() != text.size())
+    if (!m_result.IsError() && stream.Tell() != m_text.size())
         m_result.Set(rapidjson::kParseErrorDocumentRootNotSingular, stream.Tell());
 }
 

@@ -82,6 +82,9 @@ public:
 
     /// Reads the whole text, which isn't needed afterwards.
     explicit JsonTape(std::string_view text);
+    /// Parses the text itself, which saves the copy. A zero with an exponent beyond that of a
+    /// double is an error here (`kParseErrorNumberTooBig`); the other constructor reads it.
+    explicit JsonTape(std::string&& text);
     /// Nodes of the tape that is moved away can't be used any more.
     JsonTape(JsonTape&&) = default;
     JsonTape& operator=(JsonTape&&) = default;
@@ -112,7 +115,7 @@ private:
     [[nodiscard]] const Entry& entry(std::uint32_t index) const {
         return m_chunks[index >> kChunkBits][index & kChunkMask];
     }
-    void parse(std::string_view text);
+    void parse(std::string text);
     Entry& add(std::size_t offset);
 
     std::string m_text;

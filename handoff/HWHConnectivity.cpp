@@ -76,6 +76,15 @@ constexpr std::array<FactName, 13> kFactNames{{
     {scalar::kIsInstruction, &InstanceFacts::isInstruction},
 }};
 
+/// Saves the copy of the text. The rare number that needs one has the file read again.
+JsonTape parseWhereItLies(const std::string& fileName, std::string text) {
+    JsonTape tape(std::move(text));
+    if (tape.GetParseError() != rapidjson::kParseErrorNumberTooBig)
+        return tape;
+    const base::FileContent content = input::readFile(fileName);
+    return JsonTape(std::string_view(content.text));
+}
+
 } // namespace
 
 JsonTape readJsonFile(const std::string& fileName, const tq::DiagnosticSink& sink,
@@ -87,7 +96,8 @@ JsonTape readJsonFile(const std::string& fileName, const tq::DiagnosticSink& sin
         HCRapidJsonReadWriteUtils::errorReadingJsonFile(canonicalName);
     if (!content.isWhole())
         throw HEXError("the JSON file '" + canonicalName + "' can't be read: " + content.reason);
-    JsonTape tape(content.text);
+    JsonTape tape = sink ? JsonTape(std::string_view(content.text))
+                         : parseWhereItLies(fileName, std::move(content.text));
     if (sink) {
         auto text = std::make_unique<KeptText>(fileName, std::move(content.text));
         if (tape.HasParseError())

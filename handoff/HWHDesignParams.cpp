@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <limits>
+#include <stdexcept>
 
 #include "HSTStringUtils.h"
 
@@ -43,26 +45,36 @@ std::string scaledToHz(const std::string& megahertz) {
     return std::to_string(static_cast<std::uint32_t>(static_cast<std::int64_t>(hertz)));
 }
 
-CompositeWords::CompositeWords(std::string_view text) {
+CompositeWords::CompositeWords(std::string_view text) : m_text(text) {
+    if (text.size() > std::numeric_limits<std::uint32_t>::max())
+        throw std::length_error("a composite parameter of more than 4 GiB");
     if (text.size() >= 2 && text.front() == '{' && text.back() == '}')
         text = text.substr(1, text.size() - 2);
     const auto blanks = static_cast<std::size_t>(std::count(text.begin(), text.end(), ' '));
-    m_keys.reserve(blanks / 2 + 1);
-    m_values.reserve(blanks / 2 + 1);
+    m_index.reserve(blanks / 2 + 1);
+    m_pairs.reserve(blanks / 2 + 1);
     while (!text.empty()) {
         const std::string_view key = takeWord(text);
         if (text.empty())
             return;
+        const Word value = placeOf(takeWord(text));
         m_longestKey = std::max(m_longestKey, key.size());
-        const std::uint32_t number = m_keys.intern(key);
-        m_values.resize(m_keys.size());
-        m_values[number] = takeWord(text);
+        const std::size_t hash = std::hash<std::string_view>()(key);
+        const std::uint32_t known = find(key, hash);
+        if (known != kNone) {
+            m_pairs[known].value = value;
+            continue;
+        }
+        m_index.insert(hash, static_cast<std::uint32_t>(m_pairs.size()));
+        m_pairs.push_back({placeOf(key), value});
     }
 }
 
 std::optional<std::string_view> CompositeWords::find(std::string_view key) const {
-    const std::uint32_t number = key.size() > m_longestKey ? kNone : m_keys.find(key);
-    return number == kNone ? std::nullopt : std::optional(m_values[number]);
+    if (key.size() > m_longestKey)
+        return std::nullopt;
+    const std::uint32_t number = find(key, std::hash<std::string_view>()(key));
+    return number == kNone ? std::nullopt : std::optional(wordAt(m_pairs[number].value));
 }
 
 DesignParams::DesignParams(const HWHTextMap& params) {

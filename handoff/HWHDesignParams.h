@@ -25,17 +25,41 @@ namespace hwh {
 /// later counts.
 class CompositeWords {
 public:
-    /// `text` has to outlive the object.
+    /// `text` has to outlive the object. Raises `std::length_error` for one beyond 4 GiB.
     explicit CompositeWords(std::string_view text);
 
     [[nodiscard]] std::optional<std::string_view> find(std::string_view key) const;
-    [[nodiscard]] std::size_t size() const { return m_values.size(); }
+    [[nodiscard]] std::size_t size() const { return m_pairs.size(); }
     /// Of the pair with that number, in the order in which the keys came up.
-    [[nodiscard]] std::string_view key(std::uint32_t number) const { return m_keys[number]; }
+    [[nodiscard]] std::string_view key(std::uint32_t number) const {
+        return wordAt(m_pairs[number].key);
+    }
 
 private:
-    NameTable m_keys;
-    std::vector<std::string_view> m_values; ///< by the number of the key
+    /// Words by their places in the text, as a design may have a hundred thousand of them.
+    struct Word {
+        std::uint32_t begin = 0;
+        std::uint32_t size = 0;
+    };
+    struct Pair {
+        Word key;
+        Word value;
+    };
+
+    [[nodiscard]] std::string_view wordAt(Word word) const {
+        return m_text.substr(word.begin, word.size);
+    }
+    [[nodiscard]] Word placeOf(std::string_view word) const {
+        return {static_cast<std::uint32_t>(word.data() - m_text.data()),
+                static_cast<std::uint32_t>(word.size())};
+    }
+    [[nodiscard]] std::uint32_t find(std::string_view key, std::size_t hash) const {
+        return m_index.find(hash, [&](std::uint32_t pair) { return this->key(pair) == key; });
+    }
+
+    std::string_view m_text;
+    HashIndex m_index; ///< pairs by key
+    std::vector<Pair> m_pairs;
     std::size_t m_longestKey = 0;
 };
 

@@ -34,8 +34,8 @@ std::string described(const JsonTape& tape, const JsonNode& value) {
 }
 
 TEST(JsonTape, TellsValuesAndTheirPlaces) {
-    const JsonTape tape("{\"a\\n\\n\": [1.5e3,\n  true, null, false],\n"
-                        " \"\\u00e9\" : {}, \"x\\u0000y\": \"\"}\n");
+    const JsonTape tape(std::string("{\"a\\n\\n\": [1.5e3,\n  true, null, false],\n"
+                                    " \"\\u00e9\" : {}, \"x\\u0000y\": \"\"}\n"));
     ASSERT_FALSE(tape.HasParseError());
     EXPECT_EQ("1:1 {1:2 a\n\n=1:11 [1:12 1.5e3;2:3 true;2:9 null;2:15 false;];"
               "3:2 \xC3\xA9=3:13 {};3:17 x" +

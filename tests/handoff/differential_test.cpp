@@ -95,4 +95,64 @@ TEST(Differential, LongListsGiveTheDocumentMadeThePlainWay) {
     expectEqual(job, "long lists");
 }
 
+/// More than 100,000 ranges, which the library renders once for all masters, against text put
+/// together one by one.
+TEST(Differential, AHundredThousandRangesAreThoseOfTheirMasters) {
+    constexpr int kSlaves = 317;
+    constexpr int kMasters = 320;
+    const auto quoted = [](const char* key, const std::string& value) {
+        return std::string(" ") + key + "=\"" + value + "\"";
+    };
+    const auto numbered = [](char name, int number) {
+        return name + std::to_string(1000 + number);
+    };
+    std::string slaves;
+    std::string masters;
+    std::string modules;
+    const auto addModule = [&](const std::string& name, const std::string& memoryMap) {
+        modules += "\t\t<MODULE" + quoted("INSTANCE", name) + quoted("FULLNAME", name) +
+                   R"( HWVERSION="11.0" IPTYPE="" MODTYPE="" MODCLASS="" IS_PL="FALSE")"
+                   R"( SLR_NUMBER="" MULTISOCKETSMP="" IS_ENABLE="1">)"
+                   "\n\t\t\t<PARAMETERS />\n\t\t\t<PORTS />\n" +
+                   memoryMap + "\t\t</MODULE>\n";
+    };
+    for (int m = 0; m < kMasters; ++m) {
+        const std::string excluded = numbered('s', m % kSlaves);
+        masters += (m == 0 ? "\"" : ",\"") + numbered('m', m) + R"(": {"SDKNAME": ")" +
+                   numbered('m', m) + R"(", "excluded_slaves": [")" + excluded + "\"]}";
+        std::string ranges = "\t\t\t<MEMORYMAP>\n";
+        std::string peripherals = "\t\t\t<PERIPHERALS>\n";
+        for (int s = 0; s < kSlaves; ++s) {
+            const std::string slave = numbered('s', s);
+            if (slave == excluded)
+                continue;
+            ranges += R"(				<MEMRANGE IS_DATA="" BASENAME="C_BASEADDR")" +
+                      quoted("BASEVALUE", std::to_string(s * 16)) + R"( HIGHNAME="C_HIGHADDR")" +
+                      quoted("HIGHVALUE", std::to_string(s * 16 + 15)) + quoted("INSTANCE", slave) +
+                      R"( IS_INSTRUCTION="" MEMTYPE="" ACCESSTYPE="" ATRUSTZONE="")"
+                      R"( ADDRESSBLOCK="" />)"
+                      "\n";
+            peripherals += "\t\t\t\t<PERIPHERAL" + quoted("INSTANCE", slave) + " />\n";
+        }
+        addModule(numbered('m', m),
+                  ranges + "\t\t\t</MEMORYMAP>\n" + peripherals + "\t\t\t</PERIPHERALS>\n");
+    }
+    for (int s = 0; s < kSlaves; ++s) {
+        slaves += (s == 0 ? "\"" : ",\"") + numbered('s', s) + R"(": {"SDKNAME": ")" +
+                  numbered('s', s) + R"(", "BASE_ADDR": ")" + std::to_string(s * 16) +
+                  R"(", "HIGH_ADDR": ")" + std::to_string(s * 16 + 15) + "\"}";
+        addModule(numbered('s', s), "");
+    }
+    const ToolParameters parameters(false);
+    const support::TempDir folder;
+    Texts design;
+    Texts system;
+    HBSGenerateService::generateHWH(
+        design, system, folder.write("in.json", connectivity(slaves, masters)), folder.file("out"));
+    const std::string written = support::readFile(folder.file("out"));
+    const std::size_t begin = written.find("\t<MODULES>\n");
+    EXPECT_TRUE(written.substr(begin) ==
+                "\t<MODULES>\n" + modules + "\t</MODULES>\n</LOMSYSTEM>\n");
+}
+
 } // namespace

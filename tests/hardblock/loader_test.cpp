@@ -118,8 +118,8 @@ TEST(Loader, AddsNothingFromEmptyAndMalformedTexts) {
 }
 
 TEST(Getters, ReportARequiredMemberAndReadBooleans) {
-    const base::JsonTape object(
-        R"({"ab": "x", "a": "true", "T": "True", "z": 0, "big": 4294967296, "f": 1.5})");
+    const base::JsonTape object(std::string_view(
+        R"({"ab": "x", "a": "true", "T": "True", "z": 0, "big": 4294967296, "f": 1.5})"));
     const support::CapturedMessages messages;
     std::string results;
     for (const char* key : {"a", "T", "z", "big", "f", "c"}) {
