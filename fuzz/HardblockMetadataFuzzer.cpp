@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <sstream>
 #include <string>
 
@@ -12,7 +13,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ComMsgMgr::setSink([](const ComMsg&) {});
     std::istringstream stream(std::string(reinterpret_cast<const char*>(data), size));
     hardblock::HardBlocks hardBlocks;
-    hardblock::parseMetadataStream(stream, hardBlocks);
+    hardblock::parseMetadataStream(stream, hardBlocks, "f", [](const tq::Diagnostic& finding) {
+        if (finding.place.line == 0 && finding.id != "unreadable-file")
+            std::abort();
+    });
     for (const auto& block : hardBlocks)
         for (auto it = block->getInterfaceStartIterator(); it != block->getInterfaceEndIterator();
              ++it) {

@@ -40,13 +40,18 @@ void HBSHardBlockDataMgr::scanMetadataDirectory() {
 }
 
 bool HBSHardBlockDataMgr::createHardBlocks(const std::string& file) {
+    return createHardBlocks(file, {});
+}
+
+bool HBSHardBlockDataMgr::createHardBlocks(const std::string& file,
+                                           const tq::DiagnosticSink& sink) {
     const HUTFile metadata(file);
     if (!metadata.exists()) {
         std::cout << "Error : Metadata file " << file << " does not exists\n";
         return false;
     }
     m_metadataFile = file;
-    return hardblock::readMetadataFile(metadata, m_hardBlocks);
+    return hardblock::readMetadataFile(metadata, m_hardBlocks, file, sink);
 }
 
 hardblock::HardBlockData* HBSHardBlockDataMgr::getHardBlockByName(const std::string& name) {

@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "diagnostics/Diagnostic.h"
 #include "hardblock/HardBlockData.h"
 #include "tq_export.h"
 
@@ -50,6 +51,14 @@ public:
     /// the full path) and malformed JSON ("@90-2@%s" with the reason, then "@90-4@%s"); nothing is
     /// added then, save what an exception such as exhausted memory interrupts.
     bool createHardBlocks(const std::string& file);
+
+    /// The same with findings, in the order of the file: values that are passed over
+    /// ("wrong-type"), unknown and repeated names, texts that count as a default ("unknown-text"),
+    /// numbers that can't be read or are too large, ranges of port maps that don't fit or overlap.
+    /// They are warnings; a file that can't be read is an error ("malformed-json" with its place,
+    /// "unreadable-file"). The messages are sent as well. What the sink throws ends the reading as
+    /// a failure.
+    bool createHardBlocks(const std::string& file, const tq::DiagnosticSink& sink);
 
     /// The first hard block of that name; a null pointer and one line on the standard output if
     /// there is none. Takes the same time for any number of hard blocks, but for the first call

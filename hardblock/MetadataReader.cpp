@@ -7,9 +7,12 @@
 #include <utility>
 
 #include "HCRapidJsonReadWriteUtils.h"
+#include "base/FileReading.h"
 #include "base/Text.h"
+#include "diagnostics/SourceText.h"
 #include "hardblock/JsonGetters.h"
 #include "hardblock/Messages.h"
+#include "hardblock/MetadataCheck.h"
 #include "hardblock/MetadataSource.h"
 #include "input/InputFile.h"
 #include "xp_autodetect.h"
@@ -154,36 +157,60 @@ void sendMalformed(const std::string& reason) {
     ComMsgMgr::sendMsg::eval(1, __FILE__, __LINE__, kCategory, kMask, "@90-2@%s", reason);
 }
 
-bool openAndParse(const std::string& path, HardBlocks& hardBlocks) {
+void reportUnreadable(const std::string& name, const std::string& reason,
+                      const tq::DiagnosticSink& sink) {
+    if (sink)
+        sink(makeDiagnostic(tq::Severity::Error, "unreadable-file", tq::placeOfFile(name),
+                            "can't be read: " + reason));
+}
+
+bool openAndParse(const std::string& path, HardBlocks& hardBlocks, const std::string& name,
+                  const tq::DiagnosticSink& sink) {
     boost::iostreams::filtering_istream stream;
     stream.exceptions(std::ios_base::goodbit);
     isl::iostreams::xp_autodetect()(path, stream);
-    return stream.good() && parseMetadataStream(stream, hardBlocks);
+    if (!stream.good()) {
+        const auto obstacle = sink ? base::findObstacle(path) : std::nullopt;
+        reportUnreadable(name, obstacle ? obstacle->reason : "it can't be opened", sink);
+        return false;
+    }
+    return parseMetadataStream(stream, hardBlocks, name, sink);
 }
 
 } // namespace
 
-bool parseMetadataStream(std::istream& stream, HardBlocks& hardBlocks) {
+bool parseMetadataStream(std::istream& stream, HardBlocks& hardBlocks, const std::string& name,
+                         const tq::DiagnosticSink& sink) {
     const base::FileContent content = input::readStream(stream);
     if (content.outcome == base::ReadOutcome::TooLarge)
         sendMalformed(content.reason);
-    if (!content.isWhole())
+    if (!content.isWhole()) {
+        reportUnreadable(name, content.reason, sink);
         return false;
+    }
     const auto tape = std::make_shared<const base::JsonTape>(content.text);
+    const tq::SourceText source(name, content.text);
     if (tape->HasParseError()) {
+        if (sink)
+            sink(makeDiagnostic(tq::Severity::Error, "malformed-json",
+                                source.placeOf(tape->GetErrorOffset()),
+                                base::describeError(*tape)));
         sendMalformed(HCRapidJsonReadWriteUtils::GetErrorMsgFromDocument(*tape));
         return false;
     }
+    if (sink)
+        checkMetadata(*tape, source, sink);
     Reader(tape, hardBlocks).read();
     return true;
 }
 
-bool readMetadataFile(const HUTFile& file, HardBlocks& hardBlocks) {
+bool readMetadataFile(const HUTFile& file, HardBlocks& hardBlocks, const std::string& name,
+                      const tq::DiagnosticSink& sink) {
     std::string path;
     file.getFullPath(path);
     bool good = false;
     try {
-        good = openAndParse(path, hardBlocks);
+        good = openAndParse(path, hardBlocks, name, sink);
     } catch (...) {
         good = false; // the message below reports any reason
     }

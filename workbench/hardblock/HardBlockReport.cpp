@@ -1,15 +1,15 @@
 #include "workbench/hardblock/HardBlockReport.h"
 
-#include <algorithm>
-#include <initializer_list>
+#include <cstddef>
 #include <map>
-#include <string_view>
+#include <optional>
 #include <utility>
 
-#include "ComMsgMgr.h"
+#include "base/FileReading.h"
 #include "hardblock/HBSHardBlockDataMgr.h"
-#include "workbench/files/JsonFile.h"
+#include "workbench/files/InputError.h"
 #include "workbench/text/JsonWriter.h"
+#include "workbench/text/MessageFinding.h"
 #include "workbench/text/Table.h"
 #include "workbench/text/Text.h"
 #include "workbench/text/TextStream.h"
@@ -22,63 +22,6 @@ using hardblock::HardBlockData;
 using hardblock::Interface;
 using hardblock::Pin;
 using hardblock::PortMap;
-
-/// The members of the member of that name; none where it is missing or isn't an object.
-const std::vector<JsonNode::Member>& membersOf(const JsonNode& object, std::string_view name) {
-    static const std::vector<JsonNode::Member> none;
-    const JsonNode* node = object.find(name);
-    return node == nullptr ? none : node->members;
-}
-
-/// Reports unknown keys: the library ignores them, but most are slips.
-class UnknownKeys {
-public:
-    UnknownKeys(const JsonFile& file, const DiagnosticSink& sink) : m_file(file), m_sink(sink) {}
-
-    void report() {
-        for (const auto& block : m_file.object(m_file.root())) {
-            check(block.value, {"interfaces", "pins"});
-            for (const auto& interface : membersOf(block.value, "interfaces"))
-                checkInterface(interface.value);
-            for (const auto& pin : membersOf(block.value, "pins"))
-                check(pin.value, {"type", "direction", "default_val", "size_left", "size_right"});
-        }
-    }
-
-private:
-    void checkInterface(const JsonNode& interface) {
-        check(interface, {"access_point"});
-        if (const JsonNode* accessPoint = interface.find("access_point"))
-            check(*accessPoint, {"module", "parameters", "port_maps"});
-    }
-    void check(const JsonNode& object, std::initializer_list<std::string_view> known) {
-        for (const auto& member : object.members)
-            if (std::find(known.begin(), known.end(), member.name) == known.end())
-                m_sink(m_file.unknownKey(member, known, Severity::Warning));
-    }
-
-    const JsonFile& m_file;
-    const DiagnosticSink& m_sink;
-};
-
-/// The hard blocks of the file alone: the data area, which the manager reads at its first use, may
-/// hold others of the same names.
-std::vector<HardBlockData*> load(const std::string& path, const DiagnosticSink& sink) {
-    auto outer = ComMsgMgr::setSink([](const ComMsg&) {});
-    auto* manager = HBSHardBlockDataMgr::getHardBlockDataMgr();
-    const auto before = static_cast<std::ptrdiff_t>(manager->getHardBlocksData().size());
-    ComMsgMgr::setSink([&](const ComMsg& message) {
-        if (sink)
-            sink(makeDiagnostic(Severity::Warning, "skipped-value", placeOfFile(path),
-                                message.text()));
-    });
-    const bool good = manager->createHardBlocks(path);
-    ComMsgMgr::setSink(std::move(outer));
-    if (!good)
-        throw fileError(path, "the file isn't hard block metadata");
-    const auto all = manager->getHardBlocksData();
-    return {all.begin() + before, all.end()};
-}
 
 /// The library keeps these in no defined order; people want them sorted.
 std::map<std::string, Interface*> interfacesOf(HardBlockData& block) {
@@ -109,6 +52,10 @@ std::string rangeOf(const Pin& pin) {
     const std::string left = bound(pin.getLeftSize());
     const std::string right = bound(pin.getRightSize());
     return left.empty() && right.empty() ? "" : "[" + left + ":" + right + "]";
+}
+
+std::size_t pinsOf(HardBlockData& block) {
+    return static_cast<std::size_t>(block.getPinsEndIterator() - block.getPinsStartIterator());
 }
 
 void printPins(HardBlockData& block, std::ostream& out) {
@@ -175,19 +122,82 @@ void write(JsonWriter& json, const std::string& name, Interface& interface) {
     json.endObject();
 }
 
+/// "[7:4]" of "A[7:4]".
+std::string rangeOf(const std::string& port) {
+    const std::size_t open = port.find('[');
+    return open == std::string::npos ? "" : port.substr(open);
+}
+
+void writePort(JsonWriter& json, const std::string& port, PortMap& portMap) {
+    json.beginObject();
+    json.member("name", port);
+    json.beginArray("pins");
+    for (const auto& [mapped, side] : portMap.getMappedRawPorts()) {
+        json.beginObject();
+        json.member("port", side);
+        json.member("mapped", mapped);
+        json.endObject();
+    }
+    json.endArray();
+    json.endObject();
+}
+
 } // namespace
 
+/// The hard blocks of the file alone: the data area, which the manager reads at its first use, may
+/// hold others of the same names.
 std::vector<HardBlockData*> readHardBlocks(const std::string& path, const DiagnosticSink& sink) {
-    const JsonFile file = JsonFile::read(path);
-    if (sink)
-        UnknownKeys(file, sink).report();
-    return load(path, sink);
+    if (const auto obstacle = base::findObstacle(path))
+        throw fileError(path, "can't be read: " + obstacle->reason);
+    // They say what the findings say.
+    const MessageScope silence([](const ComMsg&) {});
+    auto* manager = HBSHardBlockDataMgr::getHardBlockDataMgr();
+    const auto before = static_cast<std::ptrdiff_t>(manager->getHardBlocksData().size());
+    std::optional<Diagnostic> fatal;
+    const bool good = manager->createHardBlocks(path, [&](Diagnostic finding) {
+        if (finding.severity == Severity::Error) {
+            finding.id.clear();
+            fatal = std::move(finding);
+        } else if (sink) {
+            sink(std::move(finding));
+        }
+    });
+    if (fatal)
+        throw InputError(*fatal);
+    if (!good)
+        throw fileError(path, "the file isn't hard block metadata");
+    const auto all = manager->getHardBlocksData();
+    return {all.begin() + before, all.end()};
+}
+
+std::string hardBlockList(const std::vector<HardBlockData*>& blocks) {
+    using Align = Table::Align;
+    Table table({{"Hard block"}, {"Pins", Align::Right}, {"Interfaces", Align::Right}});
+    for (HardBlockData* block : blocks)
+        table.addRow({block->getName(), std::to_string(pinsOf(*block)),
+                      std::to_string(interfacesOf(*block).size())});
+    TextStream out;
+    table.print(out);
+    return out.str();
+}
+
+std::string hardBlockListJson(const std::vector<HardBlockData*>& blocks) {
+    JsonWriter json;
+    json.beginArray();
+    for (HardBlockData* block : blocks) {
+        json.beginObject();
+        json.member("name", block->getName());
+        json.member("pins", pinsOf(*block));
+        json.member("interfaces", interfacesOf(*block).size());
+        json.endObject();
+    }
+    json.endArray();
+    return json.text();
 }
 
 std::string hardBlockTables(HardBlockData& block) {
-    const auto pins = block.getPinsEndIterator() - block.getPinsStartIterator();
     TextStream out;
-    out << printable(block.getName()) << ": pins " << pins << ", interfaces "
+    out << printable(block.getName()) << ": pins " << pinsOf(block) << ", interfaces "
         << interfacesOf(block).size() << "\n\n";
     printPins(block, out);
     printInterfaces(block, out);
@@ -210,25 +220,39 @@ std::string hardBlockJson(HardBlockData& block) {
     return json.text();
 }
 
-PortAnswer findPin(HardBlockData& block, const std::string& port) {
-    const std::size_t colon = port.find(':');
-    if (colon == std::string::npos)
-        throw InputError("--port " + port + ": expected INTERFACE:PORT");
-    const std::string name = port.substr(0, colon);
-    const Interface* interface = block.getInterfaceByName(name);
-    if (interface == nullptr)
-        return {"", block.getName() + " has no interface \"" + name + "\""};
-    std::string pin = interface->getPortMapByName(port.substr(colon + 1));
-    if (pin.empty())
-        return {"", "no pin is mapped to " + port + " of " + block.getName()};
-    return {std::move(pin), ""};
+std::string hardBlockTree(HardBlockData& block) {
+    TextStream out;
+    out << printable(block.getName()) << '\n';
+    for (const auto& [name, interface] : interfacesOf(block)) {
+        const std::string module = interface->getApModuleName();
+        out << "  " << printable(name) << (module.empty() ? "" : " (" + printable(module) + ")")
+            << '\n';
+        for (const auto& [port, portMap] : portMapsOf(*interface)) {
+            out << "    " << printable(port) << '\n';
+            for (const auto& [mapped, side] : portMap->getMappedRawPorts())
+                out << "      " << printable(rangeOf(side)) << (rangeOf(side).empty() ? "" : " ")
+                    << "-> " << printable(mapped) << '\n';
+        }
+    }
+    return out.str();
 }
 
-std::string portJson(const std::string& port, const PortAnswer& answer) {
+std::string hardBlockTreeJson(HardBlockData& block) {
     JsonWriter json;
     json.beginObject();
-    json.member("port", port);
-    json.member("mapped", answer.pin);
+    json.member("name", block.getName());
+    json.beginArray("interfaces");
+    for (const auto& [name, interface] : interfacesOf(block)) {
+        json.beginObject();
+        json.member("name", name);
+        json.member("module", interface->getApModuleName());
+        json.beginArray("ports");
+        for (const auto& [port, portMap] : portMapsOf(*interface))
+            writePort(json, port, *portMap);
+        json.endArray();
+        json.endObject();
+    }
+    json.endArray();
     json.endObject();
     return json.text();
 }
