@@ -101,13 +101,9 @@ std::string jsonText(const HABMBlock& instance) {
 
 void writeExports(const Options& options, const tq::AddressMap& map, const std::string& name,
                   const tq::DiagnosticSink& sink) {
-    for (const std::string& path : options.exports) {
-        const auto format = tq::mapFormatOf(path);
-        if (!format)
-            throw InputError("can't tell the format of \"" + path +
-                             "\" by its ending, expected one of: " + tq::mapFormatEndings());
-        write(path, tq::exportMap(tq::mapModelOf(map, name, true, sink), *format, sink));
-    }
+    for (const std::string& path : options.exports)
+        write(path, tq::exportMap(tq::mapModelOf(map, name, true, sink), tq::mapFormatOrFail(path),
+                                  sink));
 }
 
 int run(const Options& options) {

@@ -74,6 +74,89 @@ TEST(HandoffWord, ChecksWithPlacesAndWritesNothing) {
                 StartsWith(folder.file("c.json") + ":2:3: error: "));
 }
 
+TEST(HandoffWord, ShowsTheMapsOfMastersAndExportsThem) {
+    const support::TempDir folder;
+    const std::string job = folder.write("job.json", R"({"connectivity": "c.json"})");
+    folder.write("c.json", R"({"metadata": {"slaves": [
+        {"b": {"SDKNAME": "B", "BASE_ADDR": "0x2000", "HIGH_ADDR": "0x2fff", "MEMTYPE": "MEMORY"}},
+        {"a": {"SDKNAME": "A", "BASE_ADDR": "4096", "HIGH_ADDR": "0x17FF"}},
+        {"c": {"SDKNAME": "C", "BASE_ADDR": "0x2800", "HIGH_ADDR": "0x2FFF"}},
+        {"d": {"SDKNAME": "D", "BASE_ADDR": "x"}}],
+      "masters": [{"m": {"SDKNAME": "M"}, "n": {"SDKNAME": "N", "excluded_slaves": ["A", "c"]}}]}})");
+    const auto result = handoff(job + " --map --export " + folder.file("map.h") + " --export " +
+                                folder.file("map.dts"));
+    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ("As seen from M:\n"
+              "  base    high  size  slave  instance  memory  remark\n"
+              "------  ------  ----  -----  --------  ------  ------------\n"
+              "  4096  0x17FF    2K  A      a\n"
+              "0x1800  0x1FFF    2K                           gap\n"
+              "0x2000  0x2fff    4K  B      b         MEMORY\n"
+              "0x2800  0x2FFF    2K  C      c                 overlaps B\n"
+              "     x             ?  D      d                 has no place\n"
+              "\n"
+              "As seen from N:\n"
+              "  base    high  size  slave  instance  memory  remark\n"
+              "------  ------  ----  -----  --------  ------  ------------\n"
+              "0x2000  0x2fff    4K  B      b         MEMORY\n"
+              "     x             ?  D      d                 has no place\n",
+              result.output);
+    EXPECT_THAT(result.error, HasSubstr("[not-exported]"));
+    EXPECT_THAT(support::readFile(folder.file("map.h")), HasSubstr("#define A_BASE 0x1000ul\n"));
+    EXPECT_THAT(support::readFile(folder.file("map.dts")), HasSubstr("memory@2000 {"));
+    EXPECT_THAT(handoff(job + " --map --master M --json").output,
+                HasSubstr("\"base\": \"0x2800\",\n          \"high\": \"0x2FFF\"\n"));
+    EXPECT_THAT(handoff(job + " --map --master X").error, HasSubstr("expected one of: M, N"));
+}
+
+TEST(HandoffWord, ShowsANetAndWhyItHasItsName) {
+    const std::string job = kDevice + "handoff_job.json";
+    const auto result = handoff(job + " --net eth0.sync");
+    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_THAT(result.output, StartsWith("One net with several names: ddr0_sync, eth0_sync\n"));
+    EXPECT_THAT(
+        result.output,
+        HasSubstr("noc0.sync  O          DATA  ddr0_sync  connects to an end that was named "
+                  "after ddr0.sync before\n"));
+    EXPECT_THAT(handoff(job + " --net sorrel_ps_top.ref_clk --json").output,
+                HasSubstr("takes the name at cpu0.clk, the first port joined to it"));
+    EXPECT_THAT(handoff(job + " --net noc0.trace").output, HasSubstr("doesn't exist"));
+    const auto unknown = handoff(job + " --net eth0.sink");
+    EXPECT_EQ(2, unknown.status);
+    EXPECT_THAT(unknown.error, HasSubstr("did you mean \"eth0.sync\"?"));
+}
+
+TEST(HandoffWord, ComparesDocumentsByTheirMeaning) {
+    const support::TempDir folder;
+    const auto write = [&](const char* name, const std::string& modules, const char* head = "") {
+        return folder.write(name, "<LOMSYSTEM GUVVERSION='1.2' " + std::string(head) +
+                                      "><STSTEMINFO NAME='t'/><MODULES>" + modules +
+                                      "</MODULES></LOMSYSTEM>");
+    };
+    const std::string range = "<MEMRANGE INSTANCE='s' BASEVALUE='0xFF'/>";
+    const std::string a =
+        write("a", "<MODULE INSTANCE='x'/><MODULE INSTANCE='y'><MEMORYMAP>" + range +
+                       "<MEMRANGE INSTANCE='s' BASEVALUE='1'/>"
+                       "</MEMORYMAP></MODULE>");
+    const std::string b = write("b",
+                                "<MODULE INSTANCE='y'><MEMORYMAP><MEMRANGE BASEVALUE='0x1' "
+                                "INSTANCE='s'/><MEMRANGE INSTANCE='s' BASEVALUE='0xff'/>"
+                                "</MEMORYMAP></MODULE><MODULE INSTANCE='x'/>",
+                                "TIMESTAMP='now'");
+    EXPECT_EQ(0, handoff("--diff " + a + " " + a).status);
+    EXPECT_EQ("The documents say the same.\n", handoff("--diff " + a + " " + b).output);
+    const std::string c = write("c", "<MODULE INSTANCE='y'><MEMORYMAP>" + range +
+                                         "</MEMORYMAP></MODULE><MODULE INSTANCE='z' DIR='I'/>");
+    const auto result = handoff("--diff " + a + " " + c + " --json");
+    EXPECT_EQ(1, result.status);
+    EXPECT_THAT(result.output,
+                testing::AllOf(HasSubstr("module y / memrange s (2)"),
+                               HasSubstr("\"where\": \"module z\""), HasSubstr("only-in-b")));
+    EXPECT_EQ(2, handoff("--diff " + a + " " + folder.write("d", "<LOMSYSTEM>")).status);
+    EXPECT_EQ(2, handoff("--diff " + a + " " + folder.write("e", "<X/>")).status);
+    EXPECT_EQ(2, handoff("--diff " + a).status);
+}
+
 TEST(HandoffWord, NeverWritesOverItsInputs) {
     const support::TempDir folder;
     const std::string job = folder.write("job.json", R"({"connectivity": "c.json"})");

@@ -9,6 +9,7 @@
 
 #include "workbench/addressing/export/LegalNames.h"
 #include "workbench/addressing/export/MapWriters.h"
+#include "workbench/files/InputError.h"
 #include "workbench/text/Text.h"
 
 namespace tq {
@@ -132,6 +133,13 @@ std::optional<MapFormat> mapFormatOf(std::string_view path) {
         if (path.ends_with(format.ending))
             return format.format;
     return std::nullopt;
+}
+
+MapFormat mapFormatOrFail(std::string_view path) {
+    if (const auto format = mapFormatOf(path))
+        return *format;
+    throw InputError("can't tell the format of \"" + std::string(path) +
+                     "\" by its ending, expected one of: " + mapFormatEndings());
 }
 
 std::string mapFormatEndings() {
