@@ -19,6 +19,7 @@ install(
 install(FILES ${TQ_GENERATED_DIR}/tq_export.h ${TQ_GENERATED_DIR}/tq_version.h
               ${TQ_GENERATED_DIR}/tq_workbench_export.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tq_hbs)
+install(DIRECTORY schemas DESTINATION ${CMAKE_INSTALL_DATADIR}/tq_hbs)
 install(TARGETS hbs RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/tq_hbs)

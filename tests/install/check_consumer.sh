@@ -20,3 +20,4 @@ export PKG_CONFIG_PATH="$libdir"
     $(pkg-config --cflags --libs tq_hbs) -Wl,-rpath,"$libdir/.."
 "$tree/consumer"
 "$tree/prefix/bin/hbs" --version
+[ -f "$tree/prefix/share/tq_hbs/schemas/handoff.xsd" ]
