@@ -126,12 +126,12 @@ TEST(Differential, AHundredThousandRangesAreThoseOfTheirMasters) {
             const std::string slave = numbered('s', s);
             if (slave == excluded)
                 continue;
-            ranges += R"(				<MEMRANGE IS_DATA="" BASENAME="C_BASEADDR")" +
-                      quoted("BASEVALUE", std::to_string(s * 16)) + R"( HIGHNAME="C_HIGHADDR")" +
-                      quoted("HIGHVALUE", std::to_string(s * 16 + 15)) + quoted("INSTANCE", slave) +
-                      R"( IS_INSTRUCTION="" MEMTYPE="" ACCESSTYPE="" ATRUSTZONE="")"
-                      R"( ADDRESSBLOCK="" />)"
-                      "\n";
+            ranges +=
+                "\t\t\t\t<MEMRANGE IS_DATA=\"\" BASENAME=\"C_BASEADDR\"" +
+                quoted("BASEVALUE", std::to_string(s * 16)) + quoted("HIGHNAME", "C_HIGHADDR") +
+                quoted("HIGHVALUE", std::to_string(s * 16 + 15)) + quoted("INSTANCE", slave) +
+                quoted("IS_INSTRUCTION", "") + quoted("MEMTYPE", "") + quoted("ACCESSTYPE", "") +
+                quoted("ATRUSTZONE", "") + quoted("ADDRESSBLOCK", "") + " />\n";
             peripherals += "\t\t\t\t<PERIPHERAL" + quoted("INSTANCE", slave) + " />\n";
         }
         addModule(numbered('m', m),
