@@ -1,7 +1,7 @@
 #include "cdo/HBSCdoSequenceWrapper.h"
 
 #include "HTCErrors.h"
-#include "scripting/invalidation.h"
+#include "scripting/Invalidation.h"
 
 HBSCdoSequenceWrapper::HBSCdoSequenceWrapper(const std::string& name, CdoSequence* sequence)
     : m_name(name), m_sequence(sequence) {}

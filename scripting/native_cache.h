@@ -8,7 +8,7 @@
 #include <unordered_map>
 
 #include "native_cache_base.h"
-#include "scripting/cached_types.h"
+#include "scripting/CachedTypes.h"
 #include "tq_export.h"
 
 namespace hdi::tcltasks {

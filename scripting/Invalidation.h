@@ -20,7 +20,7 @@ template <class NativeToScript>
     return std::any_of(first, last, [&](const auto& entry) { return entry.second == script; });
 }
 
-/// The script object at that position of the table's range, or null behind its end.
+/// The script object at that position of the table's range, or null after its end.
 template <class NativeToScript>
 [[nodiscard]] typename NativeToScript::mapped_type
 scriptAt(const NativeToScript& nativeToScript, const typename NativeToScript::key_type& native,
