@@ -51,14 +51,6 @@ void sendUnknownKey(std::string_view key, Keys known) {
                              std::string(key), joined(known, " "));
 }
 
-/// What was expected where `typed` is none of the names.
-std::string expectedOneOf(Keys names, std::string_view typed) {
-    std::string text = "one of: " + joined(names, ", ");
-    if (const std::string_view nearest = tq::nearestName(typed, names); !nearest.empty())
-        text.append("; did you mean ").append(quoted(nearest)).append("?");
-    return text;
-}
-
 bool contains(Keys names, std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
@@ -152,7 +144,7 @@ public:
         m_messages.seeKey(key);
         if (m_reading.findings.isOn() && !contains(m_reading.form.keys, key))
             m_reading.warn(key, "unknown-key", "unknown key " + quoted(key),
-                           expectedOneOf(m_reading.form.keys, key));
+                           tq::oneOfNames(key, m_reading.form.keys));
     }
     void seeRepeated(std::string_view key, std::string_view earlier) const {
         m_reading.warn(earlier, "repeated-key",
@@ -164,7 +156,8 @@ private:
     TokenWatch m_messages;
 };
 
-/// One line's pairs, asked for by key.
+/// One line's pairs, asked for by key. What `read…` can't take as it is written is told to the
+/// findings.
 class Row {
 public:
     Row(const Record& record, const TableReading& reading) : m_record(record), m_reading(reading) {}
@@ -174,18 +167,18 @@ public:
         return std::string(view(key, absent));
     }
     /// A text of which the block model knows some; any other is kept, and counts as `other`.
-    [[nodiscard]] std::string choice(std::string_view key, const char* absent, Keys known,
-                                     std::string_view other) const {
+    [[nodiscard]] std::string readChoice(std::string_view key, const char* absent, Keys known,
+                                         std::string_view other) const {
         const std::string_view given = view(key, absent);
         if (m_reading.findings.isOn() && has(key) && !contains(known, given))
             m_reading.warn(given, "unknown-value",
                            "unknown " + std::string(key) + " " + quoted(given) + ", taken for " +
                                quoted(other),
-                           expectedOneOf(known, given));
+                           tq::oneOfNames(given, known));
         return std::string(given);
     }
     /// A decimal number, still as a text.
-    [[nodiscard]] std::string number(std::string_view key, const char* absent) const {
+    [[nodiscard]] std::string readNumber(std::string_view key, const char* absent) const {
         const std::string_view given = view(key, absent);
         unsigned value = 0;
         const auto [end, error] = std::from_chars(given.data(), given.data() + given.size(), value);
@@ -196,10 +189,10 @@ public:
                            "a decimal number");
         return std::string(given);
     }
-    [[nodiscard]] HABMAddrValue address(std::string_view key) const {
-        return HABMAddrValue(addressText(key));
+    [[nodiscard]] HABMAddrValue readAddress(std::string_view key) const {
+        return HABMAddrValue(readAddressText(key));
     }
-    [[nodiscard]] std::string addressText(std::string_view key) const {
+    [[nodiscard]] std::string readAddressText(std::string_view key) const {
         const std::string_view given = view(key, "0x0");
         if (!HABMAddrValue(std::string(given)).isValid())
             m_reading.warn(given, "bad-address",
@@ -207,16 +200,18 @@ public:
                            "an address or a size such as 0x1000 or 64K");
         return std::string(given);
     }
-    [[nodiscard]] HABMAddrAperture aperture() const { return {address("offset"), address("size")}; }
+    [[nodiscard]] HABMAddrAperture readAperture() const {
+        return {readAddress("offset"), readAddress("size")};
+    }
     /// A comma list. The file's order is lost.
-    [[nodiscard]] std::set<std::string> list(std::string_view key) const {
+    [[nodiscard]] std::set<std::string> readList(std::string_view key) const {
         std::set<std::string> items;
         forEachItem(view(key), ',', m_reading.classes,
                     [&](std::string_view item) { items.emplace(item); });
         return items;
     }
     /// A comma list of pairs with a blank between them. An item without a blank is none.
-    [[nodiscard]] std::map<std::string, std::string> pairs(std::string_view key) const {
+    [[nodiscard]] std::map<std::string, std::string> readPairs(std::string_view key) const {
         std::map<std::string, std::string> pairs;
         forEachItem(view(key), ',', m_reading.classes,
                     [&](std::string_view item) { addPair(pairs, item); });
@@ -328,9 +323,9 @@ void parseAddrBlocks(const std::string& directory, std::vector<HBSAddrBlockRow>&
             return HBSAddrBlockRow{{},
                                    in.text("addrblock"),
                                    in.text("memorymap"),
-                                   in.list("interfaces"),
-                                   in.choice("type", "register", kBlockTypes, "register"),
-                                   in.aperture(),
+                                   in.readList("interfaces"),
+                                   in.readChoice("type", "register", kBlockTypes, "register"),
+                                   in.readAperture(),
                                    in.text("group")};
         },
         [](const HBSAddrBlockRow& row) { return row.addrblock.empty() ? "addrblock" : ""; });
@@ -344,10 +339,10 @@ void parseRegisters(const std::string& directory, std::vector<HBSRegisterRow>& r
             return HBSRegisterRow{{},
                                   in.text("register"),
                                   in.text("addrblock"),
-                                  in.address("offset"),
-                                  in.number("width", "32"),
-                                  in.address("reset"),
-                                  in.choice("access", "read_write", kAccesses, "read_write")};
+                                  in.readAddress("offset"),
+                                  in.readNumber("width", "32"),
+                                  in.readAddress("reset"),
+                                  in.readChoice("access", "read_write", kAccesses, "read_write")};
         },
         [](const HBSRegisterRow& row) {
             if (row.registerName.empty())
@@ -364,9 +359,9 @@ void parseAddrSegments(const std::string& directory, std::vector<HBSAddrSegmentR
             return HBSAddrSegmentRow{{},
                                      in.text("addrsegment"),
                                      in.text("addrspace"),
-                                     in.list("interfaces"),
-                                     in.choice("type", "both", kSegmentTypes, "both"),
-                                     in.aperture()};
+                                     in.readList("interfaces"),
+                                     in.readChoice("type", "both", kSegmentTypes, "both"),
+                                     in.readAperture()};
         },
         [](const HBSAddrSegmentRow& row) { return row.addrsegment.empty() ? "addrsegment" : ""; });
 }
@@ -378,10 +373,10 @@ void parsePorts(const std::string& directory, std::vector<HBSPortRow>& rows,
         [](const Row& in) {
             return HBSPortRow{{},
                               in.text("port"),
-                              in.choice("type", "wire", kPortTypes, "wire"),
-                              in.choice("direction", "in", kDirections, "in"),
-                              in.number("left", "0"),
-                              in.number("right", "0")};
+                              in.readChoice("type", "wire", kPortTypes, "wire"),
+                              in.readChoice("direction", "in", kDirections, "in"),
+                              in.readNumber("left", "0"),
+                              in.readNumber("right", "0")};
         },
         [](const HBSPortRow& row) { return row.port.empty() ? "port" : ""; });
 }
@@ -395,9 +390,9 @@ void parseInterfaces(const std::string& directory, std::vector<HBSInterfaceRow>&
                                    in.text("interface"),
                                    in.text("style", "soft"),
                                    in.text("vlnv"),
-                                   in.choice("mode", "", kModes, "unknown"),
+                                   in.readChoice("mode", "", kModes, "unknown"),
                                    in.text("enable"),
-                                   in.pairs("portmaps")};
+                                   in.readPairs("portmaps")};
         },
         [](const HBSInterfaceRow& row) { return row.interface.empty() ? "interface" : ""; });
 }
@@ -421,7 +416,7 @@ void parseInstances(const std::string& directory, std::vector<HBSInstanceRow>& r
                                   in.text("instance"),
                                   in.text("vlnv"),
                                   in.text("enable"),
-                                  in.addressText("base_address")};
+                                  in.readAddressText("base_address")};
         },
         [](const HBSInstanceRow& row) { return row.instance.empty() ? "instance" : ""; });
 }
@@ -433,9 +428,9 @@ void parseConnections(const std::string& directory, std::vector<HBSConnectionRow
         [](const Row& in) {
             return HBSConnectionRow{{},
                                     in.text("type", kNoConnectionType),
-                                    in.choice("style", "soft", kStyles, "soft"),
+                                    in.readChoice("style", "soft", kStyles, "soft"),
                                     in.text("source"),
-                                    in.list("targets")};
+                                    in.readList("targets")};
         },
         [](const HBSConnectionRow& row) {
             if (row.source.empty())

@@ -76,9 +76,12 @@ std::string quotedNearestName(std::string_view typed, std::span<const std::strin
 }
 
 std::string oneOfNames(std::string_view typed, std::span<const std::string_view> known) {
+    constexpr std::size_t kMostListed = 40;
     std::string list;
-    for (const std::string_view name : known)
+    for (const std::string_view name : known.subspan(0, std::min(known.size(), kMostListed)))
         list.append(list.empty() ? "one of: " : ", ").append(name);
+    if (known.size() > kMostListed)
+        list.append(", and ").append(std::to_string(known.size() - kMostListed)).append(" more");
     if (const std::string nearest = quotedNearestName(typed, known); !nearest.empty())
         list.append("; did you mean ").append(nearest).append("?");
     return list;

@@ -1,4 +1,4 @@
-// The nearest known name to a mistyped one.
+// The nearest known name to a mistyped one, and how it is offered.
 #pragma once
 
 #include <span>
@@ -15,7 +15,7 @@ namespace tq {
                                            std::span<const std::string_view> known);
 
 /// What a diagnostic expects instead of a name: "one of: a, b; did you mean \"b\"?", the question
-/// only where a known name is near.
+/// only where a known name is near. The first forty of many are listed.
 [[nodiscard]] std::string oneOfNames(std::string_view typed,
                                      std::span<const std::string_view> known);
 

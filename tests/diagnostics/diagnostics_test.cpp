@@ -48,6 +48,19 @@ TEST(Diagnostics, CutLongLinesAroundTheColumn) {
                                           std::string(63, ' ') + "^\n"));
 }
 
+TEST(NearestName, IsOfferedAfterTheFirstOfManyKnown) {
+    const std::vector<std::string_view> few{"open", "close"};
+    EXPECT_EQ("one of: open, close; did you mean \"open\"?", tq::oneOfNames("opn", few));
+    EXPECT_EQ("one of: open, close", tq::oneOfNames("zzz", few));
+    EXPECT_EQ("", tq::oneOfNames("opn", {}));
+    std::vector<std::string> names;
+    for (int i = 0; i < 1000; ++i)
+        names.push_back("register" + std::to_string(i));
+    const std::vector<std::string_view> many(names.begin(), names.end());
+    EXPECT_THAT(tq::oneOfNames("registr999", many),
+                testing::EndsWith("register39, and 960 more; did you mean \"register999\"?"));
+}
+
 TEST(Diagnostics, LeaveOutWhatIsUnknown) {
     Diagnostic finding{Severity::Error, "", {"f", 0, 0, "", 0}, "can't be read", "", {}};
     finding.notes.push_back({{"g", 7, 0, "", 0}, "first defined here"});

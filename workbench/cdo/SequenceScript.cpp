@@ -148,16 +148,12 @@ Command split(const Line& line) {
 std::size_t findVerb(const Line& line, const Command& command) {
     const std::string& name = command.words.front();
     std::vector<std::string_view> names;
-    std::string list = "one of: ";
     for (std::size_t i = 0; i < kVerbs.size(); ++i) {
         if (kVerbs[i].name == name)
             return i;
         names.push_back(kVerbs[i].name);
-        list.append(i == 0 ? "" : ", ").append(kVerbs[i].name);
     }
-    if (const std::string_view nearest = nearestName(name, names); !nearest.empty())
-        list.append("; did you mean \"").append(nearest).append("\"?");
-    line.fail(command.offsets.front(), "unknown command \"" + name + "\"", std::move(list));
+    line.fail(command.offsets.front(), "unknown command \"" + name + "\"", oneOfNames(name, names));
 }
 
 std::string trimmed(const std::string& text) {
