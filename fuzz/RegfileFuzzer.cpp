@@ -17,7 +17,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     file.fill(data, size);
     try {
         std::vector<hbs::HBSRegFileStop> stops;
-        (void)hbs::HBSRegFileParser::parseFile(file.path(), stops);
+        std::size_t findings = 0;
+        const auto map = hbs::HBSRegFileParser::parseFile(
+            file.path(), stops, [&](const tq::Diagnostic&) { ++findings; });
+        const bool isReported = map == nullptr ? findings != 0 : findings == stops.size();
+        if (!isReported)
+            std::abort();
         for (const auto& stop : stops)
             if (stop.line == 0 || stop.column == 0)
                 std::abort();

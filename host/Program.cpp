@@ -15,7 +15,7 @@ namespace host {
 namespace {
 
 /// The status to exit with: output that got lost is no result.
-int finished(int status) {
+int finishOutput(int status) {
     if (std::cout.flush())
         return status;
     std::cerr << "hbs: the output can't be written\n";
@@ -79,13 +79,13 @@ int parseAndRun(int argc, char** argv) {
         const int status = app.exit(error);
         if (g_ranOutOfMemory)
             throw std::bad_alloc();
-        return status == 0 ? finished(kSuccess) : kBadInput;
+        return status == 0 ? finishOutput(kSuccess) : kBadInput;
     } catch (const InputError& error) {
         if (isJsonWanted(app))
             std::cout << tq::errorJson(error.diagnostic()) << std::flush;
         throw;
     }
-    return finished(exitStatus);
+    return finishOutput(exitStatus);
 }
 
 } // namespace
