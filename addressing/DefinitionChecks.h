@@ -21,7 +21,7 @@ void checkPorts(const std::vector<HBSPortRow>& ports, const HBSTableFindings& fi
 void checkAddresses(const std::string& module, const std::vector<HBSAddrBlockRow>& addrBlocks,
                     const std::vector<HBSRegisterRow>& registers, const HBSTableFindings& findings);
 
-/// Lists of interfaces that name one that `block` hasn't got, or one of the other kind: address
+/// Lists of interfaces that name one that `block` doesn't have, or one of the other kind: address
 /// blocks belong to targets, address segments to sources.
 void checkInterfaceLists(const HABMBlock& block, const std::vector<HBSAddrBlockRow>& addrBlocks,
                          const std::vector<HBSAddrSegmentRow>& addrSegments,

@@ -69,7 +69,7 @@ public:
     /// A finding at a part of a table's content.
     void tell(const HBSTableText& table, std::string_view part, tq::Severity severity,
               const char* id, const std::string& text, std::string expected = {}) const;
-    /// A finding about the value of a key in a row: at the row's start, if it hasn't got the key.
+    /// A finding about the value of a key in a row: at the row's start, if it doesn't have the key.
     /// `first` is the row that has the same name or address, if any.
     void tell(const HBSTableRow& row, std::string_view key, tq::Severity severity, const char* id,
               const std::string& text, std::string expected = {},

@@ -16,7 +16,7 @@ namespace {
 
 using namespace hbs_tables;
 
-/// Rows of a table by a text that they bear, in the order of the table.
+/// Rows of a table by one of their texts, in the order of the table.
 template <class Row>
 using RowsByText = std::unordered_map<std::string_view, std::vector<const Row*>>;
 

@@ -19,7 +19,7 @@ struct TQ_EXPORT HBSTableReport {
     bool isRead = false;  ///< to its end
     std::string fault;    ///< why one that is there wasn't: "it is a folder"
     std::size_t rows = 0; ///< lines that hold a row, whether it was used or not
-    std::size_t used = 0; ///< rows that went into the block, be it without a part of them
+    std::size_t used = 0; ///< rows that went into the block, if only in part
 };
 
 /// The tables live in DIRECTORY/NAME/data: addrblocks.txt, registers.txt, addrsegments.txt,
@@ -34,7 +34,7 @@ struct TQ_EXPORT HBSTableReport {
 ///
 /// A table that is there and can't be read counts as far as it was read, without a word; a caller
 /// that replaces a file by the result asks the report whether each `isRead` that `isThere`. What
-/// can't be used is dropped without a word, be it a row that lacks its name, a name that is
+/// can't be used is dropped without a word, whether a row that lacks its name, a name that is
 /// taken or a connection of an unknown type, or a part of a row: a pair without "=", an address
 /// that can't be read, a number without digits (which counts as 0), a port map item without a
 /// blank. Texts that a key doesn't know (access=rw) count as its default. Only an unknown key in

@@ -82,6 +82,7 @@ private:
     }
 
     void mergeStub(HABMBlock& top, HABMBlock& stub) {
+        // Copies, as the merge replaces what the stub has.
         const std::string vlnv = stub.getModuleVlnv();
         const std::string path = stub.getInstancePath();
         const std::unique_ptr<HABMBlock> child = expandStub(vlnv, path);

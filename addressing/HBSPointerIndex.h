@@ -21,6 +21,7 @@
 template <class Key, class Element>
 class HBSPointerIndex {
 public:
+    /// From so many pointers on, a hash table finds one; below it a walk is quicker.
     static constexpr std::size_t kHashThreshold = 500;
 
     /// Adds `element` to the set of `key`; nothing changes if it is there already.

@@ -17,18 +17,18 @@ namespace hbs_addressing {
 ///
 /// A reference is what the regular expression "register_value\(\s*([^\)]*)\s*\)" matches
 /// (ECMAScript, classic locale), leftmost first; its name is the capture group, so blanks in front
-/// are skipped and blanks behind belong to the name. The match is written out by hand, as the
+/// are skipped and blanks after it belong to the name. The match is written out by hand, as the
 /// library's own matcher recurses once per character and a long name would take the stack down.
 ///
 /// The pass is made over the same buffer that the replacements change, and isn't restarted. Hard
 /// blocks rely on what follows from that, so it is modelled exactly:
-/// - The buffer starts as the expression with a NUL behind it. A replacement moves the text behind
+/// - The buffer starts as the expression with a NUL after it. A replacement moves the text after
 ///   the reference (to the left for a shorter value), puts a NUL at the new end, and leaves the
-///   characters behind that unchanged.
+///   characters after that unchanged.
 /// - The next search starts at the index at which the last match ended before its replacement. A
 ///   reference that moved to the left over that index isn't seen.
 /// - The search ends at the length that the text had at the start, not at its present end. An old
-///   copy behind the present end is matched like any other; replacing it replaces the first
+///   copy after the present end is matched like any other; replacing it replaces the first
 ///   occurrence of the same text in the present text, if there is one.
 class RegisterReferences {
 public:
@@ -44,7 +44,7 @@ public:
     [[nodiscard]] std::string text() const { return m_buffer.substr(0, m_length); }
 
 private:
-    std::string m_buffer; ///< at least the text at the start and the NUL behind it
+    std::string m_buffer; ///< at least the text at the start and the NUL after it
     std::size_t m_length; ///< length of the present text
     std::size_t m_end;    ///< where the search ends: the length at the start
     std::size_t m_position = 0;

@@ -19,7 +19,7 @@ namespace hbs_addressing {
 [[nodiscard]] std::string quotePath(const std::string& path);
 
 /// Why the script "expr {TEXT}" must not be run, or the empty text if it may:
-/// - A "}" closes the expression early, and the text behind it would be run as commands. An
+/// - A "}" closes the expression early, and the text after it would be run as commands. An
 /// expression
 ///   that is never closed is left to Tcl, which reports it and runs nothing.
 /// - There are more than `kMostSubstitutions` command and array element substitutions. Tcl's parser

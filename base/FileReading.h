@@ -27,8 +27,8 @@ struct FileContent {
 };
 
 /// Why a path can't be opened for reading: the outcome `Missing` or `Unopened`. Absent for a
-/// regular file, behind links too, that can be. Nothing else is read, so that a FIFO or a device
-/// can't make the caller wait.
+/// regular file that can be, also one that a link leads to. Nothing else is read, so that a FIFO or
+/// a device can't make the caller wait.
 [[nodiscard]] std::optional<FileContent> findObstacle(const std::string& path);
 
 /// Reads a regular file. Raises `std::bad_alloc`.

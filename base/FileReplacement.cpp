@@ -83,7 +83,7 @@ void syncFolder(const std::filesystem::path& folder) {
 
 FileReplacement::FileReplacement(std::string path, Special special, Existing existing)
     : m_path(std::move(path)) {
-    m_buffer.reserve(kBufferBytes); // ahead of the file, which would stay if this failed
+    m_buffer.reserve(kBufferBytes); // before the file is made, which would stay if this failed
     open(special, existing);
 }
 
@@ -235,7 +235,7 @@ bool FileReplacement::commit() {
             return false;
         if (!syncs(m_descriptor))
             return fail(errno);
-        // Nothing behind the renaming may fail for want of memory.
+        // Nothing after the renaming may fail for want of memory.
         const std::filesystem::path folder = folderOf(m_path);
         if (::rename(m_newPath.c_str(), m_path.c_str()) != 0)
             return fail(errno);

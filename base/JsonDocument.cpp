@@ -14,8 +14,9 @@ namespace {
 using Document = rapidjson::GenericDocument<rapidjson::UTF8<>, JsonPool, JsonAllocator>;
 using Stream = rapidjson::MemoryStream;
 
+/// False, with `value` undefined, for a number with a fraction or an exponent or out of range.
 template <class Integer>
-bool fits(std::string_view text, Integer& value) {
+bool readInteger(std::string_view text, Integer& value) {
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
     return error == std::errc{} && stop == end;
@@ -28,7 +29,7 @@ double toDouble(const char* text) {
 }
 
 /// Where tokens start in a text. The iterative parser is at a bracket when it reports it, but just
-/// behind any other token, so the start of those is found by looking back.
+/// after any other token, so the start of those is found by looking back.
 class TokenStarts {
 public:
     TokenStarts(std::string_view text, const Stream& stream, bool isKept)
@@ -95,9 +96,9 @@ public:
         const std::string_view number(text, length);
         std::int64_t negative = 0;
         std::uint64_t positive = 0;
-        if (fits(number, positive))
+        if (readInteger(number, positive))
             return m_document.Uint64(positive);
-        if (fits(number, negative))
+        if (readInteger(number, negative))
             return m_document.Int64(negative);
         return m_document.Double(toDouble(text));
     }

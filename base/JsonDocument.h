@@ -31,7 +31,7 @@ using JsonValue = rapidjson::GenericValue<rapidjson::UTF8<>, JsonPool>;
 ///     if (document.HasParseError())
 ///         complain(HCRapidJsonReadWriteUtils::GetErrorMsgFromDocument(document));
 ///
-/// Five things differ from a plain document. A NUL byte doesn't end the text: behind the root
+/// Five things differ from a plain document. A NUL byte doesn't end the text: after the root
 /// value only white space may follow. Values nested deeper than `kMostLevels` are a parse error
 /// (`kParseErrorTermination`), as a plain parse would run out of stack. Numbers with a fraction or
 /// an exponent are read with the C library's conversion, as RapidJSON's own arithmetic overflows on

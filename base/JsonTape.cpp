@@ -52,7 +52,7 @@ private:
         m_tape.add(offset).extent = static_cast<std::uint32_t>(length);
         return true;
     }
-    /// The reader reports a bracket ahead of passing it.
+    /// The reader reports a bracket before it passes it.
     bool open() {
         if (m_open.size() == kMostLevels)
             return false;

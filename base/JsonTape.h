@@ -97,17 +97,17 @@ public:
     [[nodiscard]] JsonNode root() const { return {*this, 0}; }
     [[nodiscard]] JsonNode node(std::uint32_t index) const { return {*this, index}; }
 
-    /// Where a node's `offset` lies. Linear in the length of the text ahead of it.
+    /// Where a node's `offset` lies. Linear in the length of the text before it.
     [[nodiscard]] Position position(std::size_t offset) const;
 
 private:
     friend class JsonNode;
     class Recorder;
 
-    /// The byte with which a value starts tells its kind: strings are decoded behind their quote.
+    /// The byte with which a value starts tells its kind: strings are decoded after their quote.
     struct Entry {
         std::uint32_t offset = 0;
-        std::uint32_t extent = 0; ///< bytes of a scalar; of others the index behind the last value
+        std::uint32_t extent = 0; ///< bytes of a scalar; of others the index after the last value
     };
     static constexpr unsigned kChunkBits = 13;
     static constexpr std::uint32_t kChunkMask = (1U << kChunkBits) - 1;

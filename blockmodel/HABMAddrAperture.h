@@ -10,12 +10,15 @@
 /// the aperture then has no last address.
 class TQ_EXPORT HABMAddrAperture {
 public:
+    /// Both are kept as they are, invalid ones too.
     HABMAddrAperture(const HABMAddrValue& start, const HABMAddrValue& size);
     /// Reads "START:SIZE", each as an HABMAddrValue. An empty text makes an empty aperture at 0;
     /// a text without a ":" one of which both are invalid.
     HABMAddrAperture(const std::string& text);
 
+    /// First address; invalid if it was given so or couldn't be read.
     [[nodiscard]] const HABMAddrValue& getStart() const { return m_start; }
+    /// In bytes; invalid likewise.
     [[nodiscard]] const HABMAddrValue& getSize() const { return m_size; }
 
     /// Last address of the aperture; its start, if it is empty; invalid, if start or size is or if

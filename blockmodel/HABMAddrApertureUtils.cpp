@@ -5,7 +5,7 @@
 
 namespace {
 
-/// The first address behind an aperture. Invalid for one that ends at the highest address of all,
+/// The first address after an aperture. Invalid for one that ends at the highest address of all,
 /// which therefore counts as ending last.
 HABMAddrValue endOf(const HABMAddrAperture& aperture) {
     return aperture.getStart().plus(aperture.getSize());

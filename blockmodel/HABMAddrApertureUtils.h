@@ -6,6 +6,7 @@
 #include "blockmodel/HABMAddrAperture.h"
 #include "tq_export.h"
 
+/// Operations on sets of apertures.
 class TQ_EXPORT HABMAddrApertureUtils {
 public:
     HABMAddrApertureUtils() = delete;

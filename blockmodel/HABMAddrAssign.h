@@ -23,7 +23,9 @@ public:
     HABMAddrAssign(const HABMAddrAssign&) = delete;
     HABMAddrAssign& operator=(const HABMAddrAssign&) = delete;
 
+    /// Unique within the owner, never empty.
     [[nodiscard]] const std::string& getName() const { return m_name; }
+    /// The block that owns it, never null.
     [[nodiscard]] HABMBlock* getParent() { return m_parent; }
     [[nodiscard]] const HABMBlock* getParent() const { return m_parent; }
 

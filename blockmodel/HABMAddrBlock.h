@@ -15,11 +15,13 @@ class HABMRegister;
 /// an empty aperture at 0.
 class TQ_EXPORT HABMAddrBlock {
 public:
+    /// What the block holds; a fresh one registers.
     enum class MemoryType { Register, Memory, Reserved };
 
     HABMAddrBlock(const HABMAddrBlock&) = delete;
     HABMAddrBlock& operator=(const HABMAddrBlock&) = delete;
 
+    /// Unique within the owner, never empty.
     [[nodiscard]] const std::string& getName() const { return m_name; }
     /// "/instance/map/block".
     [[nodiscard]] std::string getPath() const;

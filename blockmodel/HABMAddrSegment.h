@@ -13,11 +13,13 @@ class HABMAddrSpace;
 /// data and instructions and has an empty aperture at 0.
 class TQ_EXPORT HABMAddrSegment {
 public:
+    /// What the initiator fetches through the segment; through a fresh one both.
     enum class MemoryType { Data, Instruction, Both };
 
     HABMAddrSegment(const HABMAddrSegment&) = delete;
     HABMAddrSegment& operator=(const HABMAddrSegment&) = delete;
 
+    /// Unique within the owner, never empty.
     [[nodiscard]] const std::string& getName() const { return m_name; }
     /// "/instance/space/segment".
     [[nodiscard]] std::string getPath() const;

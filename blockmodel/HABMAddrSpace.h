@@ -17,6 +17,7 @@ public:
     HABMAddrSpace(const HABMAddrSpace&) = delete;
     HABMAddrSpace& operator=(const HABMAddrSpace&) = delete;
 
+    /// Unique within the owner, never empty.
     [[nodiscard]] const std::string& getName() const { return m_name; }
     /// "/instance/space".
     [[nodiscard]] std::string getPath() const;

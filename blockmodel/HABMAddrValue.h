@@ -27,6 +27,7 @@ public:
     HABMAddrValue(const std::string& text);
     constexpr explicit HABMAddrValue(std::uint64_t number) : m_high(kValid), m_low(number) {}
 
+    /// False for a value that was never set or couldn't be read or computed.
     [[nodiscard]] bool isValid() const { return m_high != 0; }
 
     /// Numeric order; an invalid value is less than every valid one and equals any invalid one.

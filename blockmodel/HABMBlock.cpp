@@ -40,6 +40,7 @@ const std::string& HABMBlock::getModuleName() const {
 }
 
 std::string HABMBlock::getInstancePath() const {
+    // Measured first, so that the text is allocated once: reports ask for the path of each object.
     std::size_t length = 0;
     for (const HABMBlock* block = this; block->m_parent != nullptr; block = block->m_parent)
         length += 1 + block->m_instanceName.size();
@@ -121,6 +122,7 @@ bool HABMBlock::isRecursive() const {
 
 HABMBlock* HABMBlock::createSubBlock(const std::string& instance, const std::string& module,
                                      const bool& flag) {
+    // The bound keeps the walks over a tree, which recurse, within the stack.
     if (!habm::isName(instance) || level() >= kMostLevels)
         return nullptr;
     return m_parts->subBlocks.createOrFind(instance, flag, this, instance, module);

@@ -19,6 +19,7 @@ struct TQ_EXPORT HABMBlockFindings {
     std::vector<std::string> dangling;
 };
 
+/// The check; for tests, and after reading what others wrote.
 class TQ_EXPORT HABMBlockCheck {
 public:
     HABMBlockCheck() = delete;

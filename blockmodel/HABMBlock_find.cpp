@@ -132,6 +132,7 @@ std::vector<HABMRegister*> HABMBlock::findRegisters(const std::string& pattern,
 }
 
 HABMRegister* HABMBlock::findRegister(const std::string& path, const bool& flag) const {
+    // A path has three names at least, so that a single one can only be a register's.
     if (habm::isName(path))
         return flag ? registerByName(path) : nullptr;
     const std::string relative =
@@ -148,6 +149,7 @@ HABMRegister* HABMBlock::findRegister(const std::string& path, const bool& flag)
 
 HABMRegister* HABMBlock::registerByName(const std::string& name) const {
     if (m_parts->registersByName == nullptr) {
+        // Built at the first question, as most blocks of a design are never asked.
         auto byName = std::make_unique<Parts::RegistersByName>();
         for (HABMRegister* const candidate : findRegisters("", false))
             byName->emplace(candidate->getName(), candidate);

@@ -220,8 +220,8 @@ public:
     void take(const Field<Fields, Value>& field, Fields& fields) {
         take(field.key, fields.*field.place);
     }
-    /// Any text but the one that is written for a value is a fault, be it unknown or a synonym; an
-    /// empty one counts as missing.
+    /// Any text but the one that is written for a value is a fault, whether unknown or a synonym;
+    /// an empty one counts as missing.
     template <class Fields, class Value>
     void take(const Choice<Fields, Value>& field, Fields& fields) {
         std::string text;

@@ -16,9 +16,9 @@ template <class Object>
 Fault refusalOf(const std::string& name) {
     if constexpr (std::is_same_v<Object, HABMBlock>)
         return Fault("the sub-block " + quoted(name) +
-                     " has an unusable or repeated name, or stands too deep");
+                     " has an unusable or repeated name, or is nested too deeply");
     else
-        return Fault("the name " + quoted(name) + " is empty, holds a '/' or stands there twice");
+        return Fault("the name " + quoted(name) + " is empty, holds a '/' or occurs twice");
 }
 
 template <class Object>

@@ -78,6 +78,7 @@ void HABMConnectionIndex::erase(ByPath& ends, const std::string& path, std::uint
 
 std::vector<HABMInterfaceConnection*> HABMConnectionIndex::at(const ByPath& ends,
                                                               const std::string& path) {
+    // A copy: callers may add and remove connections while they go through it.
     std::vector<HABMInterfaceConnection*> connections;
     const auto found = ends.find(path);
     if (found != ends.end())

@@ -12,10 +12,12 @@ public:
     HABMGeneric(const HABMGeneric&) = delete;
     HABMGeneric& operator=(const HABMGeneric&) = delete;
 
+    /// Unique within the block, never empty.
     [[nodiscard]] const std::string& getName() const { return m_name; }
     [[nodiscard]] const std::string& getValue() const { return m_value; }
 
 protected:
+    /// For the derived classes, as is `assign`.
     HABMGeneric(std::string name, std::string value)
         : m_name(std::move(name)), m_value(std::move(value)) {}
     ~HABMGeneric() = default;

@@ -17,6 +17,7 @@ class HABMPortMap;
 /// name; an object of that name needn't exist.
 class TQ_EXPORT HABMInterface {
 public:
+    /// The part that an interface has on its bus.
     enum class InterfaceMode {
         Unknown,
         Master,
@@ -30,7 +31,9 @@ public:
     HABMInterface(const HABMInterface&) = delete;
     HABMInterface& operator=(const HABMInterface&) = delete;
 
+    /// Unique within the block, never empty.
     [[nodiscard]] const std::string& getInterfaceName() const { return m_name; }
+    /// The block that owns it, never null.
     [[nodiscard]] HABMBlock* getParent() { return m_parent; }
     [[nodiscard]] const HABMBlock* getParent() const { return m_parent; }
 
@@ -59,6 +62,8 @@ public:
     [[nodiscard]] const std::string& getAddrSpaceRef() const { return m_fields.addrSpaceRef; }
     void setAddrSpaceRef(const std::string& name) { m_fields.addrSpaceRef = name; }
 
+    /// The ranges of memory maps or address spaces that the interface reaches, joined where they
+    /// touch by whoever sets them; empty unless set.
     [[nodiscard]] const std::set<HABMAddrAperture>& getApertures() const {
         return m_fields.apertures;
     }

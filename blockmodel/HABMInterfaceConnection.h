@@ -15,6 +15,7 @@ class HABMInterface;
 /// any other starts at the block that owns the connection. The last name is that of the interface.
 class TQ_EXPORT HABMInterfaceConnection {
 public:
+    /// Whether the design may change the connection; a fresh one is soft.
     enum class ConnectionType { Soft, Hard };
 
     HABMInterfaceConnection(const HABMInterfaceConnection&) = delete;
@@ -31,6 +32,7 @@ public:
     [[nodiscard]] ConnectionType getConnectionType() const { return m_fields.type; }
     void setConnectionType(const ConnectionType& type) { m_fields.type = type; }
 
+    /// As it was set, whether or not it leads to an object; empty unless set.
     [[nodiscard]] const std::string& getSourcePath() const { return m_fields.sourcePath; }
     [[nodiscard]] const std::string& getTargetPath() const { return m_fields.targetPath; }
     /// True if the path is that of an interface now; it is kept either way.

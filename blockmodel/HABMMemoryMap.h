@@ -18,6 +18,7 @@ public:
     HABMMemoryMap(const HABMMemoryMap&) = delete;
     HABMMemoryMap& operator=(const HABMMemoryMap&) = delete;
 
+    /// Unique within the owner, never empty.
     [[nodiscard]] const std::string& getName() const { return m_name; }
     /// "/instance/map".
     [[nodiscard]] std::string getPath() const;

@@ -11,8 +11,10 @@
 /// shows are one object.
 class TQ_EXPORT HABMParameter : public HABMGeneric {
 public:
+    /// Made by `HABMBlock::setParameter`.
     HABMParameter(std::string name, std::string value)
         : HABMGeneric(std::move(name), std::move(value)) {}
 
+    /// Any text.
     void setValue(std::string value) { assign(std::move(value)); }
 };

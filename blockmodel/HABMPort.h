@@ -10,13 +10,17 @@ class HABMBlock;
 /// Made by `HABMBlock::createPort`, owned by its block. A fresh port is a wire that goes in.
 class TQ_EXPORT HABMPort {
 public:
+    /// A single wire, or a vector with bounds; a fresh port is a wire.
     enum class PortType { Wire, Vector };
+    /// As seen from the block; a fresh port is an input.
     enum class PortDirection { In, Out, InOut };
 
     HABMPort(const HABMPort&) = delete;
     HABMPort& operator=(const HABMPort&) = delete;
 
+    /// Unique within the block, never empty.
     [[nodiscard]] const std::string& getPortName() const { return m_name; }
+    /// The block that owns it, never null.
     [[nodiscard]] HABMBlock* getParent() { return m_parent; }
     [[nodiscard]] const HABMBlock* getParent() const { return m_parent; }
 

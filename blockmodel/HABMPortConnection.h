@@ -14,6 +14,7 @@ class HABMBlock;
 /// at the block that owns the connection.
 class TQ_EXPORT HABMPortConnection {
 public:
+    /// Whether the design may change the connection; a fresh one is soft.
     enum class ConnectionType { Soft, Hard };
 
     HABMPortConnection(const HABMPortConnection&) = delete;
@@ -30,6 +31,7 @@ public:
     [[nodiscard]] ConnectionType getConnectionType() const { return m_fields.type; }
     void setConnectionType(const ConnectionType& type) { m_fields.type = type; }
 
+    /// As it was set, whether or not it leads to an object; empty unless set.
     [[nodiscard]] const std::string& getSourcePath() const { return m_fields.sourcePath; }
     /// True if the path is that of a port now; it is kept either way.
     bool setSourcePath(const std::string& path);

@@ -10,6 +10,7 @@
 /// Made by `HABMInterface::createPortMap`, owned by its interface.
 class TQ_EXPORT HABMPortMap {
 public:
+    /// Made by `HABMInterface::createPortMap`.
     HABMPortMap(std::string logicalPort, std::string physicalPort)
         : m_logicalPort(std::move(logicalPort)), m_physicalPort(std::move(physicalPort)) {}
     HABMPortMap(const HABMPortMap&) = delete;

@@ -13,11 +13,13 @@ class HABMAddrBlock;
 /// wide at offset 0, may be read and written, and has neither reset value nor value.
 class TQ_EXPORT HABMRegister {
 public:
+    /// What software may do; with a fresh register both.
     enum class RegisterAccess { ReadWrite, ReadOnly, WriteOnly };
 
     HABMRegister(const HABMRegister&) = delete;
     HABMRegister& operator=(const HABMRegister&) = delete;
 
+    /// Unique within the owner, never empty.
     [[nodiscard]] const std::string& getName() const { return m_name; }
     /// "/instance/map/block/register".
     [[nodiscard]] std::string getPath() const;

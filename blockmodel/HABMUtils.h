@@ -5,6 +5,7 @@
 
 #include "tq_export.h"
 
+/// Texts of the block model.
 class TQ_EXPORT HABMUtils {
 public:
     HABMUtils() = delete;

@@ -41,7 +41,7 @@ std::uint32_t toUnsigned32(const char* text, char** end, int base) {
     return static_cast<std::uint32_t>(wide);
 }
 
-/// Garbage behind the digits counts before their range.
+/// Garbage after the digits is reported first, then their range.
 void checkConversion(const std::string& text, const char* end) {
     if (end != text.data() + text.size())
         raiseInvalid(text);

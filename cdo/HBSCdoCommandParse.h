@@ -7,13 +7,13 @@
 
 #include "tq_export.h"
 
-/// Turns a typed text into a number: hexadecimal behind a leading "0x" in either letter case, else
+/// Turns a typed text into a number: hexadecimal after a leading "0x" in either letter case, else
 /// decimal (a leading 0 means nothing). White space and a sign may precede a decimal number,
 /// but a text that begins with "-" is invalid; " -1" wraps around to the highest number.
 ///
 /// Fails with an `HTCErrors::command_failed`, where TEXT is the text as given:
 /// - "user input is empty"
-/// - "user input 'TEXT' is invalid": a leading minus sign, no number, or more behind the number,
+/// - "user input 'TEXT' is invalid": a leading minus sign, no number, or more after the number,
 ///   which counts before the range
 /// - "user input 'TEXT' is out of range"
 ///

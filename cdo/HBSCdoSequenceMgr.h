@@ -15,6 +15,7 @@
 /// The end of the process destroys the table but not the wrappers in it.
 class TQ_EXPORT HBSCdoSequenceMgr {
 public:
+    /// The one of the process.
     static HBSCdoSequenceMgr& getGlobal();
 
     HBSCdoSequenceMgr(const HBSCdoSequenceMgr&) = delete;

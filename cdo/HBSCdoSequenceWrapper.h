@@ -33,7 +33,9 @@ public:
     HBSCdoSequenceWrapper(const HBSCdoSequenceWrapper&) = delete;
     HBSCdoSequenceWrapper& operator=(const HBSCdoSequenceWrapper&) = delete;
 
+    /// As given to the constructor.
     [[nodiscard]] std::string getName() const;
+    /// The native object as given to the constructor, may be null. Not owned.
     [[nodiscard]] CdoSequence* getSequence() const;
 
     /// Opens or closes a marker, as the kind says; any other kind is ignored. Fails on opening

@@ -18,9 +18,11 @@ namespace hbs_clocking {
 /// peripherals, at each of at most eight tolerance steps.
 class TQ_EXPORT HBSClockingAlgo1Pll : public HBSClockingAlgo {
 public:
+    /// An empty tree; `name` is for the caller.
     explicit HBSClockingAlgo1Pll(const std::string& name);
     ~HBSClockingAlgo1Pll() override;
 
+    /// True if a solution was found.
     bool runSolution() override;
     /// One domain with one PLL, and a reference that isn't 0.
     [[nodiscard]] bool validateConfig() const override;

@@ -23,9 +23,11 @@ namespace hbs_clocking {
 /// of additions.
 class TQ_EXPORT HBSClockingAlgo2Pll : public HBSClockingAlgo {
 public:
+    /// An empty tree; `name` is for the caller.
     explicit HBSClockingAlgo2Pll(const std::string& name);
     ~HBSClockingAlgo2Pll() override;
 
+    /// True if a solution was found.
     bool runSolution() override;
     /// Two domains with one PLL each, and a reference that isn't 0.
     [[nodiscard]] bool validateConfig() const override;

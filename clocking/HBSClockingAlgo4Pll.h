@@ -32,6 +32,7 @@ namespace hbs_clocking {
 /// tree again is solved without a search.
 class TQ_EXPORT HBSClockingAlgo4Pll : public HBSClockingAlgo {
 public:
+    /// An empty tree; `name` is for the caller.
     explicit HBSClockingAlgo4Pll(const std::string& name);
     ~HBSClockingAlgo4Pll() override;
 

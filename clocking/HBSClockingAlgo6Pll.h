@@ -21,6 +21,7 @@ namespace hbs_clocking {
 /// which these would serve them best are left out. For all else see `HBSClockingAlgo4Pll`.
 class TQ_EXPORT HBSClockingAlgo6Pll : public HBSClockingAlgo {
 public:
+    /// An empty tree; `name` is for the caller.
     explicit HBSClockingAlgo6Pll(const std::string& name);
     ~HBSClockingAlgo6Pll() override;
 

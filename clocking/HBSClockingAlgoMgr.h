@@ -14,6 +14,7 @@
 /// a time.
 class TQ_EXPORT HBSClockingAlgoMgr {
 public:
+    /// The one of the process, never null.
     static HBSClockingAlgoMgr* getGlobal();
 
     HBSClockingAlgoMgr(const HBSClockingAlgoMgr&) = delete;

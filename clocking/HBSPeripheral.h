@@ -23,6 +23,7 @@ public:
     HBSPeripheral(const HBSPeripheral&) = delete;
     HBSPeripheral& operator=(const HBSPeripheral&) = delete;
 
+    /// By which `HBSClockingAlgo::getPeripheral` finds it.
     [[nodiscard]] const std::string& getName() const { return m_name; }
     void setName(const std::string& name) { m_name = name; }
 
@@ -38,6 +39,7 @@ public:
     [[nodiscard]] bool isNOCPeripheral() const { return m_nocPeripheral; }
     void setNOCPeripheral(bool nocPeripheral) { m_nocPeripheral = nocPeripheral; }
 
+    /// As constructed, or as renamed by `setPowerDomain`.
     [[nodiscard]] const std::string& getPowerDomainName() const { return m_powerDomainName; }
     /// Renames the domain that is read back and returns true. The solvers go by the domain found
     /// when the peripheral was added: a peripheral can't be moved.
@@ -59,6 +61,7 @@ public:
 
     // For the solvers.
 
+    /// As constructed.
     [[nodiscard]] std::int32_t getPowerDomainIndex() const { return m_powerDomainIndex; }
     /// Stores both and works out the actual frequency, which stays when no PLL has that name or the
     /// divider is 0.

@@ -12,12 +12,14 @@ namespace hbs_clocking {
 /// A result is readable after a successful run; until then, and after a failed one, it reads 0.
 class TQ_EXPORT HBSPll {
 public:
+    /// A PLL without a result, with the limit of 2000 MHz.
     HBSPll(const std::string& name, const std::string& powerDomainName,
            std::int32_t powerDomainIndex);
 
     HBSPll(const HBSPll&) = delete;
     HBSPll& operator=(const HBSPll&) = delete;
 
+    /// By which its domain finds it, and results name it.
     [[nodiscard]] const std::string& getName() const { return m_name; }
     void setName(const std::string& name) { m_name = name; }
     [[nodiscard]] const std::string& getPowerDomainName() const { return m_powerDomainName; }

@@ -19,6 +19,7 @@ class HBSPeripheral;
 /// The name "NOC_DOMAIN" marks the domain of the NOC clock.
 class TQ_EXPORT HBSPowerDomain {
 public:
+    /// A domain without PLLs; `index` is its position in the solver's list.
     HBSPowerDomain(const std::string& name, std::int32_t index);
     virtual ~HBSPowerDomain();
 
@@ -32,6 +33,7 @@ public:
 
     // For the solvers.
 
+    /// As constructed.
     [[nodiscard]] const std::string& getName() const { return m_name; }
     /// Position in the solver's list of domains.
     [[nodiscard]] std::int32_t getIndex() const { return m_index; }

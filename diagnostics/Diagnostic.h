@@ -11,6 +11,7 @@
 
 namespace tq {
 
+/// How much a finding matters.
 enum class Severity : std::uint8_t {
     Remark,  ///< worth a look, probably as intended
     Warning, ///< something was left out or is probably not as intended
@@ -30,8 +31,8 @@ struct Place {
 
 /// A second place that explains the first: "first defined here".
 struct DiagnosticNote {
-    Place place;
-    std::string text;
+    Place place;      ///< unknown for a plain explanation
+    std::string text; ///< as in `Diagnostic`
 };
 
 /// One finding of a reader or a check.
@@ -50,6 +51,7 @@ struct Diagnostic {
     std::vector<DiagnosticNote> notes;
 };
 
+/// A finding without notes.
 [[nodiscard]] inline Diagnostic makeDiagnostic(Severity severity, std::string id, Place place,
                                                std::string text, std::string expected = {}) {
     Diagnostic diagnostic;
@@ -79,10 +81,13 @@ using DiagnosticSink = std::function<void(Diagnostic)>;
 ///     if (findings.hasErrors()) ...
 class DiagnosticList {
 public:
+    /// How many findings are kept unless asked otherwise.
     static constexpr std::size_t kMost = 1000;
 
+    /// `most`: how many findings are kept.
     explicit DiagnosticList(std::size_t most = kMost) : m_most(most) {}
 
+    /// Keeps the finding, or counts it where the list is full.
     void add(Diagnostic diagnostic) {
         ++m_counts[static_cast<std::size_t>(diagnostic.severity)];
         if (m_all.size() < m_most)

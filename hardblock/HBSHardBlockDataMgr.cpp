@@ -63,7 +63,7 @@ hardblock::HardBlockData* HBSHardBlockDataMgr::getHardBlockByName(const std::str
     return nullptr;
 }
 
-/// A hard block may be renamed behind the manager's back: the index then starts anew.
+/// A hard block may be renamed without the manager knowing: the index is then built anew.
 void HBSHardBlockDataMgr::updateIndex() {
     const std::uint64_t renames = hardblock::HardBlockData::s_renames;
     if (renames != m_renames) {

@@ -23,14 +23,18 @@ struct MetadataSource;
 /// changed from several threads at once.
 class TQ_EXPORT HardBlockData {
 public:
+    /// By name.
     using Interfaces = std::unordered_map<std::string, std::unique_ptr<Interface>>;
+    /// In file order.
     using Pins = std::vector<std::unique_ptr<Pin>>;
 
+    /// A hard block without pins and interfaces.
     explicit HardBlockData(const std::string& name);
     ~HardBlockData();
     HardBlockData(const HardBlockData&) = delete;
     HardBlockData& operator=(const HardBlockData&) = delete;
 
+    /// As constructed or set; any text.
     [[nodiscard]] std::string getName() const;
     void setName(const std::string& name);
 

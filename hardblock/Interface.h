@@ -26,14 +26,18 @@ struct MetadataSource;
 ///     axi.getPortMapByName("A[6]"); // "X[2]"
 class TQ_EXPORT Interface {
 public:
+    /// By the name of the port.
     using PortMaps = std::unordered_map<std::string, std::unique_ptr<PortMap>>;
+    /// Values by name.
     using Parameters = std::unordered_map<std::string, std::string>;
 
+    /// An interface without parameters and port maps.
     explicit Interface(const std::string& name);
     ~Interface();
     Interface(const Interface&) = delete;
     Interface& operator=(const Interface&) = delete;
 
+    /// As constructed.
     [[nodiscard]] std::string getName() const;
     /// The module of the access point; empty when none is given.
     [[nodiscard]] std::string getApModuleName() const;

@@ -54,7 +54,7 @@ bool getJsonInt(const base::JsonNode& object, std::string_view key, int& result,
                 const bool& required);
 
 /// A text up to its first NUL byte; "true" or "false"; the decimal text of an integer; of an array
-/// all its texts, one behind the other.
+/// all its texts, one after the other.
 bool getJsonString(const base::JsonNode& object, std::string_view key, std::string& result,
                    const bool& required);
 

@@ -21,7 +21,7 @@ struct MetadataSource {
     std::uint32_t parameters = kNone; ///< an object on the tape
     std::uint32_t portMaps = kNone;   ///< likewise
 
-    /// Adds the contents behind those that the interface has. Values of unsuitable types are passed
+    /// Adds the contents after those that the interface has. Values of unsuitable types are passed
     /// over without a message.
     static void add(Interface& interface, MetadataSource source) {
         interface.addSource(std::move(source));

@@ -12,6 +12,7 @@ namespace hardblock {
 /// The mapped side of one mapping. A default-constructed one has an empty name and leaves the two
 /// integers unset: set them before it is copied or read.
 struct TQ_EXPORT MappedPort {
+    /// An empty pair.
     MappedPort();
     MappedPort(const MappedPort& other);
     /// Leaves `other` with an empty name and its numbers.
@@ -37,6 +38,7 @@ public:
     /// The mapped side and the port side, each as "name[L:R]", or the bare name without a range.
     using MappedRawPorts = std::vector<std::pair<std::string, std::string>>;
 
+    /// A port map without entries.
     PortMap();
 
     /// The port's name, without a bit range.

@@ -11,7 +11,7 @@ namespace hardblock {
 ///
 /// The range is the text between the first "[" and the first "]" and is cut at each ":". A number
 /// is read as `atoi` does, saturating at the ends of `int`. The first number that isn't -1 is the
-/// left one, the last one behind it the right one; a right number that is missing or -1 becomes the
+/// left one, the last one after it the right one; a right number that is missing or -1 becomes the
 /// left one. Nothing else is tested: brackets out of order make an empty range.
 bool splitPortName(const std::string& text, std::string& name, int& right, int& left);
 

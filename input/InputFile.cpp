@@ -38,6 +38,7 @@ std::uint64_t limit() {
 }
 
 base::FileContent readFile(const std::string& path) {
+    // Looked at first, as the stream can't tell why it has failed to open.
     if (auto obstacle = base::findObstacle(path))
         return *std::move(obstacle);
     boost::iostreams::filtering_istream stream;

@@ -18,7 +18,7 @@ bool equals(const XMLCh* tag, std::string_view name) {
     return *tag == 0;
 }
 
-/// The node behind `node` in document order, not looking into it; null at the end of `top`.
+/// The node after `node` in document order, not looking into it; null at the end of `top`.
 const DOMNode* nextBeside(const DOMNode* node, const DOMNode* top) {
     while (node != top) {
         if (const DOMNode* const sibling = node->getNextSibling())

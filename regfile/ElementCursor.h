@@ -9,18 +9,18 @@
 
 namespace hbs::regfile {
 
-/// Stands on a node that it hasn't delivered yet: the document's root, or the first child of
-/// another cursor's node.
+/// Starts in front of a node, which the first step delivers: the document's root, or the first
+/// child of another cursor's node.
 class ElementCursor {
 public:
     explicit ElementCursor(const xercesc::DOMElement* root) : m_node(root) {}
     [[nodiscard]] ElementCursor children() const;
 
     /// Steps to the next element and gives the position, from 1, of its name in `names`; 0 when
-    /// no element is left or `names` hasn't got it, which ends the level either way.
+    /// no element is left or `names` doesn't have it, which ends the level either way.
     [[nodiscard]] int nextField(std::span<const std::string_view> names);
 
-    /// The element stepped to last, or null behind the last one.
+    /// The element stepped to last, or null after the last one.
     [[nodiscard]] const xercesc::DOMElement* element() const;
 
     /// The element's text in the local code page, trimmed, each inner run of white space folded to

@@ -186,7 +186,7 @@ void HBSRegFileParser::readProperty(HBSRegister& target, int position, const Cur
     case kRegisterDim:
         target.m_dim = readDim(cursor);
         break;
-    default: // fields, size and reset are none of the reader's business
+    default: // fields, size and reset aren't kept
         break;
     }
 }

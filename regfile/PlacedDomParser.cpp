@@ -18,7 +18,7 @@ void PlacedDomParser::startElement(const xercesc::XMLElementDecl& element, const
                                    const XMLSize_t count, const bool isEmpty, const bool isRoot) {
     const Place start = m_end;
     Base::startElement(element, urlId, prefix, attributes, count, isEmpty, isRoot);
-    // The current node, even behind the end of an empty element.
+    // The current node, even after the end of an empty element.
     m_places.emplace(getCurrentNode(), start);
     keepEnd();
 }

@@ -4,7 +4,7 @@
 #include <array>
 #include <string_view>
 
-/// An element that its level's list doesn't name ends that level: it and everything behind it among
+/// An element that its level's list doesn't name ends that level: it and everything after it among
 /// its siblings are left out, without a word. So these lists are part of the format.
 namespace hbs::regfile {
 

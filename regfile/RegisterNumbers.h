@@ -7,7 +7,7 @@
 
 namespace hbs::regfile {
 
-/// Reads every text as hexadecimal: the digits behind the last "x" or "X", or all of them. The
+/// Reads every text as hexadecimal: the digits after the last "x" or "X", or all of them. The
 /// empty text is 0; a text with any other character gives the all-ones value. Of more than 16
 /// digits the last 16 count.
 [[nodiscard]] std::uint64_t hexValue(std::string_view text);

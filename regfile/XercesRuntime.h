@@ -7,7 +7,7 @@
 
 namespace hbs::regfile {
 
-/// Starts Xerces, or counts one more user of it where it runs already, be it for this library or
+/// Starts Xerces, or counts one more user of it where it runs already, whether for this library or
 /// for another part of the process. It is never ended. A failure that Xerces reports is one line on
 /// the standard error stream.
 ///

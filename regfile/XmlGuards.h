@@ -15,7 +15,7 @@ namespace hbs::regfile {
 class Fault : public std::runtime_error {
 public:
     explicit Fault(const std::string& text) : std::runtime_error(text), m_text(text) {}
-    /// `what()` has "(line …, column …)" behind the text.
+    /// `what()` has "(line …, column …)" after the text.
     Fault(const std::string& text, XMLFileLoc line, XMLFileLoc column)
         : std::runtime_error(text + " (line " + std::to_string(line) + ", column " +
                              std::to_string(column) + ")"),

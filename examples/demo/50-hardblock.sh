@@ -1,4 +1,4 @@
-# Pins and interfaces of a hard block, and what stands behind one bit of a port.
+# Pins and interfaces of a hard block, and the pin behind one bit of a port.
 set -eu
 file=examples/device/sce/hardblocks/sorrel.json
 

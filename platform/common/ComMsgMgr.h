@@ -30,6 +30,7 @@ struct TQ_EXPORT ComMsg {
 /// Sends messages to the one sink of the process. Not guarded: one thread at a time.
 class TQ_EXPORT ComMsgMgr {
 public:
+    /// Receives messages in the order in which they are sent.
     using Sink = std::function<void(const ComMsg&)>;
 
     /// Puts a sink in place and gives back the one before. An empty function brings back the
@@ -37,6 +38,7 @@ public:
     /// the entry and exit lines of scope "cdo.gen".
     static Sink setSink(Sink sink);
 
+    /// Sends a message; `count` is how many arguments the sender claims.
     struct TQ_EXPORT sendMsg {
         template <class... Args>
         static void eval(int count, const char* file, int line, const char* category, unsigned mask,
@@ -45,6 +47,7 @@ public:
         }
     };
 
+    /// The same with a scope.
     struct TQ_EXPORT sendScopedMsg {
         template <class... Args>
         static void eval(int count, const char* file, int line, const char* category,

@@ -11,6 +11,7 @@
 /// All static. Keys and texts are copied with the document's allocator.
 class TQ_EXPORT HCRapidJsonReadWriteUtils {
 public:
+    /// Where the values of a plain document live.
     using Allocator = rapidjson::Document::AllocatorType;
 
     // Each adds a member at the end, without a look at the keys that are there. A `value` that

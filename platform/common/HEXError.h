@@ -10,9 +10,11 @@
 /// a NUL byte in the text ends what a reader of `what()` sees.
 class TQ_EXPORT HEXAll : public std::exception {
 public:
+    /// `text` is for a person.
     explicit HEXAll(std::string text);
     ~HEXAll() override;
 
+    /// The text as given.
     [[nodiscard]] const char* what() const noexcept override;
 
 private:
@@ -22,6 +24,7 @@ private:
 /// A failure that ends an operation.
 class TQ_EXPORT HEXError : public HEXAll {
 public:
+    /// `text` is for a person.
     explicit HEXError(std::string text);
     ~HEXError() override;
 };

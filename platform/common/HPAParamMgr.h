@@ -18,11 +18,13 @@
 /// "vorn.addressingTclTimeLimitMs", 60000: what the scripts of one subsystem instance may take.
 class TQ_EXPORT HPAParamMgr {
 public:
+    /// The one of the process, never null.
     static HPAParamMgr* getParamMgr();
 
     HPAParamMgr(const HPAParamMgr&) = delete;
     HPAParamMgr& operator=(const HPAParamMgr&) = delete;
 
+    /// Sets a parameter, known or new.
     void setValue(const std::string& name, const std::string& text);
     /// Forgets what was set, so that the default applies again. An unknown name is no error.
     void unsetValue(const std::string& name);

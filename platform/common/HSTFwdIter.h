@@ -15,7 +15,7 @@
 template <class T>
 class HSTFwdIter {
 public:
-    /// The current element; steps on to the one behind it. The valid flag is false once the last
+    /// The current element; steps on to the next one. The valid flag is false once the last
     /// element has been given. A call on an invalid iterator gives a value-initialised `T`.
     virtual T next() = 0;
     virtual ~HSTFwdIter() = default;
@@ -23,6 +23,7 @@ public:
     HSTFwdIter(const HSTFwdIter&) = delete;
     HSTFwdIter& operator=(const HSTFwdIter&) = delete;
 
+    /// False when the elements are used up.
     [[nodiscard]] bool isValid() const { return m_valid; }
 
 protected:
@@ -31,10 +32,11 @@ protected:
     bool m_valid = false;
 };
 
-/// Iterates over a copy of a vector, so that the list behind it may change meanwhile.
+/// Iterates over a copy of a vector, so that the original may change meanwhile.
 template <class T>
 class HSTFwdSTLIter final : public HSTFwdIter<T> {
 public:
+    /// Goes through copies of the elements in their order.
     explicit HSTFwdSTLIter(std::vector<T> elements) : m_elements(std::move(elements)) {
         this->m_valid = !m_elements.empty();
     }

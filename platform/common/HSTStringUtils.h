@@ -10,6 +10,7 @@
 /// themselves.
 class TQ_EXPORT HSTStringUtils {
 public:
+    /// The text with the letters a to z made large; other bytes stay.
     [[nodiscard]] static std::string to_upper(std::string text);
     /// True for an empty prefix.
     [[nodiscard]] static bool istarts_with(std::string_view text, std::string_view prefix);

@@ -9,6 +9,7 @@ namespace HTCErrors {
 /// `HEXAll` or `std::exception`.
 class TQ_EXPORT command_failed : public HEXError {
 public:
+    /// `text` is for a person.
     explicit command_failed(std::string text);
     ~command_failed() override;
 };

@@ -15,8 +15,10 @@
 ///         read(HUTFile(it->next()));
 class TQ_EXPORT HUTFile {
 public:
+    /// Any path; nothing is opened.
     explicit HUTFile(const std::string& path);
 
+    /// True if the path leads to something, a file or not.
     [[nodiscard]] bool exists() const;
     /// True for a regular file alone.
     [[nodiscard]] bool isFile() const;

@@ -24,12 +24,12 @@ public:
     [[nodiscard]] pugi::xml_node root() { return m_document; }
 
     /// The name with what doesn't belong into one replaced; lives until the next call. The few
-    /// names of a document come up again and again, so those met last are kept.
+    /// names of a document repeat, so those met last are kept.
     const std::string& fitName(std::string_view name);
     /// Appends the value, with what XML can't hold replaced.
     static void appendFitted(std::string& fitted, std::string_view value);
     /// The value fitted likewise; lives until the next call. `value` ends in a
-    /// zero behind its `length` bytes.
+    /// zero after its `length` bytes.
     const char* fitValue(const char* value, std::size_t length);
 
 private:

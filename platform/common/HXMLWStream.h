@@ -1,4 +1,4 @@
-// Writes an XML file while its elements come up.
+// Writes an XML file as its elements come.
 #pragma once
 
 #include <memory>
@@ -25,6 +25,7 @@ class FileReplacement;
 /// before stays.
 class TQ_EXPORT HXMLWStream {
 public:
+    /// Opens the new file beside `path`; a failure is reported by `finish`.
     explicit HXMLWStream(const std::string& path);
     ~HXMLWStream();
     HXMLWStream(const HXMLWStream&) = delete;

@@ -38,7 +38,8 @@ std::string escaped(std::string_view value) {
     return result;
 }
 
-char* copied(char* to, std::string_view piece) {
+/// The end of the piece in its new place.
+char* appendTo(char* to, std::string_view piece) {
     // An empty view may have no place at all.
     if (!piece.empty())
         std::memcpy(to, piece.data(), piece.size());
@@ -52,7 +53,7 @@ void HXMLWText::start(std::string_view element) {
     const std::size_t levels = m_depth + m_open.size();
     char* end = std::fill_n(makeRoom(levels + 1 + element.size()), levels, '\t');
     *end++ = '<';
-    copied(end, element);
+    appendTo(end, element);
     m_open.push_back(element);
     m_inTag = true;
 }
@@ -66,10 +67,10 @@ void HXMLWText::attribute(std::string_view name, std::string_view value) {
         value = other;
     char* end = makeRoom(name.size() + value.size() + 4);
     *end++ = ' ';
-    end = copied(end, name);
+    end = appendTo(end, name);
     *end++ = '=';
     *end++ = '"';
-    end = copied(end, value);
+    end = appendTo(end, value);
     *end = '"';
 }
 
@@ -83,7 +84,7 @@ void HXMLWText::end() {
     }
     const std::size_t levels = m_depth + m_open.size();
     char* end = std::fill_n(makeRoom(levels + element.size() + 4), levels, '\t');
-    copied(copied(copied(end, "</"), element), ">\n");
+    appendTo(appendTo(appendTo(end, "</"), element), ">\n");
 }
 
 void HXMLWText::append(std::string_view elements) {
@@ -100,7 +101,7 @@ void HXMLWText::endTag() {
 }
 
 void HXMLWText::put(std::string_view piece) {
-    copied(makeRoom(piece.size()), piece);
+    appendTo(makeRoom(piece.size()), piece);
 }
 
 /// Where so many more bytes go; they count already.

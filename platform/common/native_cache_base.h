@@ -20,11 +20,12 @@ namespace hdi::tcltasks {
 /// `setRuntime`.
 class TQ_EXPORT native_cache_base {
 public:
+    /// The callbacks; empty ones fall back.
     struct Runtime {
-        std::function<bool()> tcl_exiting;
+        std::function<bool()> tcl_exiting; ///< true once Tcl is shutting down
         std::function<void(Tcl_Obj*)> mark_invalid;
         std::function<void(Tcl_Obj*)> decr_refcount;
-        std::function<void(const char*)> error;
+        std::function<void(const char*)> error; ///< gets a sentence; may throw
     };
 
     /// Puts the callbacks in place and gives back the previous ones.

@@ -20,6 +20,7 @@ namespace hdi::pyinfra {
 /// layer. Not guarded: one thread at a time, and no callback may call `setRuntime`.
 class TQ_EXPORT py_native_cache_base {
 public:
+    /// The callbacks; empty ones fall back.
     struct Runtime {
         std::function<bool()> py_exiting;
         std::function<void(_object*)> mark_invalid;

@@ -22,6 +22,7 @@ namespace isl::iostreams {
 /// the stream isn't bad after the end was seen.
 class TQ_EXPORT xp_autodetect {
 public:
+    /// Pushes the filters that the file needs, and the file, onto an empty stream.
     void operator()(const std::string& path, boost::iostreams::filtering_istream& stream) const;
 };
 

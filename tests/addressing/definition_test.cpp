@@ -1,4 +1,4 @@
-// Definitions: the cache, and stubs with what they stand for.
+// Definitions: the cache, and stubs with their definitions.
 
 #include "addressing/HBSAddressing.h"
 

@@ -136,7 +136,7 @@ TEST(LoadBlockNamespace, LoadsNothingBelowABadVlnv) {
     EXPECT_EQ("0", value(other, "info exists ::registers"));
 }
 
-/// Names that would run "set ::ran 1", or set something that nobody meant, if they were quoted
+/// Names that would run "set ::ran 1", or set something unintended, if they were quoted
 /// badly.
 TEST(HostileNames, OfInstancesAndRegistersAreReportedAndRunNothing) {
     for (const std::string& name :

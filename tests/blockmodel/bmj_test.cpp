@@ -59,7 +59,7 @@ TEST_P(GeneratedBlocks, MergedBlockIsTheChildBelowTheStubsPath) {
     EXPECT_EQ(generated::bytes(*child), generated::bytes(*top->removeSubBlock("inner")));
 }
 
-/// A block with every field of every kind of object set to something that a fresh one hasn't got.
+/// A block with every field of every kind of object set to something that a fresh one doesn't have.
 std::unique_ptr<HABMBlock> filledBlock() {
     auto top = HABMBlock::createTopBlock("soc");
     top->setModuleVlnv("v:l:soc:1");
@@ -225,9 +225,8 @@ TEST(BmjFile, SaysWhyItIsRefused) {
                         std::string(61, 'x') + R"("}]}})"));
     const std::vector<HostileCase> cases{
         {R"("ports":[{"name":"p"},{"name":"p"}])",
-         "the name 'p' is empty, holds a '/' or stands there twice"},
-        {R"("ports":[{"name":"a/b"}])",
-         "the name 'a/b' is empty, holds a '/' or stands there twice"},
+         "the name 'p' is empty, holds a '/' or occurs twice"},
+        {R"("ports":[{"name":"a/b"}])", "the name 'a/b' is empty, holds a '/' or occurs twice"},
         {R"("ports":[{"name":"p","left":-1}])", "'-1' is no number for 'left'"},
         {R"("ports":[{"name":"p","left":1e-2147483600}])",
          "'1e-2147483600' is no number for 'left'"},
@@ -242,7 +241,7 @@ TEST(BmjFile, SaysWhyItIsRefused) {
         {R"("stub":"yes")", "true or false was expected as 'stub'"},
         {R"("parameters":[["a"]])", "a pair was expected"},
         {R"("parameters":[["a","1"],["a","2"]])",
-         "the name 'a' is empty, holds a '/' or stands there twice"},
+         "the name 'a' is empty, holds a '/' or occurs twice"},
         {R"("colour":"red")", "the key 'colour' is unknown, repeated or out of place"},
         {R"("ports":[{"name":"p","left":1.5}])", "'1.5' is no number for 'left'"},
         {R"("ports":[{"name":"p","left":4294967296}])", "'4294967296' is no number for 'left'"},
@@ -262,11 +261,11 @@ TEST(BmjFile, SaysWhyItIsRefused) {
         {R"("memory_maps":[{"name":"m","blocks":[{"name":"b","aperture":["0x1",2]}]}])",
          "a text was expected"},
         {R"("blocks":[{"instance":"a/b","module":"m"}])",
-         "the sub-block 'a/b' has an unusable or repeated name, or stands too deep"},
+         "the sub-block 'a/b' has an unusable or repeated name, or is nested too deeply"},
         {R"("port_connections":[{"name":""}])",
-         "the name '' is empty, holds a '/' or stands there twice"},
+         "the name '' is empty, holds a '/' or occurs twice"},
         {R"("interface_connections":[{"name":""}])",
-         "the name '' is empty, holds a '/' or stands there twice"},
+         "the name '' is empty, holds a '/' or occurs twice"},
     };
     for (const HostileCase& c : cases)
         EXPECT_EQ(c.reason, reasonFor(head + R"(1,"block":{)" + c.block + "}}")) << c.block;
@@ -291,7 +290,7 @@ TEST(BmjFile, DeepestTreeMakesTheTripAndDeeperOnesAreRefused) {
                   R"({"instance":"b","module":"m","blocks":[{"instance":"b"}]})");
     EXPECT_EQ(nullptr, readBack(bytes));
     ASSERT_EQ(1U, messages.all().size());
-    EXPECT_THAT(messages.all()[0].arguments[1], testing::HasSubstr("stands too deep"));
+    EXPECT_THAT(messages.all()[0].arguments[1], testing::HasSubstr("is nested too deeply"));
 }
 
 TEST(BmjFile, MissingFileIsNoFaultAndOtherThingsAre) {

@@ -291,7 +291,7 @@ private:
 
     std::mt19937 m_random;
     std::uint32_t m_size = 0;
-    bool m_strange = false; ///< values of wrong types come up
+    bool m_strange = false; ///< values of wrong types occur
     std::string m_core;
 };
 

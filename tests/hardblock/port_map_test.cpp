@@ -1,4 +1,4 @@
-// Port texts, what stands behind a bit of a port, and interfaces found by their name.
+// Port texts, the pin behind a bit of a port, and interfaces found by their name.
 
 #include <gtest/gtest.h>
 

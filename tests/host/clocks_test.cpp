@@ -212,7 +212,7 @@ TEST(ClocksWord, KeepsItsTreeAndTheOldPictureWhereItCanNotWrite) {
     const std::string command = std::string(HBS_PROGRAM) + " clocks " + tree + " --svg ";
     EXPECT_EQ(2, support::run(command + dir.file("./tree.json")).status);
     EXPECT_EQ(support::readFile(kSmallTree), support::readFile(tree));
-    // A limit of one block stands for a full disk.
+    // A file size limit of one block takes the place of a full disk.
     const std::string limited = "trap '' XFSZ; ulimit -f 1; " + command + picture + " >/dev/null";
     EXPECT_THAT(support::run(limited).error, testing::HasSubstr("File too large"));
     EXPECT_EQ("old", support::readFile(picture));

@@ -7,7 +7,7 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 
-/// One hard block, with two keys that nobody knows.
+/// One hard block, with two unknown keys.
 constexpr const char* kMetadata = R"({"ps": {
  "pins": {"CLK": {"direction": "in", "dir": 1}, "D": {"type": "vector", "size_left": 7}},
  "interfaces": {"AXI": {"access_point": {"module": "noc", "ports": {},

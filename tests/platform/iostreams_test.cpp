@@ -61,7 +61,7 @@ TEST(Autodetect, NeverPassesDamageAsGood) {
         for (std::size_t length = 2; length < whole.size();
              length += length + 30 < whole.size() ? 1 + length / 20 : 1)
             damaged.push_back(whole.substr(0, length));
-        // The checksum stands 8 to 5 bytes from the end.
+        // The checksum is 8 to 5 bytes from the end.
         for (const std::size_t fromEnd : {5U, 8U, 9U, 12U}) {
             damaged.push_back(whole);
             damaged.back()[whole.size() - fromEnd] ^= '\x55';

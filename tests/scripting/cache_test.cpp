@@ -1,5 +1,5 @@
 // Script objects bound to native ones, on both scripting sides. The tables never look into a script
-// object, so plain addresses stand for them.
+// object, so plain addresses take their place.
 
 #include <gtest/gtest.h>
 

@@ -65,7 +65,7 @@ public:
 
     /// An address space of the instance. Entries are sorted by start, size and name.
     struct Space {
-        std::string path;
+        std::string path; ///< of the space: "cpu0/data"
         const HABMAddrSpace* space = nullptr;
         std::vector<SpaceEntry> windows;
         std::vector<SpaceEntry> assigned;

@@ -125,7 +125,7 @@ private:
         double x;
         double y;      ///< upper edge of the strips
         double height; ///< of the strips
-        double bytes;  ///< that the strip on the left stands for
+        double bytes;  ///< that the strip on the left shows
         std::vector<Stretch> stretches;
     };
 

@@ -166,6 +166,7 @@ CompiledDefinition compileDefinition(const std::string& directory, const std::st
 void writeDefinition(CompiledDefinition& definition) {
     // The library's own write wouldn't tell of a failure.
     const std::string path = definition.folder + "/" + definition.block->getModuleName() + ".bmj";
+    // A link of that name may lead to one of the tables, which the block would then replace.
     for (const HBSTableReport& report : definition.tables)
         refuseInput(path, {definition.folder + "/" + report.table});
     if (!HABMBlock::writeTopBlock(HUTFile(path), *definition.block, true))

@@ -12,6 +12,7 @@
 
 namespace tq {
 
+/// A compiled hard block, and what became of its tables.
 struct CompiledDefinition {
     std::string folder; ///< of the hard block: its tables are in its folder "data"
     std::unique_ptr<HABMBlock> block;

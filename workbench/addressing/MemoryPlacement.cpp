@@ -74,6 +74,7 @@ MemoryPlacement::MemoryPlacement(const HABMBlock& instance) {
 
 bool MemoryPlacement::movesWithBase(const HABMMemoryMap& map, const HABMAddrValue& base,
                                     const std::vector<HABMInterface*>& interfaces) const {
+    // Both placements are the same without memory or without a base; the cheap answers come first.
     const Blocks memory = memoryOf(map);
     if (memory.empty() || base == kZero)
         return true;
@@ -92,6 +93,8 @@ MemoryPlacement::Hint MemoryPlacement::hintOfAssigns(const Blocks& memory,
         if (found == m_offsets.end())
             continue;
         for (const HABMAddrValue& offset : found->second) {
+            // One initiator that sees the memory at its moved place is enough: another may reach
+            // it at its bare offset through an alias.
             if (offset == base.plus(block->getOffset()))
                 return Hint::Moved;
             if (offset == block->getOffset())

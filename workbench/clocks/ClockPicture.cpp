@@ -1,4 +1,4 @@
-// The report of `hbs clocks` as a picture: reference, PLLs by domain, peripherals behind their PLL.
+// The report of `hbs clocks` as a picture: reference, PLLs by domain, peripherals beside their PLL.
 
 #include <algorithm>
 #include <cmath>

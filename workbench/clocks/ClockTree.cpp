@@ -97,6 +97,8 @@ private:
         return peripheral;
     }
 
+    /// Names are looked up by their text, where the first of equals would always win. Control
+    /// characters would break the tables.
     [[nodiscard]] const std::string& newName(const JsonNode& node, std::set<std::string>& names) {
         const std::string& name = m_file.string(node);
         const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20U; };

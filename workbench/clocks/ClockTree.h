@@ -34,29 +34,33 @@ namespace tq {
 /// second named "NOC_DOMAIN", and one enabled peripheral marked "noc". Names are unique within
 /// their list, and not empty.
 struct ClockTree {
+    /// A PLL of a domain.
     struct Pll {
-        std::string name;
-        float maxMhz = 2000.0F;
-        bool noc = false;
+        std::string name;       ///< unique in the tree
+        float maxMhz = 2000.0F; ///< in front of the dividers of peripherals
+        bool noc = false;       ///< a mark that no solver reads
     };
+    /// A power domain with its PLLs, in file order.
     struct Domain {
-        std::string name;
+        std::string name; ///< unique in the tree
         std::vector<Pll> plls;
     };
+    /// A request for a clock. A disabled one takes no part in the solution.
     struct Peripheral {
-        std::string name;
-        std::string domain;
-        float mhz = 0.0F;
-        float maxErrorPercent = 100.0F;
+        std::string name;               ///< unique in the tree
+        std::string domain;             ///< whose PLLs feed it
+        float mhz = 0.0F;               ///< as asked for
+        float maxErrorPercent = 100.0F; ///< of that, in either direction
         bool enabled = true;
-        bool noc = false;
+        bool noc = false; ///< sets the NOC clock of a tree of four or six PLLs
     };
 
+    /// 1, 2, 4 or 6: which solver is used.
     unsigned pllCount = 1;
     float referenceMhz = 33.333F;
-    float maxCrossMhz = 1000.0F;
-    bool allowCrossDomain = false;
-    std::vector<Domain> domains;
+    float maxCrossMhz = 1000.0F;   ///< of a clock that goes to another domain
+    bool allowCrossDomain = false; ///< whether peripherals may take such clocks
+    std::vector<Domain> domains;   ///< as the solver expects them
     std::vector<Peripheral> peripherals;
 };
 

@@ -17,6 +17,7 @@ public:
     explicit InputError(const std::string& text);
     explicit InputError(Diagnostic diagnostic);
 
+    /// The finding with its place, as it was given.
     [[nodiscard]] const Diagnostic& diagnostic() const { return m_diagnostic; }
 
 private:

@@ -17,11 +17,12 @@ namespace tq {
 
 /// One value of a JSON file.
 struct TQ_WORKBENCH_EXPORT JsonNode {
+    /// The kinds of JSON values.
     enum class Kind { Null, Boolean, Number, String, Array, Object };
 
     struct Member;
 
-    Kind kind = Kind::Null;
+    Kind kind = Kind::Null;      ///< which of the members below count
     std::size_t offset = 0;      ///< byte at which the value starts
     bool boolean = false;        ///< of a Boolean
     double number = 0;           ///< of a Number
@@ -33,6 +34,7 @@ struct TQ_WORKBENCH_EXPORT JsonNode {
     [[nodiscard]] const JsonNode* find(std::string_view name) const;
 };
 
+/// A name with its value.
 struct JsonNode::Member {
     std::string name;
     std::size_t offset = 0; ///< byte at which the name starts
@@ -51,13 +53,17 @@ struct JsonNode::Member {
 /// the content.
 class TQ_WORKBENCH_EXPORT JsonFile {
 public:
+    /// Deeper nesting is an error.
     static constexpr std::size_t kMostLevels = 200;
     static constexpr std::size_t kMostValues = 8'388'608;
 
+    /// Reads a whole file, or a text as if it were that of the file `path`.
     static JsonFile read(const std::string& path);
     static JsonFile parse(std::string path, std::string content);
 
+    /// As given to `read` or `parse`.
     [[nodiscard]] const std::string& path() const;
+    /// The outermost value. Lives as long as any copy of the file.
     [[nodiscard]] const JsonNode& root() const;
 
     /// Raises the error "FILE:LINE:COLUMN: error: <what>".

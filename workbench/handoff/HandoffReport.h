@@ -13,6 +13,7 @@ namespace tq {
 
 /// What the document holds, taken from what it was written from.
 struct HandoffReport {
+    /// A module with memory ranges.
     struct Master {
         std::string name;
         std::size_t ranges = 0;

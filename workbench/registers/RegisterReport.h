@@ -11,6 +11,7 @@
 
 namespace tq {
 
+/// What was found in a file.
 struct RegisterList {
     std::unique_ptr<hbs::HBSRegistersMap> map;
     std::vector<const hbs::HBSRegister*> registers; ///< of the map, in file order

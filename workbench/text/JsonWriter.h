@@ -22,7 +22,7 @@ namespace tq {
 ///     json.endObject();
 ///     out << json.text();
 ///
-/// Bytes of texts that aren't UTF-8 become U+FFFD. Numbers that JSON hasn't got (NaN, infinities)
+/// Bytes of texts that aren't UTF-8 become U+FFFD. Numbers that JSON doesn't have (NaN, infinities)
 /// become null. Raises `std::bad_alloc` when memory runs out.
 class JsonWriter {
 public:

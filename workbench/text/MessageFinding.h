@@ -20,6 +20,7 @@ namespace tq {
 /// The sink is the process's; scopes end in the reverse order of their beginning.
 class TQ_WORKBENCH_EXPORT MessageScope {
 public:
+    /// An empty function receives as the default sink does.
     explicit MessageScope(std::function<void(const ComMsg&)> receive);
     ~MessageScope();
     MessageScope(const MessageScope&) = delete;

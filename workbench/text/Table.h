@@ -16,13 +16,16 @@ namespace tq {
 ///     table.print(std::cout);
 class TQ_WORKBENCH_EXPORT Table {
 public:
+    /// The side of its column at which a text begins or ends.
     enum class Align { Left, Right };
 
+    /// The head of a column.
     struct Column {
         std::string title;
         Align align = Align::Left;
     };
 
+    /// A table without rows.
     explicit Table(std::vector<Column> columns);
 
     /// Missing cells are blank, cells too many are dropped, control characters are made visible.
