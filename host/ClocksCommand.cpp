@@ -11,6 +11,7 @@
 #include "workbench/clocks/ClockCheck.h"
 #include "workbench/clocks/ClockReport.h"
 #include "workbench/clocks/ClockRun.h"
+#include "workbench/clocks/ClockSweep.h"
 #include "workbench/clocks/ClockTree.h"
 #include "workbench/files/OutputFile.h"
 #include "workbench/text/DiagnosticText.h"
@@ -27,6 +28,7 @@ struct Options {
     int threads = 1; ///< one number everywhere, as near ties are decided by the split
     std::string picturePath;
     std::string settingPath;
+    std::string sweep;
 };
 
 /// Shows a waiting person where the search is.
@@ -34,10 +36,14 @@ void announceStep(float tolerance) {
     std::cerr << "hbs: searching at tolerance " << tolerance << '\n';
 }
 
-void writePicture(const std::string& path, const tq::ClockReport& report, float referenceMhz) {
-    tq::TextStream picture;
-    tq::printClockPicture(report, referenceMhz, picture);
-    tq::writeOutput(path, picture.view());
+/// Writes what `print` prints, if a file was asked for.
+template <class Print>
+void writeFile(const std::string& path, Print print) {
+    if (path.empty())
+        return;
+    tq::TextStream text;
+    print(text);
+    tq::writeOutput(path, text.view());
 }
 
 /// A tree that the solver refuses is a fault of the file, said in the library's words.
@@ -61,11 +67,25 @@ int check(const Options& options, const tq::ClockTree& tree) {
     return result.holds() ? kSuccess : kNoResult;
 }
 
+int sweep(const Options& options, const tq::ClockTree& tree) {
+    const tq::ClockSweep sweep = tq::readClockSweep(tree, options.sweep);
+    const std::vector<tq::SweepPoint> points = tq::runClockSweep(tree, sweep);
+    if (options.json)
+        tq::printClockSweepJson(sweep, points, std::cout);
+    else
+        tq::printClockSweep(sweep, points, std::cout);
+    writeFile(options.picturePath,
+              [&](std::ostream& out) { tq::printClockSweepPicture(sweep, points, out); });
+    return tq::bestPoint(points) != nullptr ? kSuccess : kNoResult;
+}
+
 int solve(const Options& options) {
     tq::refuseInput(options.picturePath, {options.path});
     const tq::ClockTree tree = readTree(options.path);
     if (!options.settingPath.empty())
         return check(options, tree);
+    if (!options.sweep.empty())
+        return sweep(options, tree);
     HPAParamMgr::getParamMgr()->setValue("general.maxThreads", std::to_string(options.threads));
     tq::StepObserver observer;
     if (isatty(STDERR_FILENO) != 0)
@@ -83,8 +103,10 @@ int solve(const Options& options) {
         tq::printClockJson(report, std::cout);
     else
         tq::printClockTables(report, std::cout);
-    if (report.found && !options.picturePath.empty())
-        writePicture(options.picturePath, report, tree.referenceMhz);
+    if (report.found)
+        writeFile(options.picturePath, [&](std::ostream& out) {
+            tq::printClockPicture(report, tree.referenceMhz, out);
+        });
     return report.found ? kSuccess : kNoResult;
 }
 
@@ -102,7 +124,11 @@ void declareClocks(CLI::App& app, int& status) {
         ->capture_default_str();
     word->add_option("--check", options->settingPath,
                      "Checks the setting of this file, as --json prints one, against every rule");
-    word->add_option("--svg", options->picturePath, "Draws the solved tree into a file");
+    word->add_option("--sweep", options->sweep,
+                     "Solves the tree for several values: SUBJECT=VALUE,FIRST:LAST:STEP,... of "
+                     "reference, max_cross, PLL.max, PERIPHERAL.mhz or PERIPHERAL.max_error");
+    word->add_option("--svg", options->picturePath,
+                     "Draws the solved tree, or what a sweep found, into a file");
     word->callback([options, &status] { status = solve(*options); });
 }
 

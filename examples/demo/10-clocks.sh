@@ -1,6 +1,7 @@
 #!/bin/sh
 # Clock trees: one that fits at the first tolerance, one that loosens, one of six PLLs with its
-# picture, one that can't be solved, and a check of a setting.
+# picture, one that can't be solved, a check of a setting, and
+# several references.
 set -eu
 trees=examples/clocks
 
@@ -21,4 +22,8 @@ echo "\$ hbs clocks $trees/radio_frontend.json --json > build/demo/setting.json"
 hbs clocks "$trees/radio_frontend.json" --json >build/demo/setting.json
 echo "\$ hbs clocks $trees/radio_frontend.json --check build/demo/setting.json"
 hbs clocks "$trees/radio_frontend.json" --check build/demo/setting.json
+echo
+echo "\$ hbs clocks $trees/application_soc.json --sweep reference=24:26:0.5,33.333"
+hbs clocks "$trees/application_soc.json" --sweep reference=24:26:0.5,33.333 \
+    --svg build/demo/sweep.svg
 echo
