@@ -139,6 +139,7 @@ void HBSClockingAlgo::resetResults() {
     m_totalRelativeError = kWorstTotalError;
     m_toleranceFactor = kToleranceLadder.front();
     m_resultFound = false;
+    m_settings.clear();
     for (const auto& domain : m_powerDomains) {
         domain->setErrorLimit(1.0F);
         domain->resetPlls();

@@ -17,6 +17,7 @@
 #include "clocking/HBSPeripheral.h"
 #include "clocking/HBSPll.h"
 #include "clocking/HBSPowerDomain.h"
+#include "clocking/SearchTerms.h"
 #include "tq_export.h"
 
 namespace hbs_clocking {
@@ -26,6 +27,9 @@ class CombinationList;
 class SavedResults;
 struct ComboResult;
 struct DividerRange;
+struct RunTerms;
+struct SearchProblem;
+class SettingList;
 struct StepCandidates;
 struct TreeShape;
 struct Tuple;
@@ -127,6 +131,15 @@ public:
     [[nodiscard]] bool getSharesSolutions() const { return m_sharesSolutions; }
     void setSharesSolutions(bool shares) { m_sharesSolutions = shares; }
 
+    /// What the next runs must keep to. A run with terms neither takes from the process's store of
+    /// solutions nor adds to it.
+    void setTerms(SearchTerms terms) { m_terms = std::move(terms); }
+    [[nodiscard]] const SearchTerms& getTerms() const { return m_terms; }
+    /// The best settings of the step that the last run ended with, its answer first: as many as its
+    /// terms ask for, each with another multiplier or source than all others. Among them, every
+    /// peripheral takes the best clock that it may.
+    [[nodiscard]] const std::vector<ClockSetting>& getSettings() const { return m_settings; }
+
     // Looking up. The first of that name, or null.
 
     [[nodiscard]] std::string getName() const { return m_name; }
@@ -171,6 +184,26 @@ protected:
     [[nodiscard]] const char* faultOfPllCounts(const char* severalText) const;
     /// Name of a PLL by the positions of its domain and within it; empty where there is none.
     [[nodiscard]] std::string getPllNameAt(unsigned domainIndex, unsigned pllIndex) const;
+
+    // Terms (HBSClockingAlgo_terms.cpp).
+
+    /// Whether runs may take part in the store of solutions.
+    [[nodiscard]] bool usesStore() const;
+    [[nodiscard]] RunTerms runTerms(const std::vector<HBSPeripheral*>& enabled) const;
+    /// The multipliers to try for a PLL: its own by the terms, else all of the list. The NOC PLL's
+    /// own one must be in the list.
+    [[nodiscard]] std::vector<unsigned> allowedMultipliers(unsigned pll,
+                                                           std::span<const unsigned> list) const;
+    /// Whether the terms name one of two PLLs, which can't be swapped then.
+    [[nodiscard]] bool tellApart(unsigned pllA, unsigned pllB) const;
+    /// Position of a domain's first PLL in the solver's order.
+    [[nodiscard]] unsigned firstPllOf(unsigned domainIndex) const;
+    /// The answer of a run as a setting; `m_totalRelativeError` is its sum.
+    [[nodiscard]] ClockSetting settingOf(const std::vector<HBSPeripheral*>& enabled,
+                                         const PeripheralResult& peripheralResult,
+                                         const PllResult& pllResult) const;
+    /// Ends a run: what `getSettings` gives, if the terms ask for settings.
+    void keepSettings(SettingList& list, const ClockSetting& answer);
 
     // Dividers (HBSClockingAlgo_dividers.cpp).
 
@@ -281,6 +314,8 @@ protected:
     bool m_resultFound = false;
     bool m_allowCrossDomain = false;
     bool m_sharesSolutions = true;
+    SearchTerms m_terms;
+    std::vector<ClockSetting> m_settings;
     float m_refClkFreq = 33.333F;
     float m_maxCrossDomainFreq = 1000.0F;
     float m_toleranceFactor = 0.001F;
@@ -300,6 +335,11 @@ private:
                                              const std::vector<HBSPeripheral*>& noc,
                                              StepCandidates& candidates);
     void complainOfNocPeripherals(const TreeShape& shape, const CombinationList& combos) const;
+    [[nodiscard]] SearchProblem problemOf(const TreeShape& shape,
+                                          const std::vector<HBSPeripheral*>& enabled,
+                                          const CombinationList& combos) const;
+    void listSettings(const TreeShape& shape, const std::vector<HBSPeripheral*>& enabled,
+                      const CombinationList& combos, const ComboResult& result);
     void writeDecisions(const TreeShape& shape, const std::vector<HBSPeripheral*>& enabled,
                         const Tuple& tuple, ComboResult& result) const;
     void sendTimingMessage(std::size_t enabledCount,

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "clocking/ClockingArithmetic.h"
+#include "clocking/search/RunTerms.h"
 
 namespace hbs_clocking {
 
@@ -44,7 +45,7 @@ bool HBSClockingAlgo1Pll::runSolution() {
         if (!collectCandidates(enabled, multiplierBits, multipliers))
             return false;
         const std::vector<unsigned> covering =
-            filterMultipliersForDomain(multipliers, multiplierBits, 0);
+            filterMultipliersForDomain(allowedMultipliers(0, multipliers), multiplierBits, 0);
         PeripheralResult peripheralResult;
         PllResult pllResult;
         if (!solveMultiplierList(enabled, covering, peripheralResult, pllResult))
@@ -59,6 +60,8 @@ bool HBSClockingAlgo1Pll::solveMultiplierList(const std::vector<HBSPeripheral*>&
                                               PeripheralResult& peripheralResult,
                                               PllResult& pllResult) {
     float best = kWorstTotalError;
+    const RunTerms terms = runTerms(enabled);
+    SettingList list(m_terms.settings);
     std::vector<DividerChoice> choices(enabled.size());
     for (const unsigned mul : multipliers) {
         const float freqMhz = pllFreqMhz(mul, 0);
@@ -67,18 +70,23 @@ bool HBSClockingAlgo1Pll::solveMultiplierList(const std::vector<HBSPeripheral*>&
         for (std::size_t i = 0; i < enabled.size() && served; ++i) {
             const float error =
                 findBestDivider({&freqMhz, 1}, enabled[i]->getRequestedFreq(), choices[i]);
-            served = !isNoDivider(error);
-            total += error;
+            served = !isNoDivider(error) && terms.peripherals[i].deniedPlls % 2 == 0;
+            total += error * terms.peripherals[i].weight;
         }
+        if (served)
+            list.add({total * terms.scale, {{mul, computeClkoutDiv(mul, 0), 0}}, choices});
         if (!served || !definitelyLess(total, best, kMargin))
             continue;
         best = total;
-        m_totalRelativeError = total;
+        m_totalRelativeError = total * terms.scale;
         for (std::size_t i = 0; i < enabled.size(); ++i)
             peripheralResult[enabled[i]] = choices[i];
         pllResult = {{getPllNameByIndex(0), {mul, computeClkoutDiv(mul, 0)}}};
     }
-    return !peripheralResult.empty();
+    if (peripheralResult.empty())
+        return false;
+    keepSettings(list, settingOf(enabled, peripheralResult, pllResult));
+    return true;
 }
 
 } // namespace hbs_clocking

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "clocking/ClockingArithmetic.h"
+#include "clocking/search/RunTerms.h"
 
 namespace hbs_clocking {
 
@@ -73,8 +74,10 @@ bool HBSClockingAlgo2Pll::runSolution() {
         if (!collectCandidates(enabled, multiplierBits, multipliers))
             return false;
         // Both run before either is tested: each list locks its own domain's tolerance.
-        const auto firsts = filterMultipliersForDomain(multipliers, multiplierBits, 0);
-        const auto seconds = filterMultipliersForDomain(multipliers, multiplierBits, 1);
+        const auto firsts =
+            filterMultipliersForDomain(allowedMultipliers(0, multipliers), multiplierBits, 0);
+        const auto seconds =
+            filterMultipliersForDomain(allowedMultipliers(1, multipliers), multiplierBits, 1);
         PeripheralResult peripheralResult;
         PllResult pllResult;
         if (!solveMultiplierPairs(enabled, buildPairs(firsts, seconds), peripheralResult,
@@ -103,29 +106,41 @@ bool HBSClockingAlgo2Pll::solveMultiplierPairs(
     }
 
     float best = kWorstTotalError;
+    const RunTerms terms = runTerms(enabled);
+    SettingList list(m_terms.settings);
     std::vector<DividerChoice> choices(enabled.size());
     for (const auto& [m0, m1] : pairs) {
         float total = 0.0F;
         bool open = true; // errors only add up: a sum that can't win any more is given up
         for (std::size_t i = 0; i < enabled.size() && open; ++i) {
             BestOffer offer(m_toleranceFactor);
-            offer.consider(0, offers0[m0][i]);
-            if (enabled[i]->getPowerDomainIndex() == 1)
+            const RunTerms::Peripheral& own = terms.peripherals[i];
+            if (own.deniedPlls % 2 == 0)
+                offer.consider(0, offers0[m0][i]);
+            if (enabled[i]->getPowerDomainIndex() == 1 && own.deniedPlls / 2 == 0)
                 offer.consider(1, offers1[m1][i]);
             choices[i] = offer.choice();
-            total += offer.error();
-            open = offer.isFound() && definitelyLess(total, best, kMargin);
+            total += offer.error() * own.weight;
+            open = offer.isFound() &&
+                   (definitelyLess(total, best, kMargin) || total * terms.scale <= list.limit());
         }
-        if (!open)
+        if (open)
+            list.add({total * terms.scale,
+                      {{m0, computeClkoutDiv(m0, 0), 0}, {m1, computeClkoutDiv(m1, 1), 0}},
+                      choices});
+        if (!open || !definitelyLess(total, best, kMargin))
             continue;
         best = total;
-        m_totalRelativeError = total;
+        m_totalRelativeError = total * terms.scale;
         for (std::size_t i = 0; i < enabled.size(); ++i)
             peripheralResult[enabled[i]] = choices[i];
         pllResult = {{getPllNameByIndex(0), {m0, computeClkoutDiv(m0, 0)}}};
         pllResult[getPllNameByIndex(1)] = {m1, computeClkoutDiv(m1, 1)};
     }
-    return !peripheralResult.empty();
+    if (peripheralResult.empty())
+        return false;
+    keepSettings(list, settingOf(enabled, peripheralResult, pllResult));
+    return true;
 }
 
 } // namespace hbs_clocking

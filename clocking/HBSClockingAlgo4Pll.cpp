@@ -40,11 +40,12 @@ bool HBSClockingAlgo4Pll::runSolution() {
 }
 
 CombinationList HBSClockingAlgo4Pll::buildCombos(const StepCandidates& candidates) {
-    CombinationList combos = buildPairsForDomain(candidates, candidates.nocMultipliers, 0);
+    CombinationList combos =
+        buildPairsForDomain(candidates, allowedMultipliers(1, candidates.nocMultipliers), 0);
     for (const unsigned domain : {2U, 3U}) {
         // Runs, and locks the domain's tolerance, even when there is nothing to continue.
-        const std::vector<unsigned> own =
-            filterMultipliersForDomain(candidates.multipliers, candidates.bits, domain);
+        const std::vector<unsigned> own = filterMultipliersForDomain(
+            allowedMultipliers(domain, candidates.multipliers), candidates.bits, domain);
         if (combos.isEmpty())
             continue;
         combos = own.empty() ? extendCombosForDomain(candidates, combos, domain)

@@ -63,13 +63,12 @@ bool HBSClockingAlgo6Pll::runSolution() {
 
 CombinationList HBSClockingAlgo6Pll::buildPairs(const StepCandidates& candidates) {
     // Unlike in a tree of four PLLs, the main PLL covers its domain alone where it can.
-    const std::vector<unsigned> own =
-        filterMultipliersForDomain(candidates.multipliers, candidates.bits, 0);
-    if (candidates.nocMultipliers.empty())
+    const std::vector<unsigned> own = filterMultipliersForDomain(
+        allowedMultipliers(0, candidates.multipliers), candidates.bits, 0);
+    const std::vector<unsigned> noc = allowedMultipliers(1, candidates.nocMultipliers);
+    if (noc.empty())
         return {};
-    if (own.empty())
-        return buildPairsForDomain(candidates, candidates.nocMultipliers, 0);
-    return buildFreePairs(own, candidates.nocMultipliers);
+    return own.empty() ? buildPairsForDomain(candidates, noc, 0) : buildFreePairs(own, noc);
 }
 
 CombinationList HBSClockingAlgo6Pll::buildCombos(const StepCandidates& candidates) {

@@ -66,7 +66,7 @@ CombinationList HBSClockingAlgo::lockIfAny(CombinationList combos, unsigned doma
 CombinationList HBSClockingAlgo::buildPairsForDomain(const StepCandidates& candidates,
                                                      std::span<const unsigned> others,
                                                      unsigned domainIndex) {
-    return lockIfAny(CombinationList({toBytes(candidates.multipliers),
+    return lockIfAny(CombinationList({toBytes(allowedMultipliers(0, candidates.multipliers)),
                                       toBytes(others),
                                       CombinationStage::Order::Any,
                                       needsOf(candidates, domainIndex),
@@ -83,12 +83,13 @@ CombinationList HBSClockingAlgo::buildFreePairs(std::span<const unsigned> firsts
 CombinationList HBSClockingAlgo::extendCombosForDomain(const StepCandidates& candidates,
                                                        const CombinationList& combos,
                                                        unsigned domainIndex) {
-    return lockIfAny(combos.extendedBy({toBytes(candidates.multipliers),
-                                        {},
-                                        CombinationStage::Order::Single,
-                                        needsOf(candidates, domainIndex),
-                                        allPlacesOf(combos)}),
-                     domainIndex);
+    return lockIfAny(
+        combos.extendedBy({toBytes(allowedMultipliers(combos.width(), candidates.multipliers)),
+                           {},
+                           CombinationStage::Order::Single,
+                           needsOf(candidates, domainIndex),
+                           allPlacesOf(combos)}),
+        domainIndex);
 }
 
 CombinationList HBSClockingAlgo::buildOrderedPairsForDomain(const StepCandidates& candidates,
@@ -99,19 +100,25 @@ CombinationList HBSClockingAlgo::buildOrderedPairsForDomain(const StepCandidates
 CombinationList HBSClockingAlgo::extendCombosWithPairsForDomain(const StepCandidates& candidates,
                                                                 const CombinationList& combos,
                                                                 unsigned domainIndex) {
-    const std::vector<std::uint8_t> own = toBytes(candidates.multipliers);
-    return lockIfAny(combos.extendedBy({own, own, CombinationStage::Order::Different,
-                                        needsOf(candidates, domainIndex), allPlacesOf(combos)}),
-                     domainIndex);
+    const unsigned pll = firstPllOf(domainIndex);
+    return lockIfAny(
+        combos.extendedBy({toBytes(allowedMultipliers(pll, candidates.multipliers)),
+                           toBytes(allowedMultipliers(pll + 1, candidates.multipliers)),
+                           CombinationStage::Order::Different, needsOf(candidates, domainIndex),
+                           allPlacesOf(combos)}),
+        domainIndex);
 }
 
 CombinationList HBSClockingAlgo::buildUnorderedPairsForDomain(const StepCandidates& candidates,
                                                               unsigned domainIndex) {
-    const std::vector<std::uint8_t> own = toBytes(candidates.multipliers);
-    return lockIfAny(
-        CombinationList(
-            {own, own, CombinationStage::Order::Ascending, needsOf(candidates, domainIndex), {}}),
-        domainIndex);
+    const unsigned pll = firstPllOf(domainIndex);
+    return lockIfAny(CombinationList({toBytes(allowedMultipliers(pll, candidates.multipliers)),
+                                      toBytes(allowedMultipliers(pll + 1, candidates.multipliers)),
+                                      tellApart(pll, pll + 1) ? CombinationStage::Order::Different
+                                                              : CombinationStage::Order::Ascending,
+                                      needsOf(candidates, domainIndex),
+                                      {}}),
+                     domainIndex);
 }
 
 CombinationList HBSClockingAlgo::appendToCombos(const CombinationList& combos,
@@ -140,10 +147,11 @@ CombinationList HBSClockingAlgo::extendCombosWithCrossCheck(const StepCandidates
         const float least = peripheral.getRequestedFreq() * (1.0F - m_toleranceFactor);
         return !definitelyGreater(least, m_maxCrossDomainFreq, kMargin);
     };
-    const std::vector<std::uint8_t> own = toBytes(candidates.multipliers);
-    return combos.extendedBy({own,
-                              own,
-                              CombinationStage::Order::Ascending,
+    const unsigned pll = firstPllOf(domainIndex);
+    return combos.extendedBy({toBytes(allowedMultipliers(pll, candidates.multipliers)),
+                              toBytes(allowedMultipliers(pll + 1, candidates.multipliers)),
+                              tellApart(pll, pll + 1) ? CombinationStage::Order::Different
+                                                      : CombinationStage::Order::Ascending,
                               needsOf(candidates, domainIndex, mayCross),
                               {0, 2}});
 }

@@ -11,7 +11,9 @@
 #include "clocking/ClockingArithmetic.h"
 #include "clocking/SearchInterruption.h"
 #include "clocking/search/ComboSearch.h"
+#include "clocking/search/RunTerms.h"
 #include "clocking/search/SavedResults.h"
+#include "clocking/search/SettingSearch.h"
 #include "clocking/search/SharedExecutor.h"
 #include "clocking/search/TupleSearch.h"
 
@@ -34,13 +36,14 @@ constexpr unsigned kTimingMask = 0x4000000;
 }
 
 [[nodiscard]] std::vector<SearchRequest> toRequests(const std::vector<HBSPeripheral*>& enabled,
-                                                    const TreeShape& shape) {
+                                                    const TreeShape& shape, const RunTerms& terms) {
     std::vector<SearchRequest> requests;
     requests.reserve(enabled.size());
-    for (const HBSPeripheral* peripheral : enabled)
-        requests.push_back({static_cast<unsigned>(peripheral->getPowerDomainIndex()),
-                            peripheral->getRequestedFreq(),
-                            shape.barsByName && isBarredName(peripheral->getName())});
+    for (std::size_t i = 0; i < enabled.size(); ++i)
+        requests.push_back({static_cast<unsigned>(enabled[i]->getPowerDomainIndex()),
+                            enabled[i]->getRequestedFreq(),
+                            shape.barsByName && isBarredName(enabled[i]->getName()),
+                            terms.peripherals[i].weight, terms.peripherals[i].deniedPlls});
     return requests;
 }
 
@@ -90,7 +93,7 @@ bool HBSClockingAlgo::runLadder(const TreeShape& shape, const ComboBuilder& buil
     SavedResults saved(*this);
     resetResults();
     m_searchStatistics = {};
-    if (m_sharesSolutions && applyCachedSolution(enabled))
+    if (usesStore() && applyCachedSolution(enabled))
         return true;
     try {
         climbSearchLadder(shape, buildCombos, enabled, noc);
@@ -116,9 +119,11 @@ void HBSClockingAlgo::climbSearchLadder(const TreeShape& shape, const ComboBuild
         if (combos.isEmpty() || !searchCombos(shape, enabled, combos, result))
             return false;
         m_totalRelativeError = result.total;
-        if (m_sharesSolutions)
+        if (usesStore())
             storeSolution(enabled, result.peripherals, result.plls);
         applySolution(result.peripherals, result.plls);
+        if (m_terms.settings != 0)
+            listSettings(shape, enabled, combos, result);
         return true;
     }));
 }
@@ -173,21 +178,17 @@ ClkoutDivCombos HBSClockingAlgo::buildClkoutDivCombos(const TreeShape& shape,
     return ranges;
 }
 
-bool HBSClockingAlgo::searchCombos(const TreeShape& shape,
-                                   const std::vector<HBSPeripheral*>& enabled,
-                                   const CombinationList& combos, ComboResult& result) {
+SearchProblem HBSClockingAlgo::problemOf(const TreeShape& shape,
+                                         const std::vector<HBSPeripheral*>& enabled,
+                                         const CombinationList& combos) const {
     SearchProblem problem{&shape,
                           m_refClkFreq,
                           m_maxCrossDomainFreq,
                           m_toleranceFactor,
-                          toRequests(enabled, shape),
+                          toRequests(enabled, shape, runTerms(enabled)),
                           {},
                           {},
                           combos};
-    // Clocks reach a peripheral by its domain, so one of no domain has none.
-    if (std::any_of(problem.requests.begin(), problem.requests.end(),
-                    [](const SearchRequest& request) { return request.domain >= kDomains; }))
-        return false;
     problem.outputDividers = [this, &shape](Role role, unsigned mul) {
         return DividerRange::from(computeClkoutDiv(mul, shape.boundingDomain[indexOf(role)]));
     };
@@ -195,14 +196,35 @@ bool HBSClockingAlgo::searchCombos(const TreeShape& shape,
     problem.nocDivider = [this, hasOneNoc](unsigned mul) {
         return hasOneNoc ? computeNocClkoutDiv(mul) : 1; // asking would print
     };
+    return problem;
+}
+
+void HBSClockingAlgo::listSettings(const TreeShape& shape,
+                                   const std::vector<HBSPeripheral*>& enabled,
+                                   const CombinationList& combos, const ComboResult& result) {
+    const SearchProblem problem = problemOf(shape, enabled, combos);
+    SettingList list(m_terms.settings);
+    SettingSearch(problem).find(list);
+    list.scale(runTerms(enabled).scale);
+    keepSettings(list, settingOf(enabled, result.peripherals, result.plls));
+}
+
+bool HBSClockingAlgo::searchCombos(const TreeShape& shape,
+                                   const std::vector<HBSPeripheral*>& enabled,
+                                   const CombinationList& combos, ComboResult& result) {
+    const SearchProblem problem = problemOf(shape, enabled, combos);
+    // Clocks reach a peripheral by its domain, so one of no domain has none.
+    if (std::any_of(problem.requests.begin(), problem.requests.end(),
+                    [](const SearchRequest& request) { return request.domain >= kDomains; }))
+        return false;
     // Here and not where the tuples are looked at, as the output belongs to the caller's thread.
-    if (!hasOneNoc)
+    if (getNocPeripherals().size() != 1)
         complainOfNocPeripherals(shape, combos);
     const TupleSearch::Result found = searchChunks(problem);
     m_searchStatistics = {combos.size(), found.evaluatedTuples};
     if (!found.winner)
         return false;
-    result.total = found.winner->sum;
+    result.total = found.winner->sum * runTerms(enabled).scale;
     writeDecisions(shape, enabled, found.winner->tuple, result);
     return true;
 }
@@ -238,13 +260,17 @@ void HBSClockingAlgo::writeDecisions(const TreeShape& shape,
         plls[roleIndex] = {freqMhz, div, crosses ? tuple.cross(role) : kNoCrossing};
         result.plls[getPllNameByIndex(pll)] = {mul, div, plls[roleIndex].cross};
     }
-    for (HBSPeripheral* peripheral : enabled) {
+    const RunTerms terms = runTerms(enabled);
+    for (std::size_t i = 0; i < enabled.size(); ++i) {
+        HBSPeripheral* const peripheral = enabled[i];
         const auto domain = static_cast<unsigned>(peripheral->getPowerDomainIndex());
         std::vector<ClockSlot> slots(shape.pllCount);
         for (unsigned pll = 0; pll < slots.size(); ++pll) {
             const unsigned role = shape.roleOf(pll);
             const auto& [freqMhz, div, cross] = plls[role];
             const Reach reach = shape.reach[domain][role];
+            if ((terms.peripherals[i].deniedPlls >> pll & 1U) != 0)
+                continue;
             if (reach == Reach::Direct)
                 slots[pll] = {freqMhz, div};
             else if (reach == Reach::Across)

@@ -37,6 +37,7 @@ SourceTable::SourceTable(const SearchProblem& problem) : m_problem(problem) {
         const SearchRequest& request = problem.requests[i];
         m_domains[request.domain].positions.push_back(i);
         m_hasBarred[request.domain] = m_hasBarred[request.domain] || request.isBarred;
+        m_hasDenied[request.domain] = m_hasDenied[request.domain] || request.deniedPlls != 0;
     }
     unsigned widest = 0;
     for (DomainRequests& domain : m_domains) {
@@ -111,7 +112,9 @@ void SourceTable::setRows(Role role, unsigned domain, PllOption& option, float f
     const unsigned cross = reach == Reach::Across ? option.cross : 0;
     const float clockMhz = cross == 0 ? freqMhz : freqMhz / static_cast<float>(cross);
     Kind kind = Common;
-    if (role == Role::Noc)
+    if (m_hasDenied[domain])
+        kind = static_cast<Kind>(OfRole + indexOf(role));
+    else if (role == Role::Noc)
         kind = NocClock;
     else if (role == Role::Own2Second && m_hasBarred[domain])
         kind = BarredSecond;
@@ -143,7 +146,13 @@ float SourceTable::entry(const SearchRequest& request, Kind kind, float freqMhz)
     const float error = offerNearestDivider(freqMhz, request.mhz).error;
     if (!definitelyLess(error, m_problem.tolerance, kMargin))
         return kUnserved;
-    return request.isBarred && kind != Common ? -error : error;
+    const bool isNoc = kind == NocClock || kind == OfRole + indexOf(Role::Noc);
+    const bool isSecond = kind == BarredSecond || kind == OfRole + indexOf(Role::Own2Second);
+    if (kind >= OfRole &&
+        (request.deniedPlls >> m_problem.shape->pllOf[kind - unsigned{OfRole}] & 1U) != 0)
+        return kUnserved;
+    const float weighted = error * request.weight;
+    return request.isBarred && (isNoc || isSecond) ? -weighted : weighted;
 }
 
 void SourceTable::addUnlessRepeated(PllOptions& options, const PllOption& option) const {

@@ -19,7 +19,9 @@ namespace hbs_clocking {
 struct SearchRequest {
     unsigned domain = 0;
     float mhz = 0.0F;
-    bool isBarred = false; ///< by its name, from PLLs 1 and 3
+    bool isBarred = false;       ///< by its name, from PLLs 1 and 3
+    float weight = 1.0F;         ///< of its error in the sum; at most 1
+    std::uint8_t deniedPlls = 0; ///< a bit per PLL that it may not take
 };
 
 /// One step of the ladder, ready to be searched.
@@ -113,8 +115,9 @@ private:
         std::vector<std::uint16_t> numbers; ///< by clock: 1 and up, 0 for a row not made yet
         std::vector<const float*> rows;
     };
-    /// The NOC PLL has a divider of its own; barred peripherals tell two PLLs from the others.
-    enum Kind : std::uint8_t { Common, NocClock, BarredSecond, kKinds };
+    /// The NOC PLL has a divider of its own; barred peripherals tell two PLLs from the others, and
+    /// peripherals that may not take some PLL tell each: `OfRole` + role.
+    enum Kind : std::uint8_t { Common, NocClock, BarredSecond, OfRole, kKinds = OfRole + kRoles };
 
     void addOptions(Role role, std::span<const std::uint8_t> multipliers);
     void addOption(Role role, PllOption option, float freqMhz);
@@ -130,6 +133,7 @@ private:
     const SearchProblem& m_problem;
     std::array<DomainRequests, kDomains> m_domains;
     std::array<bool, kDomains> m_hasBarred{};
+    std::array<bool, kDomains> m_hasDenied{};
     std::array<std::array<Block, kKinds>, kDomains> m_blocks;
     RowStore m_rows;
     std::array<PllOptions, kRoles> m_options;

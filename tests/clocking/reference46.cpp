@@ -183,6 +183,8 @@ std::vector<unsigned> Search::nocMultipliers() {
         }
     }
     lock(index, !found.empty());
+    if (m_tree.pins[1] != 0)
+        std::erase_if(found, [&](unsigned mul) { return mul != m_tree.pins[1]; });
     return {found.begin(), found.end()};
 }
 
@@ -245,9 +247,20 @@ bool Search::covers(const Combination& combination, int domain) const {
     return true;
 }
 
+std::vector<unsigned> Search::valuesAt(std::size_t pll, const std::vector<unsigned>& list) const {
+    const unsigned pin = m_tree.pins[pll];
+    return pin == 0 ? list : std::vector<unsigned>{pin};
+}
+
+bool Search::isPinned(int pll) const {
+    return m_tree.pins[static_cast<std::size_t>(pll)] != 0 ||
+           std::any_of(m_enabled.begin(), m_enabled.end(),
+                       [&](const Peripheral& peripheral) { return peripheral.source == pll; });
+}
+
 std::vector<Combination> Search::single(int domain) {
     std::vector<Combination> result;
-    for (const unsigned m : m_multipliers)
+    for (const unsigned m : valuesAt(static_cast<std::size_t>(domain), m_multipliers))
         if (covers({m}, domain))
             result.push_back({m});
     lock(domain, !result.empty());
@@ -285,8 +298,8 @@ std::vector<Combination> Search::extend(const std::vector<Combination>& heads,
 std::vector<Combination> Search::extendByPairs(const std::vector<Combination>& heads, int domain) {
     std::vector<Combination> result;
     for (const Combination& head : heads)
-        for (const unsigned a : m_multipliers)
-            for (const unsigned b : m_multipliers)
+        for (const unsigned a : valuesAt(2, m_multipliers))
+            for (const unsigned b : valuesAt(3, m_multipliers))
                 if (a != b && !m_tooMany && covers(head + Combination{a, b}, domain))
                     append(result, head + Combination{a, b});
     lock(domain, !result.empty());
@@ -295,10 +308,11 @@ std::vector<Combination> Search::extendByPairs(const std::vector<Combination>& h
 
 std::vector<Combination> Search::ascendingPairs(int domain) {
     std::vector<Combination> result;
-    for (std::size_t i = 0; i < m_multipliers.size(); ++i)
-        for (std::size_t j = i + 1; j < m_multipliers.size(); ++j)
-            if (covers({m_multipliers[i], m_multipliers[j]}, domain))
-                result.push_back({m_multipliers[i], m_multipliers[j]});
+    const bool anyOrder = isPinned(4) || isPinned(5);
+    for (const unsigned a : valuesAt(4, m_multipliers))
+        for (const unsigned b : valuesAt(5, m_multipliers))
+            if ((a < b || (anyOrder && a != b)) && covers({a, b}, domain))
+                result.push_back({a, b});
     lock(domain, !result.empty());
     return result;
 }
@@ -314,9 +328,12 @@ std::vector<Combination> Search::crossChecked(const std::vector<Combination>& he
     };
     std::vector<Combination> result;
     for (const Combination& head : heads) {
-        for (std::size_t i = 0; i < m_multipliers.size(); ++i) {
-            for (std::size_t j = i + 1; j < m_multipliers.size() && !m_tooMany; ++j) {
-                const Combination own = {m_multipliers[i], m_multipliers[j]};
+        for (const unsigned a : valuesAt(4, m_multipliers)) {
+            for (const unsigned b : valuesAt(5, m_multipliers)) {
+                const bool anyOrder = isPinned(4) || isPinned(5);
+                if (m_tooMany || a == b || (a > b && !anyOrder))
+                    continue;
+                const Combination own = {a, b};
                 const bool passes =
                     std::all_of(m_covered.begin(), m_covered.end(), [&](const Covered& covered) {
                         return covered.domain != domain || common(own, covered) ||
@@ -334,7 +351,7 @@ std::vector<Combination> Search::crossChecked(const std::vector<Combination>& he
 
 std::vector<Combination> Search::combinationsOfFour(const std::vector<unsigned>& noc) {
     std::vector<Combination> heads;
-    for (const unsigned m : m_multipliers)
+    for (const unsigned m : valuesAt(0, m_multipliers))
         heads.push_back({m});
     std::vector<Combination> combinations = extend(heads, noc, 0);
     for (const int domain : {2, 3}) {
@@ -342,14 +359,16 @@ std::vector<Combination> Search::combinationsOfFour(const std::vector<unsigned>&
         if (combinations.empty())
             continue;
         combinations =
-            own.empty() ? extend(combinations, m_multipliers, domain) : product(combinations, own);
+            own.empty() ? extend(combinations,
+                                 valuesAt(static_cast<std::size_t>(domain), m_multipliers), domain)
+                        : product(combinations, own);
     }
     return combinations;
 }
 
 std::vector<Combination> Search::combinationsOfSix(const std::vector<unsigned>& noc) {
     std::vector<Combination> heads;
-    for (const unsigned m : m_multipliers)
+    for (const unsigned m : valuesAt(0, m_multipliers))
         heads.push_back({m});
     std::vector<Combination> nocHeads;
     for (const unsigned m : noc)
@@ -360,8 +379,8 @@ std::vector<Combination> Search::combinationsOfSix(const std::vector<unsigned>& 
         pairs = own0.empty() ? extend(heads, noc, 0) : product(own0, nocHeads);
 
     std::vector<Combination> own2;
-    for (const unsigned a : m_multipliers)
-        for (const unsigned b : m_multipliers)
+    for (const unsigned a : valuesAt(2, m_multipliers))
+        for (const unsigned b : valuesAt(3, m_multipliers))
             if (a != b && covers({a, b}, 2))
                 own2.push_back({a, b});
     lock(2, !own2.empty());
@@ -432,6 +451,9 @@ bool Search::slotsOf(const Peripheral& peripheral, const Combination& muls, cons
             direct(3);
         }
     }
+    for (std::size_t pll = 0; pll < slots.engaged.size() && peripheral.source >= 0; ++pll)
+        if (static_cast<int>(pll) != peripheral.source)
+            slots.engaged[pll] = false;
     return within;
 }
 
@@ -475,7 +497,7 @@ bool Search::evaluateTuple(const Combination& muls, const Combination& divs,
         if (m_tree.sixPlls() && named && (choice.slot == 1 || choice.slot == 3))
             return false;
         choices.push_back(choice);
-        sum += error;
+        sum += error * peripheral.weight;
     }
     return true;
 }
@@ -490,29 +512,39 @@ std::uint64_t Search::countTuples(const std::vector<Combination>& combinations) 
 Solution Search::evaluate(const std::vector<Combination>& combinations, std::size_t first,
                           std::size_t last) {
     Solution best;
+    const auto begin = combinations.begin();
+    forEachSetting(
+        {begin + static_cast<std::ptrdiff_t>(first), begin + static_cast<std::ptrdiff_t>(last)},
+        [&best](const Solution& setting) {
+            if (less(setting.total, best.total, MARGIN))
+                best = setting;
+        });
+    return best;
+}
+
+void Search::forEachSetting(const std::vector<Combination>& combinations,
+                            const std::function<void(const Solution&)>& action) {
     float sum = 0.0F;
     std::vector<PeripheralChoice> choices;
-    for (std::size_t index = first; index < last; ++index) {
-        const Combination& muls = combinations[index];
+    for (const Combination& muls : combinations) {
         for (const Combination& divs : outputDividers(muls)) {
             for (unsigned c = 0; c < 64; ++c) {
                 const Combination cross = {4 - c / 16, 4 - c / 4 % 4, 4 - c % 4, 1};
                 const unsigned nocDiv = nocDivider(muls[1]);
-                if (!evaluateTuple(muls, divs, cross, nocDiv, sum, choices) ||
-                    !less(sum, best.total, MARGIN))
+                if (!evaluateTuple(muls, divs, cross, nocDiv, sum, choices))
                     continue;
-                best.found = true;
-                best.total = sum;
-                best.peripherals = choices;
-                best.plls.clear();
+                Solution setting;
+                setting.found = true;
+                setting.total = sum;
+                setting.peripherals = choices;
                 for (std::size_t pll = 0; pll < muls.size(); ++pll) {
                     const unsigned div = pll == 1 ? nocDiv : divs[pll];
-                    best.plls.push_back({muls[pll], div, pll < 3 ? cross[pll] : 4});
+                    setting.plls.push_back({muls[pll], div, pll < 3 ? cross[pll] : 4});
                 }
+                action(setting);
             }
         }
     }
-    return best;
 }
 
 } // namespace reference46

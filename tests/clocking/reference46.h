@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,8 @@ struct Peripheral {
     bool enabled = true;
     bool noc = false;
     float allowedPercent = 100.0F;
+    float weight = 1.0F; ///< at most 1
+    int source = -1;     ///< the only PLL that it may take, by position
 };
 
 struct Domain {
@@ -30,6 +33,7 @@ struct Tree {
     float maxCrossMhz = 1000.0F;
     std::vector<Domain> domains;
     std::vector<Peripheral> peripherals;
+    std::array<unsigned, 6> pins{}; ///< multipliers by PLL, 0 for a free one
 
     [[nodiscard]] bool sixPlls() const { return domains.at(2).pllLimitsMhz.size() == 2; }
 };
@@ -68,6 +72,9 @@ public:
     /// steps must be taken in order, since each may lower the limits of the domains.
     [[nodiscard]] std::vector<Combination> combinationsOfStep(float tolerance);
     /// The search of one range of them.
+    /// Every setting of the step that serves all, as (sum, setting); the answers' best sources.
+    void forEachSetting(const std::vector<Combination>& combinations,
+                        const std::function<void(const Solution&)>& action);
     [[nodiscard]] Solution evaluate(const std::vector<Combination>& combinations, std::size_t first,
                                     std::size_t last);
     /// Tuples of dividers that this search tries.
@@ -101,6 +108,10 @@ private:
     void append(std::vector<Combination>& list, const Combination& combination);
     [[nodiscard]] std::vector<Combination> product(const std::vector<Combination>& heads,
                                                    const std::vector<Combination>& tails);
+    /// The multipliers to try at a place: a pinned one, else the list.
+    [[nodiscard]] std::vector<unsigned> valuesAt(std::size_t pll,
+                                                 const std::vector<unsigned>& list) const;
+    [[nodiscard]] bool isPinned(int pll) const;
     [[nodiscard]] std::vector<Combination> single(int domain);
     [[nodiscard]] std::vector<Combination> extend(const std::vector<Combination>& heads,
                                                   const std::vector<unsigned>& tails, int domain);

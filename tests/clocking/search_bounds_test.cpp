@@ -61,7 +61,7 @@ TEST(SourceTable, HoldsTheErrorOfEveryClockThatMayBe) {
             for (const PllOption& option : table.options(role).all) {
                 const float mhz = clockOf(problem, role, option);
                 for (unsigned i = 0; i < problem.requests.size(); ++i) {
-                    const auto& [domain, request, isBarred] = problem.requests[i];
+                    const auto& [domain, request, isBarred, weight, denied] = problem.requests[i];
                     const Reach reach = kSixPllShape.reachOf(domain, role);
                     ASSERT_EQ(reach == Reach::None, option.errors[domain] == nullptr);
                     if (reach == Reach::None)
@@ -69,7 +69,8 @@ TEST(SourceTable, HoldsTheErrorOfEveryClockThatMayBe) {
                     const float cross = static_cast<float>(option.cross);
                     const float clock = reach == Reach::Across ? mhz / cross : mhz;
                     limited += reach == Reach::Across && clock > problem.maxCrossMhz * 1.001F;
-                    float error = offerNearestDivider(clock, request).error;
+                    float error = offerNearestDivider(clock, request).error * weight;
+                    ASSERT_EQ(0U, denied);
                     if (error > problem.tolerance)
                         error = kUnserved;
                     else if (isBarred && (role == Role::Noc || role == Role::Own2Second))
