@@ -2,17 +2,22 @@
 
 #include <unistd.h>
 
+#include <csignal>
 #include <iostream>
 #include <memory>
 
 #include "HPAParamMgr.h"
 
 #include "host/Command.h"
+#include "workbench/clocks/ClockBatch.h"
 #include "workbench/clocks/ClockCheck.h"
+#include "workbench/clocks/ClockPage.h"
 #include "workbench/clocks/ClockReport.h"
 #include "workbench/clocks/ClockRun.h"
 #include "workbench/clocks/ClockSweep.h"
+#include "workbench/clocks/ClockTerms.h"
 #include "workbench/clocks/ClockTree.h"
+#include "workbench/clocks/export/ClockExport.h"
 #include "workbench/files/OutputFile.h"
 #include "workbench/text/DiagnosticText.h"
 #include "workbench/text/TextStream.h"
@@ -22,13 +27,18 @@ namespace host {
 namespace {
 
 struct Options {
-    std::string path;
+    std::vector<std::string> paths;
     bool json = false;
     bool explain = false;
     int threads = 1; ///< one number everywhere, as near ties are decided by the split
     std::string picturePath;
+    std::string pagePath;
     std::string settingPath;
     std::string sweep;
+    unsigned alternatives = 0;
+    std::vector<std::string> pins;
+    std::vector<std::string> weights;
+    std::vector<std::string> exports;
 };
 
 /// Shows a waiting person where the search is.
@@ -67,6 +77,16 @@ int check(const Options& options, const tq::ClockTree& tree) {
     return result.holds() ? kSuccess : kNoResult;
 }
 
+hbs_clocking::SearchTerms termsOf(const Options& options, const tq::ClockTree& tree) {
+    hbs_clocking::SearchTerms terms;
+    for (const std::string& pin : options.pins)
+        tq::addPin(tree, pin, terms);
+    for (const std::string& weight : options.weights)
+        tq::addWeight(tree, weight, terms);
+    terms.settings = options.alternatives;
+    return terms;
+}
+
 int sweep(const Options& options, const tq::ClockTree& tree) {
     const tq::ClockSweep sweep = tq::readClockSweep(tree, options.sweep);
     const std::vector<tq::SweepPoint> points = tq::runClockSweep(tree, sweep);
@@ -79,9 +99,68 @@ int sweep(const Options& options, const tq::ClockTree& tree) {
     return tq::bestPoint(points) != nullptr ? kSuccess : kNoResult;
 }
 
+/// Ctrl-C ends the batch with what is done.
+class InterruptsBatch {
+public:
+    InterruptsBatch() {
+        std::signal(SIGINT, [](int) { tq::interruptClockBatch(); });
+    }
+    ~InterruptsBatch() { std::signal(SIGINT, SIG_DFL); }
+    InterruptsBatch(const InterruptsBatch&) = delete;
+    InterruptsBatch& operator=(const InterruptsBatch&) = delete;
+};
+
+int solveMany(const Options& options) {
+    if (!options.settingPath.empty() || !options.sweep.empty() || options.alternatives != 0 ||
+        !options.pins.empty() || !options.weights.empty() || !options.picturePath.empty() ||
+        !options.pagePath.empty())
+        throw InputError("several trees take --json and --export FILE.csv only");
+    for (const std::string& path : options.exports)
+        if (tq::clockFormatOf(path) != tq::ClockFormat::Csv)
+            throw InputError("--export " + path + ": several trees are exported as .csv only");
+    tq::ClockBatch batch;
+    {
+        const InterruptsBatch interrupts;
+        batch = tq::runClockBatch(tq::findTrees(options.paths),
+                                  isatty(STDERR_FILENO) != 0 ? &std::cerr : nullptr);
+    }
+    if (options.json)
+        tq::printClockBatchJson(batch, std::cout);
+    else
+        tq::printClockBatch(batch, std::cout);
+    for (const std::string& path : options.exports)
+        tq::writeOutput(path, tq::clockBatchCsv(batch));
+    if (batch.failed != 0)
+        return kBadInput;
+    return batch.unsolved == 0 && !batch.isInterrupted ? kSuccess : kNoResult;
+}
+
+void writeExports(const Options& options, const tq::ClockTree& tree,
+                  const tq::ClockReport& report) {
+    tq::DiagnosticList findings;
+    for (const std::string& path : options.exports)
+        tq::writeOutput(path, tq::exportClocks(report, tree.referenceMhz, *tq::clockFormatOf(path),
+                                               findings.sink()));
+    printFindings(findings);
+}
+
+/// Before anything is solved or written.
+void checkOutputs(const Options& options) {
+    tq::refuseInput(options.picturePath, options.paths);
+    tq::refuseInput(options.pagePath, options.paths);
+    for (const std::string& path : options.exports) {
+        tq::refuseInput(path, options.paths);
+        if (!tq::clockFormatOf(path))
+            throw InputError("--export " + path +
+                             ": expected a file that ends in one of: " + tq::clockFormatEndings());
+    }
+}
+
 int solve(const Options& options) {
-    tq::refuseInput(options.picturePath, {options.path});
-    const tq::ClockTree tree = readTree(options.path);
+    checkOutputs(options);
+    if (options.paths.size() > 1 || tq::isFolder(options.paths.front()))
+        return solveMany(options);
+    const tq::ClockTree tree = readTree(options.paths.front());
     if (!options.settingPath.empty())
         return check(options, tree);
     if (!options.sweep.empty())
@@ -90,11 +169,14 @@ int solve(const Options& options) {
     tq::StepObserver observer;
     if (isatty(STDERR_FILENO) != 0)
         observer = announceStep;
-    const tq::ClockRun run = tq::runClockTree(tree, observer);
+    const hbs_clocking::SearchTerms terms = termsOf(options, tree);
+    const tq::ClockRun run = tq::runClockTree(tree, observer, nullptr, terms);
     for (const std::string& line : run.said)
         std::cerr << "hbs: " << line << '\n';
     tq::ClockReport report = tq::makeClockReport(tree, *run.solver);
-    tq::addConflicts(report, tree);
+    if (terms.multipliers.empty() && terms.sources.empty())
+        tq::addConflicts(report, tree);
+    tq::addAlternatives(report, tree, *run.solver);
     if (options.explain)
         tq::addSearch(report, *run.solver, tree.pllCount);
     for (const tq::Diagnostic& warning : tq::warningsOf(report))
@@ -103,10 +185,15 @@ int solve(const Options& options) {
         tq::printClockJson(report, std::cout);
     else
         tq::printClockTables(report, std::cout);
+    writeFile(options.pagePath, [&](std::ostream& out) {
+        tq::printClockPage(report, tree.referenceMhz, options.paths.front(), out);
+    });
     if (report.found)
         writeFile(options.picturePath, [&](std::ostream& out) {
             tq::printClockPicture(report, tree.referenceMhz, out);
         });
+    if (report.found)
+        writeExports(options, tree, report);
     return report.found ? kSuccess : kNoResult;
 }
 
@@ -115,7 +202,9 @@ int solve(const Options& options) {
 void declareClocks(CLI::App& app, int& status) {
     CLI::App* word = app.add_subcommand("clocks", "Solves a clock tree file");
     const auto options = std::make_shared<Options>();
-    word->add_option("TREE.json", options->path, "The clock tree")->required();
+    word->add_option("TREE.json", options->paths,
+                     "The clock tree; several, or a folder, are solved on all cores")
+        ->required();
     word->add_flag("--json", options->json, "Prints the result for programs");
     word->add_flag("--explain", options->explain,
                    "Says how many combinations there were and how many were looked at");
@@ -127,8 +216,24 @@ void declareClocks(CLI::App& app, int& status) {
     word->add_option("--sweep", options->sweep,
                      "Solves the tree for several values: SUBJECT=VALUE,FIRST:LAST:STEP,... of "
                      "reference, max_cross, PLL.max, PERIPHERAL.mhz or PERIPHERAL.max_error");
+    word->add_option("--alternatives", options->alternatives,
+                     "Lists the best settings that differ in a multiplier or a source")
+        ->check(CLI::Range(1, 100));
+    word->add_option("--pin", options->pins,
+                     "Keeps PLL.multiplier=NUMBER or PERIPHERAL.source=PLL; may be repeated")
+        ->allow_extra_args(false);
+    word->add_option("--weight", options->weights,
+                     "Counts a peripheral's error so often in the sum: PERIPHERAL=WEIGHT; may be "
+                     "repeated")
+        ->allow_extra_args(false);
+    word->add_option("--export", options->exports,
+                     "Writes the solution for other tools, by the ending of the file: " +
+                         tq::clockFormatEndings() + "; may be repeated")
+        ->allow_extra_args(false);
     word->add_option("--svg", options->picturePath,
                      "Draws the solved tree, or what a sweep found, into a file");
+    word->add_option("--html", options->pagePath,
+                     "Writes a page with the picture, the table and the conflicts or alternatives");
     word->callback([options, &status] { status = solve(*options); });
 }
 

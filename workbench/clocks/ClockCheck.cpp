@@ -9,6 +9,7 @@
 
 #include "diagnostics/NearestName.h"
 #include "workbench/clocks/ClockRun.h"
+#include "workbench/clocks/ClockWiring.h"
 #include "workbench/text/DiagnosticJson.h"
 #include "workbench/text/JsonWriter.h"
 #include "workbench/text/Text.h"
@@ -27,29 +28,6 @@ constexpr double kMargin = 1.05e-5; ///< that of the solvers, and what single pr
 constexpr double kNocMargin = 1.001e-4;
 constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
 constexpr double kStatedMargin = 5e-7; ///< of frequencies and errors in the file
-
-/// How a clock comes to a domain's peripherals.
-enum class Way { None, Direct, Across };
-
-/// By PLL, in the order of declaration, then by domain.
-[[nodiscard]] Way wayOf(const ClockTree& tree, std::size_t pll, std::size_t domain) {
-    constexpr Way N = Way::None;
-    constexpr Way D = Way::Direct;
-    constexpr Way X = Way::Across;
-    static constexpr Way four[4][4] = {{D, N, X, X}, {D, D, X, X}, {N, N, D, X}, {N, N, N, D}};
-    static constexpr Way six[6][4] = {{D, N, X, X}, {D, D, X, N}, {N, N, D, X},
-                                      {N, N, D, N}, {N, N, N, D}, {N, N, N, D}};
-    switch (tree.pllCount) {
-    case 1:
-        return D;
-    case 2:
-        return pll == domain || (pll == 0 && tree.allowCrossDomain) ? D : N;
-    case 4:
-        return four[pll][domain];
-    default:
-        return six[pll][domain];
-    }
-}
 
 struct TreePll {
     const ClockTree::Pll* pll;
@@ -93,8 +71,9 @@ public:
 
     ClockCheck check() {
         const JsonNode& root = m_file.root();
-        m_file.expectKeys(root, {"solved", "tolerance", "sum_of_relative_errors", "search", "plls",
-                                 "peripherals", "conflicts", "without", "alternatives"});
+        m_file.expectKeys(root, {"solved", "tolerance", "sum_of_relative_errors", "weighted_sum",
+                                 "search", "plls", "peripherals", "conflicts", "without",
+                                 "alternatives"});
         if (const JsonNode* solved = root.find("solved"); solved && !m_file.boolean(*solved))
             m_file.fail(solved->offset, "expected a solution");
         readPlls(m_file.require(root, "plls"));
@@ -168,7 +147,7 @@ private:
 
     [[nodiscard]] bool crosses(std::size_t pll) const {
         for (std::size_t domain = 0; domain < m_tree.domains.size(); ++domain)
-            if (wayOf(m_tree, pll, domain) == Way::Across)
+            if (wayOf(m_tree, pll, domain) == ClockWay::Across)
                 return true;
         return false;
     }
@@ -275,17 +254,10 @@ private:
 
     /// Whether a domain that the clock crosses to has enabled peripherals: the limit is theirs.
     [[nodiscard]] bool mayBeTakenAcross(std::size_t pll) const {
-        return std::any_of(m_tree.peripherals.begin(), m_tree.peripherals.end(),
-                           [&](const auto& p) {
-                               return p.enabled && wayOf(m_tree, pll, domainOf(p)) == Way::Across;
-                           });
-    }
-
-    [[nodiscard]] std::size_t domainOf(const ClockTree::Peripheral& peripheral) const {
-        const auto domain =
-            std::find_if(m_tree.domains.begin(), m_tree.domains.end(),
-                         [&](const auto& d) { return d.name == peripheral.domain; });
-        return static_cast<std::size_t>(domain - m_tree.domains.begin());
+        return std::any_of(
+            m_tree.peripherals.begin(), m_tree.peripherals.end(), [&](const auto& p) {
+                return p.enabled && wayOf(m_tree, pll, domainOf(m_tree, p)) == ClockWay::Across;
+            });
     }
 
     void checkPeripherals(const JsonNode& list) {
@@ -334,7 +306,7 @@ private:
         std::vector<std::string_view> reachable;
         std::optional<std::size_t> source;
         for (std::size_t i = 0; i < m_plls.size(); ++i) {
-            if (!mayTake(peripheral, i))
+            if (!mayTake(m_tree, peripheral, i))
                 continue;
             reachable.push_back(m_plls[i].pll->name);
             if (m_plls[i].pll->name == name)
@@ -349,16 +321,10 @@ private:
             return std::nullopt;
         }
         const SetPll& set = m_set[*source];
-        const bool across = wayOf(m_tree, *source, domainOf(peripheral)) == Way::Across;
+        const bool across =
+            wayOf(m_tree, *source, domainOf(m_tree, peripheral)) == ClockWay::Across;
         const double mhz = across ? set.mhz / set.crossDivider : set.mhz;
         return std::isfinite(mhz) ? std::optional(mhz) : std::nullopt; // else reported already
-    }
-
-    [[nodiscard]] bool mayTake(const ClockTree::Peripheral& peripheral, std::size_t pll) const {
-        const bool barred =
-            m_tree.pllCount == 6 && (pll == 1 || pll == 3) &&
-            (peripheral.name == "PSM_REF_CTRL" || peripheral.name == "ASU_REF_CTRL");
-        return !barred && wayOf(m_tree, pll, domainOf(peripheral)) != Way::None;
     }
 
     void checkClock(const ClockTree::Peripheral& peripheral, const JsonNode& node, double mhz,

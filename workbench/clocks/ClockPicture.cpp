@@ -6,6 +6,7 @@
 
 #include <pugixml.hpp>
 
+#include "workbench/clocks/ClockPage.h"
 #include "workbench/clocks/ClockReport.h"
 #include "workbench/text/Table.h"
 #include "workbench/text/Text.h"
@@ -44,8 +45,9 @@ constexpr const char* kPoor = "#c62828";
 
 class Picture {
 public:
-    explicit Picture(const ClockReport& report, float referenceMhz)
-        : m_report(report), m_referenceMhz(referenceMhz) {}
+    /// With marks, each part of a PLL's clock names the PLL.
+    Picture(const ClockReport& report, float referenceMhz, bool hasMarks)
+        : m_report(report), m_referenceMhz(referenceMhz), m_hasMarks(hasMarks) {}
 
     void write(std::ostream& out) {
         m_svg = append(m_document, "svg");
@@ -125,6 +127,7 @@ private:
     }
 
     void addPll(const ClockReport::Pll& pll, int top) {
+        m_marked = m_hasMarks ? &pll : nullptr;
         const int middle = top + heightOf(pll) / 2;
         const int boxTop = middle - kPllHeight / 2 + 4;
         const int out = boxTop + kPllHeight / 2;
@@ -144,6 +147,7 @@ private:
             addPeripheral(pll, *peripheral, out, y);
             y += kRow;
         }
+        m_marked = nullptr;
     }
 
     void addPeripheral(const ClockReport::Pll& pll, const ClockReport::Peripheral& peripheral,
@@ -188,8 +192,15 @@ private:
              fixedText(static_cast<double>(m_referenceMhz), 4) + " MHz", "#555555", "middle", "12");
     }
 
+    [[nodiscard]] pugi::xml_node element(const char* name) {
+        pugi::xml_node node = append(m_svg, name);
+        if (m_marked != nullptr)
+            set(node, "data-pll", xmlText(m_marked->name).c_str());
+        return node;
+    }
+
     void rect(int x, int y, int width, int height, const char* fill, const char* stroke) {
-        pugi::xml_node node = append(m_svg, "rect");
+        pugi::xml_node node = element("rect");
         set(node, "x", x);
         set(node, "y", y);
         set(node, "width", width);
@@ -201,7 +212,7 @@ private:
 
     void text(int x, int y, const std::string& words, const char* colour = "#111111",
               const char* anchor = "start", const char* size = "13", bool bold = false) {
-        pugi::xml_node node = append(m_svg, "text");
+        pugi::xml_node node = element("text");
         set(node, "x", x);
         set(node, "y", y);
         set(node, "fill", colour);
@@ -216,7 +227,7 @@ private:
         std::string list;
         for (const auto& [x, y] : points)
             list += std::to_string(x) + "," + std::to_string(y) + " ";
-        pugi::xml_node node = append(m_svg, "polyline");
+        pugi::xml_node node = element("polyline");
         set(node, "points", list.c_str());
         set(node, "fill", "none");
         set(node, "stroke", "#78909c");
@@ -226,6 +237,8 @@ private:
 
     const ClockReport& m_report;
     float m_referenceMhz;
+    bool m_hasMarks;
+    const ClockReport::Pll* m_marked = nullptr; ///< of the parts that are being added
     pugi::xml_document m_document;
     pugi::xml_node m_svg;
     std::vector<std::pair<const ClockReport::Pll*, int>> m_tops;
@@ -235,7 +248,11 @@ private:
 } // namespace
 
 void printClockPicture(const ClockReport& report, float referenceMhz, std::ostream& out) {
-    Picture(report, referenceMhz).write(out);
+    Picture(report, referenceMhz, false).write(out);
+}
+
+void printMarkedClockPicture(const ClockReport& report, float referenceMhz, std::ostream& out) {
+    Picture(report, referenceMhz, true).write(out);
 }
 
 } // namespace tq

@@ -176,6 +176,14 @@ ClockReport makeClockReport(const ClockTree& tree, const HBSClockingAlgo& solver
         }
         report.peripherals.push_back(std::move(line));
     }
+    if (!solver.getTerms().weights.empty()) { // the solver's sum counts the weights
+        constexpr double ppm = 1e6;
+        double sumPpm = 0.0;
+        for (const ClockReport::Peripheral& line : report.peripherals)
+            sumPpm += line.countedPpm();
+        report.totalError = static_cast<float>(sumPpm / ppm);
+        report.weightedError = solver.getTotalRelativeError();
+    }
     return report;
 }
 

@@ -76,17 +76,34 @@ struct ClockReport {
         unsigned settingsPerCombination = 0;
     };
 
+    /// One of the best settings, as a whole and against the answer.
+    struct Alternative {
+        struct Trade {
+            std::string peripheral;
+            double fromPpm = 0.0; ///< with the answer; both without a sign
+            double toPpm = 0.0;
+        };
+        double sumPpm = 0.0;
+        std::optional<double> weightedSumPpm; ///< where there are weights
+        std::vector<Pll> plls;
+        std::vector<Peripheral> peripherals;
+        std::vector<std::string> differences; ///< each other multiplier and source, for people
+        std::vector<Trade> trades; ///< each error that changes by more than rounding does
+    };
+
     bool found = false;
     std::optional<Search> search; ///< when it was asked for
     float tolerance = 0.0F;
     float totalError = 0.0F;
+    std::optional<float> weightedError; ///< the sum that was searched for, where there are weights
     std::vector<Pll> plls;
     std::vector<Peripheral> peripherals; ///< as declared
     std::vector<Alone> alone;            ///< the enabled ones, as declared, without a solution
     bool takesOtherClocks = false;       ///< whether peripherals may be fed by other domains' PLLs
     /// Where requests aren't met, and it was asked for.
     std::optional<std::vector<Conflict>> conflicts;
-    bool hasMoreConflicts = false; ///< whether there may be more than these
+    bool hasMoreConflicts = false;         ///< whether there may be more than these
+    std::vector<Alternative> alternatives; ///< the answer first; empty unless asked for
 
     [[nodiscard]] TQ_WORKBENCH_EXPORT Summary summary() const;
 };
@@ -100,6 +117,9 @@ TQ_WORKBENCH_EXPORT void addSearch(ClockReport& report, const hbs_clocking::HBSC
                                    unsigned pllCount);
 /// Adds the conflicts of the tree if not all of its requests are met.
 TQ_WORKBENCH_EXPORT void addConflicts(ClockReport& report, const ClockTree& tree);
+/// Adds the settings that the solver listed, as its terms asked for.
+TQ_WORKBENCH_EXPORT void addAlternatives(ClockReport& report, const ClockTree& tree,
+                                         const hbs_clocking::HBSClockingAlgo& solver);
 /// A warning for each request that gets more than a tenth off what it asks for.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::vector<Diagnostic> warningsOf(const ClockReport& report);
 

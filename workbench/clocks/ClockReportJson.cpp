@@ -27,6 +27,8 @@ public:
             writeList("alone", report.alone);
         if (report.conflicts)
             writeConflicts(report);
+        if (!report.alternatives.empty())
+            writeList("alternatives", report.alternatives);
         m_json.EndObject();
     }
 
@@ -36,6 +38,8 @@ private:
     void writeSolution(const ClockReport& report) {
         number("tolerance", report.tolerance);
         number("sum_of_relative_errors", report.totalError);
+        if (report.weightedError)
+            number("weighted_sum", *report.weightedError);
         if (report.search) {
             key("search").StartObject();
             key("combinations").Uint64(report.search->combinations);
@@ -88,6 +92,26 @@ private:
             m_json.EndObject();
         }
         m_json.EndArray();
+    }
+
+    void writeItem(const ClockReport::Alternative& alternative) {
+        constexpr double ppm = 1e6;
+        number("sum_of_relative_errors", alternative.sumPpm / ppm);
+        if (alternative.weightedSumPpm)
+            number("weighted_sum", *alternative.weightedSumPpm / ppm);
+        key("differences").StartArray();
+        for (const std::string& difference : alternative.differences)
+            m_json.String(difference.data(), static_cast<rapidjson::SizeType>(difference.size()));
+        m_json.EndArray();
+        writeList("trades", alternative.trades);
+        writeList("plls", alternative.plls);
+        writeList("peripherals", alternative.peripherals);
+    }
+
+    void writeItem(const ClockReport::Alternative::Trade& trade) {
+        text("name", trade.peripheral);
+        number("from_ppm", trade.fromPpm);
+        number("to_ppm", trade.toPpm);
     }
 
     void writeItem(const ClockReport::Pll& pll) {

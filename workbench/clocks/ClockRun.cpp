@@ -79,13 +79,15 @@ std::string faultOfClockTree(const ClockTree& tree) {
     return fault;
 }
 
-ClockRun runClockTree(const ClockTree& tree, const StepObserver& observer, LibraryTexts* texts) {
+ClockRun runClockTree(const ClockTree& tree, const StepObserver& observer, LibraryTexts* texts,
+                      const hbs_clocking::SearchTerms& terms) {
     if (texts == nullptr) {
         LibraryTexts own;
-        return runClockTree(tree, observer, &own);
+        return runClockTree(tree, observer, &own, terms);
     }
     ClockRun run{buildClockSolver(tree, observer), {}};
     run.solver->setSharesSolutions(false);
+    run.solver->setTerms(terms);
     run.solver->runSolution();
     run.said = texts->takeLines();
     return run;

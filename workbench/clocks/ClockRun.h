@@ -40,10 +40,10 @@ struct ClockRun {
 
 /// Solves the tree, with nothing on standard output. The answer never comes from the process's
 /// store of solutions, so that no other tree's can be given. Give `texts` where several runs share
-/// one, as runs on several threads must.
-[[nodiscard]] TQ_WORKBENCH_EXPORT ClockRun runClockTree(const ClockTree& tree,
-                                                        const StepObserver& observer = {},
-                                                        LibraryTexts* texts = nullptr);
+/// one, as runs on several threads must. A search keeps to the terms.
+[[nodiscard]] TQ_WORKBENCH_EXPORT ClockRun
+runClockTree(const ClockTree& tree, const StepObserver& observer = {},
+             LibraryTexts* texts = nullptr, const hbs_clocking::SearchTerms& terms = {});
 
 /// Whether a search found a setting and gave every request less than its allowed error.
 [[nodiscard]] TQ_WORKBENCH_EXPORT bool

@@ -139,6 +139,36 @@ void printWithout(const ClockReport::Conflict::Without& without, std::ostream& o
             << fixedText(static_cast<double>(*without.tolerance), 3) << '\n';
 }
 
+void printTrades(const ClockReport::Alternative& alternative, bool better, std::ostream& out) {
+    std::string list;
+    for (const auto& [name, from, to] : alternative.trades)
+        if ((to < from) == better)
+            list += (list.empty() ? "" : ", ") + printable(name) + " " + fixedText(from, 1) +
+                    " \u2192 " + fixedText(to, 1);
+    if (!list.empty())
+        out << "       " << (better ? "better" : "worse") << ", ppm: " << list << '\n';
+}
+
+void printAlternatives(const ClockReport& report, std::ostream& out) {
+    out << "\nAlternatives, the best first:\n";
+    unsigned place = 0;
+    for (const ClockReport::Alternative& alternative : report.alternatives) {
+        out << "  " << ++place << ". " << fixedText(alternative.sumPpm, 1) << " ppm";
+        if (alternative.weightedSumPpm)
+            out << ", with weights " << fixedText(*alternative.weightedSumPpm, 1) << " ppm";
+        const char* separator = ": ";
+        if (place == 1)
+            out << ": the answer above";
+        for (const std::string& difference : alternative.differences) {
+            out << separator << printable(difference);
+            separator = ", ";
+        }
+        out << '\n';
+        printTrades(alternative, true, out);
+        printTrades(alternative, false, out);
+    }
+}
+
 void printConflicts(const ClockReport& report, std::ostream& out) {
     out << "\nCan't be met together, the smallest sets first:\n";
     for (const ClockReport::Conflict& conflict : *report.conflicts) {
@@ -179,6 +209,9 @@ void printClockTables(const ClockReport& report, std::ostream& out) {
     out << "\nSolved at tolerance " << fixedText(static_cast<double>(report.tolerance), 3)
         << ", sum of relative errors " << fixedText(static_cast<double>(report.totalError) * 1e6, 1)
         << " ppm\n";
+    if (report.weightedError)
+        out << "With the weights, the sum is "
+            << fixedText(static_cast<double>(*report.weightedError) * 1e6, 1) << " ppm\n";
     printSummary(report.summary(), out);
     if (std::any_of(report.peripherals.begin(), report.peripherals.end(),
                     [](const auto& line) { return line.divider == kLargestDivider; }))
@@ -187,6 +220,8 @@ void printClockTables(const ClockReport& report, std::ostream& out) {
         printSearch(*report.search, out);
     if (report.conflicts)
         printConflicts(report, out);
+    if (!report.alternatives.empty())
+        printAlternatives(report, out);
 }
 
 } // namespace tq

@@ -1,26 +1,11 @@
 // Address maps as rows of a spreadsheet.
 
 #include "workbench/addressing/export/MapWriters.h"
-#include "workbench/text/Text.h"
+#include "workbench/text/CellText.h"
 
 namespace tq::map_export {
 
 namespace {
-
-/// A cell: quoted where the text has a separator, and with "'" in front where a spreadsheet would
-/// take it for a formula.
-std::string cell(std::string_view text) {
-    std::string content = validUtf8(text);
-    if (!content.empty() &&
-        std::string_view("=+-@\t\r").find(content.front()) != std::string_view::npos)
-        content.insert(0, "'");
-    if (content.find_first_of(",\"\r\n") == std::string::npos)
-        return content;
-    std::string quoted = "\"";
-    for (const char c : content)
-        quoted.append(c == '"' ? "\"" : "").push_back(c);
-    return quoted + "\"";
-}
 
 std::string optional(const std::optional<std::uint64_t>& number) {
     return number ? hex(*number) : "";
@@ -46,15 +31,16 @@ std::string writeCsv(const Sorted& map, const DiagnosticSink& /*sink*/) {
                        "description\r\n";
     for (const Sorted::Block& entry : map.blocks) {
         const MapBlock& block = *entry.block;
-        const std::string path = cell(block.path);
+        const std::string path = csvCell(block.path);
         const char* const state = block.isOn ? "on" : "off";
         text += "block," + hex(block.base) + "," + hex(block.size) + "," + path + ",," +
-                usageText(block.usage) + ",,,,," + state + "," + cell(block.description) + "\r\n";
+                usageText(block.usage) + ",,,,," + state + "," + csvCell(block.description) +
+                "\r\n";
         for (const MapRegister* const reg : entry.registers)
             text += "register," + hex(block.base + reg->offset) + "," + hex(bytesOf(*reg)) + "," +
-                    path + "," + cell(reg->name) + ",," + std::to_string(reg->width) + "," +
+                    path + "," + csvCell(reg->name) + ",," + std::to_string(reg->width) + "," +
                     accessText(reg->access) + "," + optional(reg->reset) + "," +
-                    optional(reg->value) + "," + state + "," + cell(reg->description) + "\r\n";
+                    optional(reg->value) + "," + state + "," + csvCell(reg->description) + "\r\n";
     }
     return text;
 }

@@ -1,0 +1,35 @@
+// Solved clock trees handed over to other tools.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "diagnostics/Diagnostic.h"
+#include "tq_workbench_export.h"
+#include "workbench/clocks/ClockReport.h"
+
+namespace tq {
+
+enum class ClockFormat {
+    Devicetree,  ///< ".dts", ".dtsi": fixed-factor clocks, and consumers with assigned rates
+    Constraints, ///< ".sdc": a clock for the reference, generated clocks with exact ratios
+    CHeader,     ///< ".h": macros, for C11 and C++17
+    Csv,         ///< ".csv": a row for each peripheral
+    Markdown,    ///< ".md": tables of PLLs and peripherals
+};
+
+/// By the ending of a file's name; empty for any other.
+[[nodiscard]] TQ_WORKBENCH_EXPORT std::optional<ClockFormat> clockFormatOf(std::string_view path);
+
+/// The endings as a list for people: ".dts, .dtsi, …".
+[[nodiscard]] TQ_WORKBENCH_EXPORT std::string clockFormatEndings();
+
+/// The whole file, of a report with a solution. Frequencies in Hz are rounded to whole ones. Names
+/// are made legal in the format; the sink gets a remark for names that fall together then
+/// ("name-clash"). Disabled peripherals are left out.
+[[nodiscard]] TQ_WORKBENCH_EXPORT std::string exportClocks(const ClockReport& report,
+                                                           float referenceMhz, ClockFormat format,
+                                                           const DiagnosticSink& sink = {});
+
+} // namespace tq
