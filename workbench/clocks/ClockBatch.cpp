@@ -33,13 +33,13 @@ constexpr int kBarWidth = 30;
 
 std::atomic<bool> g_isInterrupted = false;
 
-void solve(const ClockTree& tree, LibraryTexts& texts, Line& line) {
-    const ClockRun run = runClockTree(tree, {}, &texts);
-    line.found = run.solver->is_result_found();
+void solve(const ClockTree& tree, hbs_clocking::HBSClockingAlgo& solver, Line& line) {
+    solver.setSharesSolutions(false);
+    line.found = solver.runSolution();
     if (!line.found)
         return;
-    line.tolerance = run.solver->getToleranceFector();
-    const ClockReport report = makeClockReport(tree, *run.solver);
+    line.tolerance = solver.getToleranceFector();
+    const ClockReport report = makeClockReport(tree, solver);
     for (const ClockReport::Peripheral& peripheral : report.peripherals) {
         line.sumPpm += peripheral.countedPpm();
         if (line.worst.empty() || peripheral.countedPpm() > line.worstPpm) {
@@ -114,14 +114,15 @@ private:
         try {
             const JsonFile file = JsonFile::read(line.path);
             const ClockTree tree = readClockTree(file);
-            if (!buildClockSolver(tree)->validateConfig()) {
+            const auto solver = buildClockSolver(tree);
+            if (!solver->validateConfig()) {
                 std::string fault;
                 for (const std::string& said : m_texts.takeLines())
                     fault += (fault.empty() ? "" : "; ") + said;
                 file.fail(file.require(file.root(), "domains").offset, fault);
             }
+            solve(tree, *solver, line);
             static_cast<void>(m_texts.takeLines());
-            solve(tree, m_texts, line);
         } catch (const InputError& error) {
             line.error = error.what();
         }
