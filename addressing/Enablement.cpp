@@ -98,6 +98,18 @@ std::string substituteRegisterValues(HABMBlock& subBlock, const std::string& exp
     return references.text();
 }
 
+/// The expression with the values of its variables put in, for people: an unknown variable leaves
+/// it as it is, without a message.
+std::string substituteVariables(Tcl_Interp* interp, const std::string& text) {
+    std::string result;
+    const bool isDone = evalTcl(interp,
+                                "apply {{} {if {[catch {uplevel #0 {subst -nocommands "
+                                "-nobackslashes {" +
+                                    text + "}}} text]} {return {}}; return $text}}",
+                                result);
+    return isDone && !result.empty() ? result : text;
+}
+
 } // namespace
 
 bool evalTcl(Tcl_Interp* interp, const std::string& script, std::string& result) {
@@ -149,7 +161,7 @@ void evalHelper(Tcl_Interp* interp, const std::string& path) {
 }
 
 bool evalEnablement(Tcl_Interp* interp, HABMBlock* top, const std::string& subBlockName,
-                    const std::string& expression) {
+                    const std::string& expression, HBSDecision* decision) {
     if (expression.empty())
         return true;
     HABMBlock* const subBlock = top->getSubBlock(subBlockName);
@@ -161,8 +173,13 @@ bool evalEnablement(Tcl_Interp* interp, HABMBlock* top, const std::string& subBl
         sendTclError(fault);
         return true;
     }
+    if (decision != nullptr)
+        decision->evaluated = substituteVariables(interp, text);
     std::string result;
-    return !evalTcl(interp, "expr {" + text + "}", result) || result == "1";
+    const bool isEnabled = !evalTcl(interp, "expr {" + text + "}", result) || result == "1";
+    if (decision != nullptr)
+        decision->result = result;
+    return isEnabled;
 }
 
 } // namespace hbs_addressing

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "addressing/HBSAddressing.h"
 #include "blockmodel/HABMBlock.h"
 
 namespace hbs_addressing {
@@ -42,7 +43,10 @@ void evalHelper(Tcl_Interp* interp, const std::string& path);
 /// one that begins with "get_", and one that Tcl fails on.
 ///
 /// An expression that `findExpressionFault` refuses isn't run, and fails like any other.
+///
+/// `decision`, which may be null, gets the expression with the values put in, the result and the
+/// answer.
 bool evalEnablement(Tcl_Interp* interp, HABMBlock* top, const std::string& subBlockName,
-                    const std::string& expression);
+                    const std::string& expression, HBSDecision* decision = nullptr);
 
 } // namespace hbs_addressing

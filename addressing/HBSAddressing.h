@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "base/RapidJson.h"
 #include "blockmodel/HABMBlock.h"
@@ -11,6 +12,15 @@
 #include "tq_export.h"
 
 class HUTFile;
+
+/// How one enablement expression was decided.
+struct TQ_EXPORT HBSDecision {
+    std::string path;       ///< of the block or interface, as in the definition
+    std::string expression; ///< as the definition has it
+    std::string evaluated;  ///< with the values of registers and variables put in
+    std::string result;     ///< text of the result; empty if the expression wasn't run, or failed
+    bool isEnabled = true;
+};
 
 /// The entry to hard block subsystems. All operations are static; the order for one design is
 ///
@@ -88,6 +98,12 @@ public:
     /// only if the definition can't be cloned.
     [[nodiscard]] static std::unique_ptr<HABMBlock>
     createSubsystemInstance(const HABMBlock& definition, const HABMBlock& config);
+
+    /// The same, and adds how each expression that isn't empty was decided to `decisions`, in the
+    /// order of deciding. What goes with a block that is switched off isn't decided.
+    [[nodiscard]] static std::unique_ptr<HABMBlock>
+    createSubsystemInstance(const HABMBlock& definition, const HABMBlock& config,
+                            std::vector<HBSDecision>& decisions);
 
     /// A clone of `block`, which the caller owns. `file` isn't looked at.
     [[nodiscard]] static std::unique_ptr<HABMBlock>

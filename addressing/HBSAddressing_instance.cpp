@@ -2,6 +2,8 @@
 
 #include "addressing/HBSAddressing.h"
 
+#include <utility>
+
 #include "HUTFile.h"
 #include "addressing/DataArea.h"
 #include "addressing/Enablement.h"
@@ -48,7 +50,8 @@ void applyConfig(const HABMBlock& config, HABMBlock& instance) {
 /// Removes what an instance's enablement expressions disable.
 class Enabler {
 public:
-    Enabler(Tcl_Interp* interp, HABMBlock& instance) : m_interp(interp), m_instance(instance) {}
+    Enabler(Tcl_Interp* interp, HABMBlock& instance, std::vector<HBSDecision>* decisions)
+        : m_interp(interp), m_instance(instance), m_decisions(decisions) {}
 
     /// Level by level, down to the second below the top. All expressions of a branch are decided
     /// under the name of its first-level sub-block, which is where they find their registers.
@@ -56,7 +59,7 @@ public:
         removeInterfaces(m_instance, "");
         for (HABMBlock* first : m_instance.getSubBlocks()) {
             const std::string name = first->getInstanceName();
-            if (!isEnabled(name, first->getEnablement())) {
+            if (!isEnabled(name, *first)) {
                 m_instance.removeSubBlock(name);
                 continue;
             }
@@ -66,19 +69,31 @@ public:
     }
 
 private:
-    bool isEnabled(const std::string& name, const std::string& expression) {
-        return evalEnablement(m_interp, &m_instance, name, expression);
+    template <class Object>
+    bool isEnabled(const std::string& name, const Object& object) {
+        const std::string& expression = object.getEnablement();
+        if (m_decisions == nullptr || expression.empty())
+            return evalEnablement(m_interp, &m_instance, name, expression);
+        HBSDecision decision{pathOf(object), expression, expression, "", true};
+        decision.isEnabled = evalEnablement(m_interp, &m_instance, name, expression, &decision);
+        m_decisions->push_back(std::move(decision));
+        return m_decisions->back().isEnabled;
+    }
+
+    static std::string pathOf(const HABMBlock& block) { return block.getInstancePath(); }
+    static std::string pathOf(const HABMInterface& interface) {
+        return interface.getParent()->getInstancePath() + "/" + interface.getInterfaceName();
     }
 
     void removeInterfaces(HABMBlock& block, const std::string& name) {
         for (HABMInterface* interface : block.getInterfaces())
-            if (!isEnabled(name, interface->getEnablement()))
+            if (!isEnabled(name, *interface))
                 block.removeInterface(std::string(interface->getInterfaceName()));
     }
 
     void walkSecondLevel(HABMBlock& first, const std::string& name) {
         for (HABMBlock* second : first.getSubBlocks()) {
-            if (isEnabled(name, second->getEnablement()))
+            if (isEnabled(name, *second))
                 removeInterfaces(*second, name);
             else
                 first.removeSubBlock(std::string(second->getInstanceName()));
@@ -87,6 +102,7 @@ private:
 
     Tcl_Interp* m_interp;
     HABMBlock& m_instance;
+    std::vector<HBSDecision>* m_decisions; ///< may be null
 };
 
 /// Removes connections and interfaces that lost their ends. Unconnected ports stay: a port's name
@@ -106,10 +122,9 @@ void prune(HABMBlock& instance) {
             port->getParent()->removePortConnection(port->getPortName());
 }
 
-} // namespace
-
-std::unique_ptr<HABMBlock> HBSAddressing::createSubsystemInstance(const HABMBlock& definition,
-                                                                  const HABMBlock& config) {
+/// `decisions` may be null.
+std::unique_ptr<HABMBlock> createInstance(const HABMBlock& definition, const HABMBlock& config,
+                                          std::vector<HBSDecision>* decisions) {
     const std::string& module = config.getModuleName();
     writeDebugBlock(module + "_hbs_config.bmj", config);
     std::unique_ptr<HABMBlock> instance = HABMBlock::cloneTopBlock(definition);
@@ -118,11 +133,24 @@ std::unique_ptr<HABMBlock> HBSAddressing::createSubsystemInstance(const HABMBloc
     if (const TclInterpreter tcl; tcl.get() != nullptr) {
         applyConfig(config, *instance);
         loadBlockNamespace(tcl.get(), instance.get(), "");
-        Enabler(tcl.get(), *instance).walk();
+        Enabler(tcl.get(), *instance, decisions).walk();
         prune(*instance);
         if (isDebugOn())
             evalHelper(tcl.get(), workingFile("helper.tcl"));
     }
     writeDebugBlock(module + "_hbs_instance.bmj", *instance);
     return instance;
+}
+
+} // namespace
+
+std::unique_ptr<HABMBlock> HBSAddressing::createSubsystemInstance(const HABMBlock& definition,
+                                                                  const HABMBlock& config) {
+    return createInstance(definition, config, nullptr);
+}
+
+std::unique_ptr<HABMBlock>
+HBSAddressing::createSubsystemInstance(const HABMBlock& definition, const HABMBlock& config,
+                                       std::vector<HBSDecision>& decisions) {
+    return createInstance(definition, config, &decisions);
 }

@@ -29,6 +29,8 @@ public:
 
     /// False for a value that was never set or couldn't be read or computed.
     [[nodiscard]] bool isValid() const { return m_high != 0; }
+    /// The lowest 64 bits of the number; 0 for an invalid value.
+    [[nodiscard]] std::uint64_t getLowBits() const { return m_low; }
 
     /// Numeric order; an invalid value is less than every valid one and equals any invalid one.
     bool operator<(const HABMAddrValue& other) const {

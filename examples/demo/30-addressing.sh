@@ -16,3 +16,11 @@ hbs addressing "$block" --data "$device" --config "$device/config_linux.json" \
     --export build/demo/linux.h --export build/demo/linux.dts >/dev/null
 grep UART0_REGS_UART_BAUD build/demo/linux.h
 echo
+
+for question in '--check' '--at 0xFF0B0006' '--find eth*/ETH_CTRL' '--why uart1'; do
+    echo "\$ hbs addressing $block --data $device --config $device/config_linux.json $question"
+    # An option and its value are meant to be split, a pattern isn't to be expanded.
+    # shellcheck disable=SC2086
+    (set -f; hbs addressing "$block" --data "$device" --config "$device/config_linux.json" $question)
+    echo
+done

@@ -62,7 +62,7 @@ TEST(AddressingWord, PrintsTheMapSortedWithWhatTheConfigSwitchedOff) {
 }
 
 TEST(AddressingWord, WritesTheReportAndThePicture) {
-    const auto json = addressing(sampleConfig("linux") + " --json -");
+    const auto json = addressing(sampleConfig("linux") + " --report -");
     EXPECT_EQ(0U, json.output.find("{\n    \"components\": {\n        \"sorrel_ps\": {"));
     EXPECT_THAT(json.output, HasSubstr("\"SEG_ddr0_config_config\": {"));
     const auto map = addressing(sampleConfig("linux") + " --map -");
@@ -78,7 +78,7 @@ TEST(AddressingWord, WritesTheReportAndThePicture) {
     EXPECT_EQ("/dev/full: error: can't be written: No space left on device\n", full);
     EXPECT_THAT(addressing("--svg /dev/stdout | cat").output, HasSubstr("<svg "));
     const std::string definition = area().file("mirrel/hardblocks/sorrel_ps/sorrel_ps.bmj");
-    EXPECT_EQ(2, addressing("--json " + definition).status);
+    EXPECT_EQ(2, addressing("--report " + definition).status);
     const std::string config = out.write("config.json", "{}");
     EXPECT_EQ(2, addressing("--config " + config + " --html " + config).status);
     EXPECT_EQ("{}", support::readFile(config));
@@ -181,6 +181,103 @@ TEST(AddressingWord, EndsWithoutAResultWhereAStubStaysAStub) {
                                         "version [91-45]\n"));
     EXPECT_THAT(result.error, HasSubstr("error: one [HBS.TCL]\nnote: two\n"));
     EXPECT_THAT(result.error, HasSubstr("expected no\\x1Bne/no\\x1Bne.bmj in mirrel/hardblocks"));
+}
+
+TEST(AddressingWord, ChecksForContinuousIntegration) {
+    const auto check = [](const std::string& config, const std::string& options = "") {
+        return addressing("--check --config " + area().write("check.json", config) + " " + options);
+    };
+    const std::string twice =
+        R"({"assigns": [{"block": "/uart0/sorrel_uart/regs", "segment": "/cpu0/data/peripherals",)"
+        R"( "offset": "0xFF000000"}, {"block": "/uart1/sorrel_uart/regs",)"
+        "\n"
+        R"("segment": "/cpu0/data/peripherals", "offset": "0xFF000000"}]})";
+    const auto overlap = check(twice, "--json");
+    EXPECT_EQ(1, overlap.status);
+    EXPECT_EQ("", overlap.error);
+    EXPECT_THAT(overlap.output, HasSubstr("\"id\": \"overlap:uart0/uart1\""));
+    EXPECT_THAT(overlap.output, HasSubstr("\"severity\": \"error\""));
+    EXPECT_THAT(overlap.output, HasSubstr("\"line\": 2,\n      \"column\": 48,"));
+    EXPECT_EQ(0, check(twice, "--allow overlap:uart0/uart1").status);
+
+    using Case = std::pair<const char*, const char*>;
+    for (const auto& [config, finding] :
+         {Case{R"({"assigns": [{"block": "/ddr0/memory/ddr_low", "offset": "0x90000000",)"
+               R"( "segment": "/cpu0/data/ddr_low"}]})",
+               ":1:58: error: the assign \"assign_1\" of \"ddr0/memory/ddr_low\" (0x90000000 to "
+               "0x10FFFFFFF) reaches beyond its segment, expected an extent within 0x0 to "
+               "0x7FFFFFFF [outside-segment:assign_1]"},
+          Case{R"({"instances": {"uart0": {"registers": {"UART_CTL": 1}}, "usb0": {}}})",
+               ":1:40: error: the instance \"uart0\" has no register \"UART_CTL\""},
+          Case{R"({"instances": {"uart0": {"registers": {"UART_CTL": 1}}, "uart": {}}})",
+               "did you mean \"uart0\"? [unknown-instance:uart]"},
+          Case{R"({"parameters": {"PS_SPEED_GRAD": "-1"}})", "[unknown-parameter:PS_SPEED_GRAD]"},
+          Case{R"({"assigns": [{"block": "/ddr/memory/ddr_low", "segment": "/cpu0/data/ddr"}]})",
+               "did you mean \"/ddr0/memory/ddr_low\"? [assign-nowhere:assign_1]"}}) {
+        const auto result = check(config);
+        EXPECT_EQ(1, result.status);
+        EXPECT_THAT(result.error, HasSubstr(finding));
+    }
+    const auto version = addressing("--check", "kestrom:hardblock:sorrel_ps:9.9");
+    EXPECT_EQ(1, version.status);
+    EXPECT_THAT(version.error, HasSubstr("[other-version:sorrel_ps]"));
+    const auto clean = addressing(sampleConfig("linux") + " --check");
+    EXPECT_EQ(0, clean.status);
+    EXPECT_EQ("0 errors, 1 warning, 1 remark\n", clean.output);
+    EXPECT_THAT(clean.error, HasSubstr("sorrel_ddr/data/addrblocks.txt:3:103: remark: the size"));
+}
+
+/// A block at another one's base address, and a stub that asks for a version that isn't there.
+TEST(AddressingWord, ChecksNameThePlaceInTheTables) {
+    const std::string blocks = area().file("mirrel/hardblocks");
+    std::filesystem::create_directories(blocks + "/pair/data");
+    area().write("mirrel/hardblocks/pair/data/instances.txt",
+                 "instance=a; vlnv=kestrom:hardblock:sorrel_uart:1.0; base_address=0x1000\n"
+                 "instance=b; vlnv=kestrom:hardblock:sorrel_uart:9.9; base_address=0x1000\n");
+    area().write("mirrel/hardblocks/pair/data/interfaces.txt", "interface=S; mode=slave\n");
+    area().write("mirrel/hardblocks/pair/data/connections.txt",
+                 "type=interface; source=/S; targets=/a/S_CFG,/b/S_CFG\n");
+    ASSERT_NE(nullptr, HBSAddrParseUtil::buildHardblockDefinition(HUTFile(blocks), "pair", true));
+    const auto result = addressing("--check", "kestrom:hardblock:pair:1.0");
+    EXPECT_EQ(1, result.status);
+    EXPECT_THAT(result.error, HasSubstr("pair/data/instances.txt:2:18: error: the definition of "
+                                        "\"b\" is \"kestrom:hardblock:sorrel_uart:1.0\""));
+    EXPECT_THAT(result.error, HasSubstr("pair/data/instances.txt:2:66: error: \"S\" sees "
+                                        "\"b/sorrel_uart/regs\" (0x1000 to 0x1FFF) over"));
+}
+
+TEST(AddressingWord, AnswersWhatLiesWhereAndWhy) {
+    const auto at = addressing(sampleConfig("linux") + " --at 0xFF0B0006 --from cpu0 --json");
+    EXPECT_EQ(0, at.status);
+    for (const char* part : {"\"from\": \"cpu0\"", "\"block\": \"eth0/sorrel_eth/regs\"",
+                             "\"register\": \"ETH_CONFIG\"", "\"offset\": \"0x2\"",
+                             "\"reset\": \"0x80000\"", "\"assign\": \"assign_7\""})
+        EXPECT_THAT(at.output, HasSubstr(part));
+    EXPECT_THAT(addressing("--at 0xFF010004 --from noc0").output,
+                HasSubstr("/noc0/M_PERIPH > /uart1/S_CFG"));
+    EXPECT_EQ(1, addressing(sampleConfig("linux") + " --at 0xFF010004").status);
+    EXPECT_THAT(addressing("--at 0 --from cpu").error, HasSubstr("did you mean \"cpu0\"?"));
+    EXPECT_EQ(2, addressing("--at 0xG").status);
+
+    EXPECT_THAT(addressing("--find 'uart*/UART_MODE' --from S_AXI_LPD").output,
+                testing::ContainsRegex("S_AXI_LPD +0xFF000004 .*\n.* 0xFF010004 "));
+    EXPECT_EQ("uart1 is off: (0x0 & 0x1) == 1 is false\n"
+              "condition: (register_value(UART_CTRL) & 0x1) == 1\n"
+              "uart1/sorrel_uart/regs/UART_CTRL is 0x0, from " TQ_SOURCE_DIR
+              "/examples/device/config_linux.json:5:31\n",
+              addressing(sampleConfig("linux") + " --why uart1").output);
+    EXPECT_THAT(addressing("--why uart1").output, HasSubstr("its reset, "));
+    EXPECT_THAT(addressing("--why eth0").output, HasSubstr("eth0 is off: 0 is false\n"));
+    EXPECT_THAT(addressing("--why uart9").error, HasSubstr("did you mean \"uart0\"?"));
+}
+
+TEST(AddressingWord, ShowsRegistersAtAbsoluteAddresses) {
+    EXPECT_THAT(
+        addressing("--registers").output,
+        testing::ContainsRegex("0xFF010018 +UART_BAUD +32 +read_write +0x28B +0x28B +uart1"));
+    const auto json = addressing("--registers --json");
+    EXPECT_THAT(json.output, HasSubstr("\"address\": \"0xFF010018\""));
+    EXPECT_THAT(json.output, HasSubstr("\"findings\": ["));
 }
 
 TEST(AddressingWord, SaysWhatIsMissing) {

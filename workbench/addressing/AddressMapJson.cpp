@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "workbench/addressing/AddressMapWriting.h"
 #include "workbench/text/JsonWriter.h"
 
 namespace tq {
@@ -24,7 +25,24 @@ void writeNames(JsonWriter& json, const char* key,
     json.endArray();
 }
 
-void write(JsonWriter& json, const AddressMap::Block& block) {
+void writeRegisters(JsonWriter& json, const AddressMap::Block& block) {
+    const HABMAddrBlock& source = block.instance ? *block.instance : *block.definition;
+    json.beginArray("registers");
+    for (const HABMRegister* const reg : source.getRegisters()) {
+        json.beginObject();
+        json.member("name", reg->getName());
+        writeAddress(json, "address", block.base.plus(reg->getOffset()));
+        writeAddress(json, "offset", reg->getOffset());
+        json.member("width", reg->getWidth());
+        json.member("access", HABMRegister::decodeRegisterAccess(reg->getAccess()));
+        writeAddress(json, "reset", reg->getReset());
+        writeAddress(json, "value", reg->getValue());
+        json.endObject();
+    }
+    json.endArray();
+}
+
+void write(JsonWriter& json, const AddressMap::Block& block, bool withRegisters) {
     json.beginObject();
     writeAddress(json, "base", block.base);
     writeAddress(json, "end", block.end);
@@ -36,6 +54,8 @@ void write(JsonWriter& json, const AddressMap::Block& block) {
     writeNames(json, "interfaces", block.access->interfaces);
     writeNames(json, "ports", block.access->ports);
     json.member("on", block.instance != nullptr);
+    if (withRegisters)
+        writeRegisters(json, block);
     json.endObject();
 }
 
@@ -85,12 +105,19 @@ void write(JsonWriter& json, const AddressMap::Space& space) {
 
 } // namespace
 
-std::string addressMapJson(const AddressMap& map) {
-    JsonWriter json;
-    json.beginObject();
-    writeAll(json, "blocks", map.blocks());
+void writeMembers(JsonWriter& json, const AddressMap& map, bool withRegisters) {
+    json.beginArray("blocks");
+    for (const AddressMap::Block& block : map.blocks())
+        write(json, block, withRegisters);
+    json.endArray();
     writeAll(json, "spaces", map.spaces());
     writeAll(json, "removed", map.removed());
+}
+
+std::string addressMapJson(const AddressMap& map, bool withRegisters) {
+    JsonWriter json;
+    json.beginObject();
+    writeMembers(json, map, withRegisters);
     json.endObject();
     return json.text();
 }

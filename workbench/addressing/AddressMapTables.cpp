@@ -38,6 +38,29 @@ void printBlocks(std::ostream& out, const std::vector<AddressMap::Block>& blocks
     table.print(out);
 }
 
+void printRegisters(std::ostream& out, const std::vector<AddressMap::Block>& blocks) {
+    using Align = Table::Align;
+    out << "\nRegisters:\n";
+    Table table({{"address", Align::Right},
+                 {"register"},
+                 {"bits", Align::Right},
+                 {"access"},
+                 {"reset", Align::Right},
+                 {"value", Align::Right},
+                 {"block"},
+                 {"state"}});
+    for (const AddressMap::Block& block : blocks) {
+        const HABMAddrBlock& source = block.instance ? *block.instance : *block.definition;
+        for (const HABMRegister* const reg : source.getRegisters())
+            table.addRow({hex(block.base.plus(reg->getOffset())), reg->getName(),
+                          std::to_string(reg->getWidth()),
+                          HABMRegister::decodeRegisterAccess(reg->getAccess()),
+                          hex(reg->getReset()), hex(reg->getValue()), block.path,
+                          block.instance == nullptr ? "off" : "on"});
+    }
+    table.print(out);
+}
+
 void printSpace(std::ostream& out, const AddressMap::Space& space) {
     using Align = Table::Align;
     out << "\nAs seen from " << printable(space.path) << " ("
@@ -68,8 +91,10 @@ void printRemoved(std::ostream& out, const std::vector<AddressMap::Removed>& rem
 
 } // namespace
 
-void printAddressMap(std::ostream& out, const AddressMap& map) {
+void printAddressMap(std::ostream& out, const AddressMap& map, bool withRegisters) {
     printBlocks(out, map.blocks());
+    if (withRegisters)
+        printRegisters(out, map.blocks());
     for (const AddressMap::Space& space : map.spaces())
         if (!space.assigned.empty())
             printSpace(out, space);

@@ -14,11 +14,19 @@ namespace tq {
 namespace {
 
 template <class Named, class NameOf>
-std::string namesOf(const std::vector<Named*>& objects, NameOf nameOf) {
-    std::string names;
-    for (Named* object : objects)
-        names += (names.empty() ? "" : ", ") + nameOf(*object);
-    return names.empty() ? "none" : names;
+std::vector<std::string> namesOf(const std::vector<Named*>& objects, NameOf nameOf) {
+    std::vector<std::string> names;
+    names.reserve(objects.size());
+    for (const Named* const object : objects)
+        names.push_back(nameOf(*object));
+    return names;
+}
+
+std::string joined(const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : ", ") + name;
+    return text.empty() ? "none" : text;
 }
 
 std::vector<std::string> splitPath(const std::string& path) {
@@ -34,8 +42,9 @@ std::vector<std::string> splitPath(const std::string& path) {
 /// Reads one file against one definition.
 class AddressingConfig::Reader {
 public:
-    Reader(JsonFile file, const HABMBlock& definition, const DiagnosticSink& sink)
-        : m_file(std::move(file)), m_full(definition), m_sink(sink) {}
+    Reader(JsonFile file, const HABMBlock& definition, const DiagnosticSink& sink, Purpose purpose)
+        : m_file(std::move(file)), m_full(definition), m_sink(sink),
+          m_isCheck(purpose == Purpose::Check) {}
 
     AddressingConfig read() {
         const JsonNode& root = m_file.root();
@@ -46,7 +55,10 @@ public:
             addInstances(*instances, *config.m_block->createSubBlock("inst", "inst", false));
         if (const JsonNode* assigns = root.find("assigns"))
             for (const JsonNode& node : m_file.array(*assigns))
-                config.m_assigns.push_back(assign(node));
+                addAssign(node, config.m_assigns);
+        config.m_assignOffsets = std::move(m_assignOffsets);
+        config.m_registerOffsets = std::move(m_registerOffsets);
+        config.m_file = std::move(m_file);
         return config;
     }
 
@@ -74,10 +86,34 @@ private:
         return node == nullptr ? fallback : address(*node);
     }
 
-    void warn(std::size_t offset, const char* id, const std::string& text,
-              const std::string& expected) const {
+    /// `subject` is what a check's finding is about.
+    void warn(std::size_t offset, const std::string& id, const std::string& subject,
+              const std::string& text, const std::string& expected,
+              Severity severity = Severity::Warning) const {
         if (m_sink)
-            m_sink(makeDiagnostic(Severity::Warning, id, m_file.placeOf(offset), text, expected));
+            m_sink(makeDiagnostic(severity, m_isCheck ? id + ":" + subject : id,
+                                  m_file.placeOf(offset), text, expected));
+    }
+
+    /// What the definition doesn't have: tells a check, else refuses the file with `refusal`.
+    void missing(std::size_t offset, const std::string& id, const std::string& subject,
+                 const std::string& text, const std::string& name,
+                 const std::vector<std::string>& known, const std::string& refusal) const {
+        if (!m_isCheck)
+            m_file.fail(offset, refusal);
+        warn(offset, id, subject, text, expectedOf(name, {known.begin(), known.end()}),
+             Severity::Error);
+    }
+
+    /// The known names, and the nearest one to what was typed.
+    static std::string expectedOf(const std::string& name,
+                                  const std::vector<std::string_view>& known) {
+        std::string expected;
+        for (const std::string_view entry : known)
+            expected.append(expected.empty() ? "one of: " : ", ").append(entry);
+        if (const std::string_view nearest = nearestName(name, known); !nearest.empty())
+            expected.append("; did you mean \"").append(nearest).append("\"?");
+        return expected;
     }
 
     /// `definition` is the one of the block that the parameters are for.
@@ -92,27 +128,24 @@ private:
             if (block.setParameter(member.name, value(member.value), true) == nullptr)
                 m_file.fail(member.offset, "\"" + member.name + "\" can't name a parameter");
             if (!known.contains(member.name))
-                warnOfParameter(member, {known.begin(), known.end()});
+                warn(member.offset, "unknown-parameter", member.name,
+                     "the definition has no parameter \"" + member.name + "\"",
+                     expectedOf(member.name, {known.begin(), known.end()}),
+                     m_isCheck ? Severity::Error : Severity::Warning);
         }
-    }
-
-    void warnOfParameter(const JsonNode::Member& member,
-                         const std::vector<std::string_view>& known) const {
-        std::string expected;
-        for (const std::string_view name : known)
-            expected.append(expected.empty() ? "one of: " : ", ").append(name);
-        if (const std::string_view nearest = nearestName(member.name, known); !nearest.empty())
-            expected.append("; did you mean \"").append(nearest).append("\"?");
-        warn(member.offset, "unknown-parameter",
-             "the definition has no parameter \"" + member.name + "\"", expected);
     }
 
     void addInstances(const JsonNode& instances, HABMBlock& settings) {
         for (const auto& member : m_file.object(instances)) {
             HABMBlock* const target = m_full.getSubBlock(member.name);
-            if (target == nullptr)
-                m_file.fail(member.offset, "the definition has no instance \"" + member.name +
-                                               "\"; it has: " + instanceNames());
+            if (target == nullptr) {
+                missing(member.offset, "unknown-instance", member.name,
+                        "the definition has no instance \"" + member.name + "\"", member.name,
+                        instanceNames(),
+                        "the definition has no instance \"" + member.name +
+                            "\"; it has: " + joined(instanceNames()));
+                continue;
+            }
             m_file.expectKeys(member.value, {"parameters", "registers"});
             HABMBlock* const block = settings.createSubBlock(member.name, member.name, false);
             if (block == nullptr)
@@ -126,20 +159,26 @@ private:
 
     void addRegister(const JsonNode::Member& setting, const HABMBlock& target, HABMBlock& block) {
         const HABMRegister* const known = target.findRegister(setting.name, true);
-        if (known == nullptr)
-            m_file.fail(setting.offset,
-                        "the instance has no register \"" + setting.name + "\"; it has: " +
-                            namesOf(target.findRegisters("", true),
-                                    [](HABMRegister& reg) { return reg.getName(); }));
+        if (known == nullptr) {
+            const std::vector<std::string> names = registerNames(target);
+            return missing(
+                setting.offset, "unknown-register", target.getInstanceName() + "/" + setting.name,
+                "the instance \"" + target.getInstanceName() + "\" has no register \"" +
+                    setting.name + "\"",
+                setting.name, names,
+                "the instance has no register \"" + setting.name + "\"; it has: " + joined(names));
+        }
         HABMRegister* const reg =
             createRegister(block, HABMPath::get_relative_path(target, known->getPath()));
         if (reg == nullptr)
             m_file.fail(setting.offset, "the register \"" + setting.name + "\" is set twice");
+        m_registerOffsets.emplace(known->getPath(), setting.offset);
         const HABMAddrValue value = address(setting.value);
         reg->setValue(value);
         const unsigned width = known->getWidth();
         if (width != 0 && !(value < HABMAddrValue(std::uint64_t{1})) && value.log2() >= width)
             warn(setting.value.offset, "value-too-wide",
+                 target.getInstanceName() + "/" + known->getName(),
                  "the value has " + std::to_string(value.log2() + 1) + " bits, the register \"" +
                      setting.name + "\" " + std::to_string(width),
                  "");
@@ -163,7 +202,7 @@ private:
     }
 
     /// Tried on the whole definition first, so that a wrong path is told from a switched-off block.
-    Assign assign(const JsonNode& node) {
+    void addAssign(const JsonNode& node, std::vector<Assign>& assigns) {
         m_file.expectKeys(node, {"name", "block", "segment", "offset", "range", "type"});
         const JsonNode& blockNode = m_file.require(node, "block");
         const JsonNode& segmentNode = m_file.require(node, "segment");
@@ -173,21 +212,36 @@ private:
         const HABMAddrBlock* const block = HABMPath::findAddrBlock(m_full, assign.blockPath);
         const HABMAddrSegment* const segment =
             HABMPath::findAddrSegment(m_full, assign.segmentPath);
+        const std::string name = textOr(node, "name", "assign_" + std::to_string(++m_assignCount));
         if (block == nullptr)
-            m_file.fail(blockNode.offset,
-                        "the definition has no address block \"" + assign.blockPath + "\"");
+            missing(blockNode.offset, "assign-nowhere", name,
+                    "the assign \"" + name + "\" is of an address block that doesn't exist",
+                    assign.blockPath, addrBlockPaths(),
+                    "the definition has no address block \"" + assign.blockPath + "\"");
         if (segment == nullptr)
-            m_file.fail(segmentNode.offset,
-                        "the definition has no address segment \"" + assign.segmentPath + "\"");
-        assign.name = textOr(node, "name", "assign_" + std::to_string(++m_assignCount));
+            missing(segmentNode.offset, "assign-nowhere", name,
+                    "the assign \"" + name + "\" is to an address segment that doesn't exist",
+                    assign.segmentPath, addrSegmentPaths(),
+                    "the definition has no address segment \"" + assign.segmentPath + "\"");
+        if (block != nullptr && segment != nullptr)
+            addAssign(node, assign, name, *block, *segment, assigns);
+    }
+
+    void addAssign(const JsonNode& node, Assign assign, const std::string& name,
+                   const HABMAddrBlock& block, const HABMAddrSegment& segment,
+                   std::vector<Assign>& assigns) {
+        assign.name = name;
         if (!claimAssignName(assign.name))
             m_file.fail(node.offset,
                         "an assign can't be named \"" + assign.name + "\", or another one is");
-        assign.offset = addressOr(node, "offset", segment->getOffset());
-        assign.range = addressOr(node, "range", block->getRange());
+        assign.offset = addressOr(node, "offset", segment.getOffset());
+        assign.range = addressOr(node, "range", block.getRange());
         assign.type = assignType(node);
-        checkExtent(assign, *segment, node);
-        return assign;
+        if (!m_isCheck)
+            checkExtent(assign, segment, node);
+        const JsonNode* const offset = node.find("offset");
+        m_assignOffsets.emplace(assign.name, offset != nullptr ? offset->offset : node.offset);
+        assigns.push_back(std::move(assign));
     }
 
     /// Warns of an assign that lies outside its segment, or even outside the address space.
@@ -203,7 +257,7 @@ private:
         const bool isInSpace = last.isValid() && last < range;
         const JsonNode* const offset = node.find("offset");
         warn(offset != nullptr ? offset->offset : node.offset,
-             isInSpace ? "outside-segment" : "outside-space",
+             isInSpace ? "outside-segment" : "outside-space", assign.name,
              "the assign \"" + assign.name + "\" reaches beyond its " +
                  (isInSpace ? "segment" : "address space"),
              "an extent within " + whole.getStart().getPrettyHexStringValue(0) + " to " +
@@ -225,14 +279,38 @@ private:
         return type;
     }
 
-    std::string instanceNames() {
+    [[nodiscard]] std::vector<std::string> instanceNames() const {
         return namesOf(m_full.getSubBlocks(),
-                       [](HABMBlock& block) { return block.getInstanceName(); });
+                       [](const HABMBlock& block) { return block.getInstanceName(); });
+    }
+
+    static std::vector<std::string> registerNames(const HABMBlock& target) {
+        return namesOf(target.findRegisters("", true),
+                       [](const HABMRegister& reg) { return reg.getName(); });
+    }
+
+    [[nodiscard]] std::vector<std::string> addrBlockPaths() const {
+        std::vector<std::string> paths;
+        for (const HABMMemoryMap* const map : m_full.findMemoryMaps("", true))
+            for (const HABMAddrBlock* const block : map->getAddrBlocks())
+                paths.push_back(block->getPath());
+        return paths;
+    }
+
+    [[nodiscard]] std::vector<std::string> addrSegmentPaths() const {
+        std::vector<std::string> paths;
+        for (const HABMAddrSpace* const space : m_full.findAddrSpaces("", true))
+            for (const HABMAddrSegment* const segment : space->getAddrSegments())
+                paths.push_back(segment->getPath());
+        return paths;
     }
 
     JsonFile m_file;
     const HABMBlock& m_full;
     const DiagnosticSink& m_sink;
+    bool m_isCheck;
+    Offsets m_assignOffsets;
+    Offsets m_registerOffsets;
     std::set<std::string> m_assignNames;
     int m_assignCount = 0;
 };
@@ -243,8 +321,21 @@ AddressingConfig::AddressingConfig(const std::string& name)
     : m_block(HABMBlock::createTopBlock(name)) {}
 
 AddressingConfig AddressingConfig::read(JsonFile file, const HABMBlock& definition,
-                                        const DiagnosticSink& sink) {
-    return Reader(std::move(file), definition, sink).read();
+                                        const DiagnosticSink& sink, Purpose purpose) {
+    return Reader(std::move(file), definition, sink, purpose).read();
+}
+
+Place AddressingConfig::placeOfAssign(const std::string& name) const {
+    return placeIn(m_assignOffsets, name);
+}
+
+Place AddressingConfig::placeOfRegister(const std::string& path) const {
+    return placeIn(m_registerOffsets, path);
+}
+
+Place AddressingConfig::placeIn(const Offsets& offsets, const std::string& name) const {
+    const auto found = offsets.find(name);
+    return found == offsets.end() ? Place() : m_file->placeOf(found->second);
 }
 
 void AddressingConfig::addAssignsTo(HABMBlock& subsystem) const {

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "blockmodel/HABM.h"
@@ -34,12 +36,18 @@ namespace tq {
 /// `InputError` with its place in the file, as does everything malformed. A sink is warned of
 /// parameters that the definition doesn't have, of values wider than their register and of assigns
 /// beyond their segment; all of them count as they are.
+///
+/// For a check, what the definition doesn't have is reported and left out, with the nearest names:
+/// errors "unknown-instance:NAME", "unknown-register:NAME", "unknown-parameter:NAME" and
+/// "assign-nowhere:NAME". The extents of assigns aren't looked at then, as `checkMap` does so, and
+/// the ids end in what they are about.
 class TQ_WORKBENCH_EXPORT AddressingConfig {
 public:
     /// The config that changes nothing.
     AddressingConfig();
+    enum class Purpose { Use, Check };
     static AddressingConfig read(JsonFile file, const HABMBlock& definition,
-                                 const DiagnosticSink& sink = {});
+                                 const DiagnosticSink& sink = {}, Purpose purpose = Purpose::Use);
 
     /// The block that HBSAddressing::createSubsystemInstance takes.
     [[nodiscard]] const HABMBlock& block() const { return *m_block; }
@@ -47,6 +55,12 @@ public:
     /// Creates the assigns on a subsystem that has none of their names. One with an end that isn't
     /// there goes to nowhere, as it does where the config has switched that end off.
     void addAssignsTo(HABMBlock& subsystem) const;
+
+    /// Where the file has the offset of an assign, or the assign; empty if it isn't of the file.
+    [[nodiscard]] Place placeOfAssign(const std::string& name) const;
+    /// Where the file sets a register, which is named by its path from the top block; empty if it
+    /// doesn't.
+    [[nodiscard]] Place placeOfRegister(const std::string& path) const;
 
 private:
     struct Assign {
@@ -63,8 +77,14 @@ private:
     explicit AddressingConfig(const std::string& name);
     static void addAssign(HABMBlock& subsystem, const Assign& assign);
 
+    using Offsets = std::unordered_map<std::string, std::size_t>;
+    [[nodiscard]] Place placeIn(const Offsets& offsets, const std::string& name) const;
+
     std::unique_ptr<HABMBlock> m_block;
     std::vector<Assign> m_assigns;
+    std::optional<JsonFile> m_file;
+    Offsets m_assignOffsets;   ///< by name
+    Offsets m_registerOffsets; ///< by path
 };
 
 } // namespace tq

@@ -30,7 +30,9 @@ Diagnostic finding(std::string id, const HABMBlock& stub, const std::string& rea
                           std::move(expected));
 }
 
-Diagnostic findingOf(const HABMBlock& stub) {
+} // namespace
+
+Diagnostic findingOfStub(const HABMBlock& stub) {
     const std::string name = definitionName(stub);
     const std::string vlnv = "\"" + stub.getModuleVlnv() + "\"";
     if (name.empty())
@@ -44,13 +46,11 @@ Diagnostic findingOf(const HABMBlock& stub) {
                    name + "/" + name + ".bmj in mirrel/hardblocks");
 }
 
-} // namespace
-
 void reportStubs(const HABMBlock& block, const DiagnosticSink& sink) {
     if (!sink)
         return;
     for (const HABMBlock* stub : block.findStubs())
-        sink(findingOf(*stub));
+        sink(findingOfStub(*stub));
 }
 
 } // namespace tq

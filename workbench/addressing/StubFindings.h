@@ -14,4 +14,7 @@ namespace tq {
 /// and "unresolved-stub". Linear in the blocks, with the levels above each stub.
 TQ_WORKBENCH_EXPORT void reportStubs(const HABMBlock& block, const DiagnosticSink& sink);
 
+/// The same for one stub.
+[[nodiscard]] TQ_WORKBENCH_EXPORT Diagnostic findingOfStub(const HABMBlock& stub);
+
 } // namespace tq

@@ -1,0 +1,268 @@
+#include "workbench/addressing/MapQuestions.h"
+
+#include <fnmatch.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <unordered_map>
+
+#include "diagnostics/NearestName.h"
+#include "workbench/addressing/DefinitionPlaces.h"
+
+namespace tq {
+
+namespace {
+
+constexpr HABMAddrValue kZero{std::uint64_t{0}};
+
+std::string nearestOf(const std::string& name, const std::vector<std::string>& known) {
+    std::string text = "expected one of: ";
+    for (const std::string& entry : known)
+        text += (&entry == known.data() ? "" : ", ") + entry;
+    const std::string_view nearest =
+        nearestName(name, std::vector<std::string_view>(known.begin(), known.end()));
+    return nearest.empty() ? text : text + "; did you mean \"" + std::string(nearest) + "\"?";
+}
+
+void expectInitiator(const ConfiguredMap& map, const std::string& from) {
+    std::vector<std::string> known;
+    for (const AddressViews::View& view : map.views().views()) {
+        if (AddressViews::isNamed(view, from))
+            return;
+        if (std::find(known.begin(), known.end(), view.from) == known.end())
+            known.push_back(view.from);
+    }
+    if (!from.empty())
+        throw InputError("there is no initiator \"" + from + "\", " + nearestOf(from, known));
+}
+
+/// Finds blocks and registers by name, and who sees them.
+class NameSearch {
+public:
+    NameSearch(const ConfiguredMap& map, const std::string& pattern, const std::string& from)
+        : m_pattern(pattern) {
+        for (const AddressViews::View& view : map.views().views())
+            if (AddressViews::isNamed(view, from))
+                for (const auto& region : view.regions.all())
+                    m_seen[region.value.block].push_back({&view, &region});
+        for (const AddressMap::Block& block : map.map().blocks())
+            if (from.empty() || m_seen.contains(&block))
+                search(block);
+    }
+
+    std::vector<MapMatch> take() { return std::move(m_matches); }
+
+private:
+    struct Seen {
+        const AddressViews::View* view;
+        const AddressViews::Regions::Interval* region;
+    };
+
+    [[nodiscard]] bool matches(const std::string& name) const {
+        return fnmatch(m_pattern.c_str(), name.c_str(), 0) == 0;
+    }
+
+    void search(const AddressMap::Block& block) {
+        if (matches(block.path))
+            add(block, nullptr, kZero);
+        const HABMAddrBlock& source = block.instance ? *block.instance : *block.definition;
+        const std::string owner = source.getParent()->getParent()->getInstancePath();
+        const std::string instance = owner.empty() ? "" : owner.substr(1) + "/";
+        for (const HABMRegister* const reg : source.getRegisters()) {
+            const std::string& name = reg->getName();
+            if (matches(name) || matches(instance + name) || matches(block.path + "/" + name))
+                add(block, reg, reg->getOffset());
+        }
+    }
+
+    void add(const AddressMap::Block& block, const HABMRegister* reg, const HABMAddrValue& offset) {
+        const std::size_t count = m_matches.size();
+        if (const auto seen = m_seen.find(&block); seen != m_seen.end())
+            for (const auto& [view, region] : seen->second) {
+                const HABMAddrValue address = region->value.origin.plus(offset);
+                // A block begins for an initiator where its window does.
+                if (reg == nullptr || (!(address < region->first) && !(region->last < address)))
+                    m_matches.push_back(
+                        {view, &region->value, &block, reg,
+                         reg == nullptr ? region->first : address,
+                         reg == nullptr ? region->first.minus(region->value.origin) : kZero});
+            }
+        if (m_matches.size() == count)
+            m_matches.push_back({nullptr, nullptr, &block, reg, block.base.plus(offset), kZero});
+    }
+
+    const std::string& m_pattern;
+    std::unordered_map<const AddressMap::Block*, std::vector<Seen>> m_seen;
+    std::vector<MapMatch> m_matches;
+};
+
+/// Explains one block or interface.
+class Explanation {
+public:
+    Explanation(const ConfiguredMap& map, const std::string& path)
+        : m_map(map), m_places(map.hardblocks()) {
+        m_reason.path = path.substr(path.starts_with("/") ? 1 : 0);
+        const std::string full = "/" + m_reason.path;
+        const HABMBlock* const block = HABMPath::findBlock(map.definition(), full);
+        const HABMInterface* const interface = HABMPath::findInterface(map.definition(), full);
+        if (block == nullptr && interface == nullptr)
+            throw InputError("the definition has no sub-block or interface \"" + m_reason.path +
+                             "\", " + nearestOf(m_reason.path, names()));
+        m_reason.isOn = isThere(full, interface != nullptr);
+        if (explainAround(interface != nullptr ? interface->getParent() : block->getParent()))
+            return;
+        explain(full, interface != nullptr ? interface->getEnablement() : block->getEnablement());
+        if (!m_reason.isOn && interface != nullptr &&
+            interface->getParent()->getParent() == nullptr)
+            m_reason.text = "no connection uses this interface of the subsystem";
+    }
+
+    MapReason take() { return std::move(m_reason); }
+
+private:
+    [[nodiscard]] bool isThere(const std::string& path, bool isInterface) const {
+        return isInterface ? HABMPath::findInterface(m_map.instance(), path) != nullptr
+                           : HABMPath::findBlock(m_map.instance(), path) != nullptr;
+    }
+
+    /// True if a block around it is off, which is the reason then: the outermost one.
+    bool explainAround(const HABMBlock* around) {
+        const HABMBlock* off = nullptr;
+        for (; around != nullptr && around->getParent() != nullptr; around = around->getParent())
+            if (!isThere(around->getInstancePath(), false))
+                off = around;
+        if (off == nullptr)
+            return false;
+        explain(off->getInstancePath(), off->getEnablement());
+        m_reason.text = "\"" + off->getInstancePath().substr(1) + "\" is off: " + m_reason.text;
+        return true;
+    }
+
+    void explain(const std::string& path, const std::string& expression) {
+        m_reason.expression = expression;
+        const auto& decisions = m_map.decisions();
+        const auto found =
+            std::find_if(decisions.begin(), decisions.end(),
+                         [&](const HBSDecision& decision) { return decision.path == path; });
+        if (expression.empty())
+            m_reason.text = "it has no condition";
+        else if (found == decisions.end())
+            m_reason.text = "conditions are decided on the first two levels of sub-blocks alone";
+        else
+            explain(*found);
+    }
+
+    void explain(const HBSDecision& decision) {
+        if (decision.result.empty())
+            m_reason.text = decision.evaluated + " can't be computed, which counts as true";
+        else
+            m_reason.text = decision.evaluated + (decision.isEnabled ? " is true" : " is false");
+        if (decision.result != "0" && decision.result != "1" && !decision.result.empty())
+            m_reason.text += ": the result is \"" + decision.result + "\"";
+        addRegisters(decision);
+    }
+
+    /// The registers that an expression names, as `register_value(NAME)` or as a variable of a
+    /// block, `$::block::NAME`.
+    void addRegisters(const HBSDecision& decision) {
+        const std::string_view text = decision.expression;
+        constexpr std::string_view kCall = "register_value(";
+        for (std::size_t at = text.find(kCall); at != std::string_view::npos;
+             at = text.find(kCall, at + 1)) {
+            std::size_t start = at + kCall.size();
+            start = std::min(text.find_first_not_of(" \t", start), text.size());
+            addRegister(decision.path.substr(0, decision.path.find('/', 1)),
+                        std::string(text.substr(start, text.find(')', start) - start)));
+        }
+        for (std::size_t at = text.find("$::"); at != std::string_view::npos;
+             at = text.find("$::", at + 1)) {
+            std::size_t end = at + 1;
+            while (end < text.size() && (isWord(text[end]) || text[end] == ':'))
+                ++end;
+            std::string name(text.substr(at + 1, end - at - 1));
+            for (std::size_t colons = name.find("::"); colons != std::string::npos;
+                 colons = name.find("::"))
+                name.replace(colons, 2, "/");
+            const std::size_t last = name.rfind('/');
+            addRegister(name.substr(0, last), name.substr(last + 1));
+        }
+    }
+
+    static bool isWord(char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+               c == '_';
+    }
+
+    void addRegister(const std::string& blockPath, const std::string& name) {
+        const HABMBlock* const block = HABMPath::findBlock(m_map.definition(), blockPath);
+        const HABMRegister* const reg =
+            block == nullptr ? nullptr : block->findRegister(name, true);
+        if (reg == nullptr)
+            return;
+        const std::string path = reg->getPath();
+        const Place given = m_map.config().placeOfRegister(path);
+        if (!given.file.empty())
+            m_reason.registers.push_back({path.substr(1), configValue(path), textOf(given)});
+        else if (reg->getGivenValue().isValid())
+            m_reason.registers.push_back({path.substr(1), reg->getValue(), "the definition"});
+        else
+            m_reason.registers.push_back({path.substr(1), reg->getValue(),
+                                          "its reset, " + textOf(m_places.of(*reg, "reset"))});
+    }
+
+    [[nodiscard]] HABMAddrValue configValue(const std::string& path) const {
+        const std::size_t slash = path.find('/', 1);
+        const HABMBlock* const all = m_map.config().block().getSubBlock("inst");
+        const HABMBlock* const settings =
+            all == nullptr ? nullptr : all->getSubBlock(path.substr(1, slash - 1));
+        const HABMRegister* const reg =
+            settings == nullptr ? nullptr : settings->findRegister(path.substr(slash + 1), true);
+        return reg == nullptr ? HABMAddrValue() : reg->getValue();
+    }
+
+    static std::string textOf(const Place& place) {
+        return place.line == 0 ? place.file
+                               : place.file + ":" + std::to_string(place.line) + ":" +
+                                     std::to_string(place.column);
+    }
+
+    [[nodiscard]] std::vector<std::string> names() const {
+        std::vector<std::string> known;
+        for (const HABMBlock* const block : m_map.definition().getSubBlocks())
+            known.push_back(block->getInstanceName());
+        for (const HABMInterface* const interface : m_map.definition().getInterfaces())
+            known.push_back(interface->getInterfaceName());
+        return known;
+    }
+
+    const ConfiguredMap& m_map;
+    DefinitionPlaces m_places;
+    MapReason m_reason;
+};
+
+} // namespace
+
+std::vector<MapMatch> findAt(const ConfiguredMap& map, const HABMAddrValue& address,
+                             const std::string& from) {
+    expectInitiator(map, from);
+    std::vector<MapMatch> matches;
+    for (const AddressViews::Match& match : map.views().at(address, from)) {
+        const AddressViews::Region& region = match.region->value;
+        matches.push_back(
+            {match.view, &region, region.block, match.reg, address,
+             match.reg == nullptr ? match.offset : match.offset.minus(match.reg->getOffset())});
+    }
+    return matches;
+}
+
+std::vector<MapMatch> findNamed(const ConfiguredMap& map, const std::string& pattern,
+                                const std::string& from) {
+    expectInitiator(map, from);
+    return NameSearch(map, pattern, from).take();
+}
+
+MapReason findReason(const ConfiguredMap& map, const std::string& path) {
+    return Explanation(map, path).take();
+}
+
+} // namespace tq
