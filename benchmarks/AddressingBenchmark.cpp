@@ -1,5 +1,5 @@
-// How long a configured instance, its report and its address map take, and how much of the first is
-// Tcl's own time.
+// How long a configured instance, its report, its address map and the checks and look-ups of it
+// take, and how much of the first is Tcl's own time.
 
 #include <benchmark/benchmark.h>
 #include <tcl.h>
@@ -12,6 +12,8 @@
 #include "addressing/HBSAddressing.h"
 #include "blockmodel/HABM.h"
 #include "workbench/addressing/AddressMap.h"
+#include "workbench/addressing/AddressViews.h"
+#include "workbench/addressing/MapChecks.h"
 
 namespace {
 
@@ -173,5 +175,75 @@ void mapMemories(benchmark::State& state) {
     mapAddresses(state, *top);
 }
 BENCHMARK(mapMemories)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
+
+/// Blocks of 500 registers at addresses of their own, as many spaces as blocks and fifty times as
+/// many assigns, and a port that leads to all blocks: nothing to find fault with.
+std::unique_ptr<HABMBlock> faultlessSubsystem(int blocks) {
+    auto top = subsystem(blocks);
+    top->createInterface("S", false);
+    for (int b = 0; b < blocks; ++b) {
+        HABMBlock& block = *top->getSubBlock("u" + std::to_string(b));
+        block.setModuleVlnv(vlnv("u" + std::to_string(b)));
+        block.setBaseAddress(HABMAddrValue(std::uint64_t{0x10000} * static_cast<unsigned>(b)));
+        std::uint64_t offset = 0;
+        for (HABMRegister* const reg :
+             block.getMemoryMap("m")->getAddrBlock("regs")->getRegisters())
+            reg->setOffset(HABMAddrValue(offset += 4));
+        block.getInterface("S0")->setMemoryMapRef("m");
+        HABMAddrSpace& space = *block.getAddrSpace("s");
+        space.setRange(HABMAddrValue("1T"));
+        space.getAddrSegment("all")->setAperture({HABMAddrValue("0"), HABMAddrValue("1T")});
+        HABMInterfaceConnection& connection = *top->createInterfaceConnection("", false);
+        connection.setSourcePath("/S");
+        connection.setTargetPath("/u" + std::to_string(b) + "/S0");
+    }
+    addAssigns(*top, blocks);
+    int number = 0;
+    for (HABMAddrAssign* const assign : top->getAddrAssigns())
+        assign->setOffset(HABMAddrValue(std::uint64_t{0x10000} * static_cast<unsigned>(number++)));
+    return top;
+}
+
+/// The map with what each initiator sees and all checks; the counter gives their time as a
+/// multiple of that of building the instance.
+void checkMap(benchmark::State& state) {
+    const auto definition = faultlessSubsystem(static_cast<int>(state.range(0)));
+    const auto config = HABMBlock::createTopBlock("design");
+    double building = 0;
+    double checking = 0;
+    std::size_t count = 0;
+    for ([[maybe_unused]] auto step : state) {
+        std::unique_ptr<HABMBlock> instance;
+        building += secondsOf(
+            [&] { instance = HBSAddressing::createSubsystemInstance(*definition, *config); });
+        const double seconds = secondsOf([&] {
+            const tq::AddressMap map(*definition, *instance);
+            const tq::AddressViews views(map, *instance);
+            tq::checkMap({*definition, *instance, map, views, tq::AddressingConfig(), "", ""},
+                         [&](const tq::Diagnostic&) { ++count; });
+        });
+        state.SetIterationTime(seconds);
+        checking += seconds;
+    }
+    state.counters["per_instance"] = checking / building;
+    state.counters["findings"] = static_cast<double>(count);
+}
+BENCHMARK(checkMap)->Arg(200)->Arg(2000)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// What lies at an address, for all initiators or for one.
+void lookUp(benchmark::State& state, const std::string& from) {
+    const auto top = faultlessSubsystem(200);
+    const tq::AddressMap map(*top, *top);
+    const tq::AddressViews views(map, *top);
+    std::uint64_t address = 0;
+    std::size_t found = 0;
+    for ([[maybe_unused]] auto step : state) {
+        address = (address * 6364136223846793005U + 1442695040888963407U);
+        found += views.at(HABMAddrValue((address >> 33) % 0xC80000), from).size();
+    }
+    state.counters["found"] = static_cast<double>(found) / static_cast<double>(state.iterations());
+}
+BENCHMARK_CAPTURE(lookUp, all, "")->Iterations(1000000);
+BENCHMARK_CAPTURE(lookUp, port, "S")->Iterations(10000000);
 
 } // namespace

@@ -2,22 +2,19 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
-#include <system_error>
 #include <vector>
 
-#include "HUTEnv.h"
-#include "addressing/HBSAddressing.h"
-#include "base/JsonWriter.h"
 #include "host/Command.h"
 #include "workbench/addressing/AddressMapJson.h"
 #include "workbench/addressing/AddressMapPicture.h"
 #include "workbench/addressing/AddressMapTables.h"
 #include "workbench/addressing/ConfiguredMap.h"
 #include "workbench/addressing/MapChecks.h"
+#include "workbench/addressing/MapComparison.h"
+#include "workbench/addressing/MapPage.h"
 #include "workbench/addressing/MapQuestions.h"
 #include "workbench/addressing/StubFindings.h"
 #include "workbench/addressing/export/AddressMapModel.h"
@@ -32,7 +29,8 @@ namespace {
 struct Options {
     std::string vlnv;
     std::string data;
-    std::string config;
+    std::vector<std::string> configs;
+    std::vector<std::string> saved;
     std::string report;
     std::string map;
     std::string svg;
@@ -64,19 +62,6 @@ void write(const std::string& path, const std::string& text) {
         tq::writeOutput(path, text);
 }
 
-/// The files of the data area that an address map may come of.
-std::vector<std::string> dataFiles(const std::string& area) {
-    namespace fs = std::filesystem;
-    std::vector<std::string> files;
-    std::error_code error;
-    for (fs::recursive_directory_iterator entry(area + "/mirrel/hardblocks", error), end;
-         !error && entry != end; entry.increment(error))
-        for (const char* extension : {".bmj", ".tcl", ".txt"})
-            if (entry->path().extension() == extension)
-                files.push_back(entry->path().string());
-    return files;
-}
-
 /// True if one of the files is the standard output, which then holds that alone.
 bool usesOutput(const Options& options) {
     const std::vector<std::string> outputs = options.outputs();
@@ -84,40 +69,43 @@ bool usesOutput(const Options& options) {
 }
 
 void refuseInputs(const Options& options) {
-    for (const std::string& output : options.outputs()) {
-        std::error_code error;
-        if (output == "-" || !std::filesystem::is_regular_file(output, error))
-            continue;
-        tq::refuseInput(output, {options.config});
-        tq::refuseInput(output, dataFiles(HUTEnv::getOBLDataDir("mirrel")));
-    }
+    for (const std::string& output : options.outputs())
+        if (output != "-" && !output.empty()) {
+            tq::refuseInput(output, options.configs);
+            tq::refuseInput(output, options.saved);
+            tq::refuseDefinition(output);
+        }
 }
 
-std::string reportText(const HABMBlock& instance) {
-    rapidjson::Document document;
-    HBSAddressing::generateSurfaceLevelAddressing(instance, document);
-    JsonTextBuffer buffer;
-    JsonPrettyWriter<JsonTextBuffer> writer(buffer);
-    document.Accept(writer);
-    return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
+using Maps = std::vector<std::unique_ptr<const tq::ConfiguredMap>>;
+
+std::string titleOf(const tq::ConfiguredMap& map) {
+    return map.definition().getModuleName() + ", configured by " +
+           (map.configPath().empty() ? "nothing" : map.configPath());
+}
+
+void writePictures(const Options& options, const Maps& maps) {
+    std::vector<const tq::ConfiguredMap*> all;
+    std::vector<std::pair<const tq::AddressMap*, std::string>> pictures;
+    for (const auto& map : maps) {
+        all.push_back(map.get());
+        pictures.emplace_back(&map->map(), titleOf(*map));
+    }
+    if (!options.svg.empty())
+        write(options.svg, tq::drawAddressMaps(pictures));
+    if (!options.html.empty())
+        write(options.html, tq::makeMapPage(all, maps.front()->definition().getModuleName()));
 }
 
 void writeFiles(const Options& options, const tq::ConfiguredMap& map,
                 const tq::DiagnosticSink& sink) {
     const std::string& name = map.definition().getModuleName();
-    const std::string title =
-        name + ", configured by " + (options.config.empty() ? "nothing" : options.config);
-    if (!options.svg.empty())
-        write(options.svg, tq::drawAddressMap(map.map(), title));
-    if (!options.html.empty())
-        write(options.html, tq::drawAddressMapPage(map.map(), title));
     if (!options.report.empty())
-        write(options.report, reportText(map.instance()));
+        write(options.report, tq::addressingReportJson(map.instance()));
     if (!options.map.empty())
         write(options.map, tq::addressMapJson(map.map(), options.hasRegisters));
     for (const std::string& path : options.exports)
-        write(path, tq::exportMap(tq::mapModelOf(map.map(), name, true, sink),
-                                  tq::mapFormatOrFail(path), sink));
+        write(path, tq::exportMapAs(path, tq::mapModelOf(map.map(), name, true, sink), sink));
 }
 
 std::vector<tq::MapMatch> matchesOf(const Options& options, const tq::ConfiguredMap& map) {
@@ -128,15 +116,6 @@ std::vector<tq::MapMatch> matchesOf(const Options& options, const tq::Configured
     if (!address.isValid())
         throw InputError("\"" + options.at + "\" isn't an address such as 0xFF010004");
     return tq::findAt(map, address, options.from);
-}
-
-std::string countsOf(const tq::DiagnosticList& findings) {
-    const auto counted = [&](tq::Severity severity) {
-        const std::size_t count = findings.count(severity);
-        return std::to_string(count) + " " + tq::severityName(severity) + (count == 1 ? "" : "s");
-    };
-    return counted(tq::Severity::Error) + ", " + counted(tq::Severity::Warning) + ", " +
-           counted(tq::Severity::Remark);
 }
 
 /// Answers questions; the status says whether there was an answer without an error.
@@ -159,7 +138,7 @@ int answer(const Options& options, const tq::ConfiguredMap& map,
         if (!options.why.empty())
             tq::printReason(std::cout, reason);
         if (options.isCheck)
-            std::cout << countsOf(findings) << '\n';
+            std::cout << tq::countsText(findings) << '\n';
     }
     const bool isMissing = isSearch && matches.empty();
     return isMissing || (options.isCheck && findings.hasErrors()) ? kNoResult : kSuccess;
@@ -177,32 +156,66 @@ int show(const Options& options, const tq::ConfiguredMap& map, tq::DiagnosticLis
                 map, {&checked.all(), nullptr, nullptr, true, options.hasRegisters});
         } else {
             tq::printAddressMap(std::cout, map.map(), options.hasRegisters);
-            std::cout << "\nChecked: " << countsOf(checked) << '\n';
+            std::cout << "\nChecked: " << tq::countsText(checked) << '\n';
         }
     }
     return map.map().blocks().empty() || findings.hasErrors() ? kNoResult : kSuccess;
 }
 
-int run(const Options& options) {
+/// The status says whether the maps are the same.
+int tell(const Options& options, const std::vector<tq::MapDifference>& differences) {
+    if (options.isJson)
+        std::cout << tq::differencesJson(differences);
+    else if (differences.empty())
+        std::cout << "no difference\n";
+    else
+        tq::printDifferences(std::cout, differences);
+    return differences.empty() ? kSuccess : kNoResult;
+}
+
+int runOn(const Options& options) {
     // The library looks for its data there.
     setenv("TQ_DATA_PATH", options.data.c_str(), 1);
     refuseInputs(options);
+    if (options.configs.size() > 1 && options.isQuestion())
+        throw InputError("questions and --check take one --config");
+    if (options.configs.size() > 2 && options.html.empty())
+        throw InputError("two configs can be compared, and more shown by --html");
     tq::DiagnosticList findings(options.isCheck ? tq::DiagnosticList::kMost : kMostFindings);
     tq::AllowedFindings allowed(options.isCheck ? options.allowed : std::vector<std::string>());
     const tq::DiagnosticSink sink = allowed.filter(findings.sink());
-    const tq::ConfiguredMap map(options.vlnv, options.config, sink,
-                                options.isCheck ? tq::AddressingConfig::Purpose::Check
-                                                : tq::AddressingConfig::Purpose::Use);
+    Maps maps;
+    for (const std::string& config :
+         options.configs.empty() ? std::vector<std::string>{""} : options.configs)
+        maps.push_back(std::make_unique<const tq::ConfiguredMap>(
+            options.vlnv, config, sink,
+            options.isCheck ? tq::AddressingConfig::Purpose::Check
+                            : tq::AddressingConfig::Purpose::Use));
+    const tq::ConfiguredMap& map = *maps.front();
     if (options.isCheck) {
         map.check(sink);
         allowed.reportUnused(findings.sink());
     }
+    writePictures(options, maps);
     writeFiles(options, map, sink);
-    const int status =
-        options.isQuestion() ? answer(options, map, findings) : show(options, map, findings);
+    int status = kSuccess;
+    if (maps.size() > 1)
+        status = tell(options, tq::compareMaps(map.map(), maps[1]->map()));
+    else
+        status =
+            options.isQuestion() ? answer(options, map, findings) : show(options, map, findings);
     if (!options.isCheck || !options.isJson)
         printFindings(findings);
     return status;
+}
+
+int run(const Options& options) {
+    if (!options.saved.empty())
+        return tell(options, tq::compareMaps(tq::JsonFile::read(options.saved.at(0)),
+                                             tq::JsonFile::read(options.saved.at(1))));
+    if (options.vlnv.empty() || options.data.empty())
+        throw InputError("expected a VLNV and --data, or --compare with two saved maps");
+    return runOn(options);
 }
 
 } // namespace
@@ -211,18 +224,21 @@ void declareAddressing(CLI::App& app, int& status) {
     const auto options = std::make_shared<Options>();
     CLI::App* const word = app.add_subcommand(
         "addressing", "Configures a hard block subsystem and prints its address map");
-    word->add_option("VLNV", options->vlnv, "The hard block, vendor:library:name:version")
-        ->required();
+    word->add_option("VLNV", options->vlnv, "The hard block, vendor:library:name:version");
     word->add_option("--data", options->data, "The data area that holds mirrel/hardblocks")
-        ->envname("TQ_DATA_PATH")
-        ->required();
-    word->add_option("--config", options->config, "Parameters, register values and assigns (JSON)");
+        ->envname("TQ_DATA_PATH");
+    word->add_option("--config", options->configs,
+                     "Parameters, register values and assigns (JSON); two are compared")
+        ->allow_extra_args(false);
+    word->add_option("--compare", options->saved, "Compares two maps that --map wrote")
+        ->expected(2);
     word->add_flag("--json", options->isJson, "Prints the map or the answers as JSON");
     word->add_option("--report", options->report,
                      "Writes the addressing report to a file, or - for the output");
     word->add_flag("--registers", options->hasRegisters, "Shows each register of the map");
     word->add_flag("--check", options->isCheck, "Lists what is wrong; ends with 1 for an error");
-    word->add_option("--allow", options->allowed, "Leaves out a finding: KIND or KIND:NAME");
+    word->add_option("--allow", options->allowed, "Leaves out a finding: KIND or KIND:NAME")
+        ->allow_extra_args(false);
     word->add_option("--at", options->at, "Says what lies at an address");
     word->add_option("--from", options->from, "Asks for one initiator, such as cpu0");
     word->add_option("--find", options->find, "Says where what matches a pattern lies");
@@ -230,9 +246,10 @@ void declareAddressing(CLI::App& app, int& status) {
     word->add_option("--map", options->map,
                      "Writes the map as JSON to a file, or - for the output");
     word->add_option("--svg", options->svg, "Draws the address spaces");
-    word->add_option("--html", options->html, "Draws them in a page");
+    word->add_option("--html", options->html, "Writes a page to explore the map in a browser");
     word->add_option("--export", options->exports,
-                     "Writes the map for other tools, by the ending: " + tq::mapFormatEndings());
+                     "Writes the map for other tools, by the ending: " + tq::mapFormatEndings())
+        ->allow_extra_args(false);
     word->callback([options, &status] { status = run(*options); });
 }
 

@@ -24,3 +24,9 @@ for question in '--check' '--at 0xFF0B0006' '--find eth*/ETH_CTRL' '--why uart1'
     (set -f; hbs addressing "$block" --data "$device" --config "$device/config_linux.json" $question)
     echo
 done
+
+echo "\$ hbs addressing $block --data $device --config $device/config_linux.json --config $device/config_bare_metal.json --html build/demo/both.html"
+# It ends with 1, as the maps differ.
+hbs addressing "$block" --data "$device" --config "$device/config_linux.json" \
+    --config "$device/config_bare_metal.json" --html build/demo/both.html || [ $? = 1 ]
+echo

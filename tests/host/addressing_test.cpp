@@ -72,7 +72,7 @@ TEST(AddressingWord, WritesTheReportAndThePicture) {
     const support::TempDir out;
     EXPECT_EQ(0, addressing("--svg " + out.file("a.svg") + " --html " + out.file("a.html")).status);
     EXPECT_EQ(0U, support::readFile(out.file("a.svg")).find("<svg "));
-    EXPECT_THAT(support::readFile(out.file("a.html")), HasSubstr("unused"));
+    EXPECT_THAT(support::readFile(out.file("a.html")), HasSubstr("[\n\"uart1/sorrel_uart/regs\""));
     EXPECT_EQ(2, addressing("--svg " + out.file("no/such/a.svg")).status);
     const std::string full = addressing("--svg " + out.file("a.svg") + " --html /dev/full").error;
     EXPECT_EQ("/dev/full: error: can't be written: No space left on device\n", full);
@@ -269,6 +269,39 @@ TEST(AddressingWord, AnswersWhatLiesWhereAndWhy) {
     EXPECT_THAT(addressing("--why uart1").output, HasSubstr("its reset, "));
     EXPECT_THAT(addressing("--why eth0").output, HasSubstr("eth0 is off: 0 is false\n"));
     EXPECT_THAT(addressing("--why uart9").error, HasSubstr("did you mean \"uart0\"?"));
+}
+
+TEST(AddressingWord, ComparesTwoConfigsAndTwoSavedMaps) {
+    const support::TempDir out;
+    const std::string linux = sampleConfig("linux");
+    const std::string bare = sampleConfig("bare_metal");
+    const auto configs = addressing(linux + " " + bare + " --svg " + out.file("both.svg"));
+    EXPECT_EQ(1, configs.status);
+    EXPECT_THAT(
+        configs.output,
+        testing::ContainsRegex("off +eth0/sorrel_eth/regs +on +off +stays if .::eth0::link_on"));
+    EXPECT_THAT(configs.output, testing::ContainsRegex("off +uart0/.* UART_CTRL is 0x1 and 0x0\n"));
+    EXPECT_THAT(configs.output,
+                testing::ContainsRegex("assign +cpu0/data: ddr0/memory/ddr_low +0x0 to 0x7FFFFFFF "
+                                       "normal +0x0 to 0x1FFFFFFF normal"));
+    EXPECT_THAT(configs.output,
+                testing::ContainsRegex("value +uart0/sorrel_uart/regs/UART_CTRL +0x1 +0x0"));
+    EXPECT_THAT(support::readFile(out.file("both.svg")), HasSubstr("config_bare_metal.json"));
+    EXPECT_EQ("no difference\n", addressing(linux + " " + linux).output);
+
+    const auto save = [&](const std::string& config, const std::string& name) {
+        EXPECT_EQ(0, addressing(config + " --registers --map " + out.file(name)).status);
+        return out.file(name) + " ";
+    };
+    const auto saved = support::run(std::string(HBS_PROGRAM) + " addressing --compare " +
+                                    save(linux, "a.json") + save(bare, "b.json"));
+    EXPECT_EQ(1, saved.status);
+    EXPECT_EQ(configs.output, saved.output);
+    const std::string bad = out.write("bad.json", "{\"blocks\": [{}]}");
+    EXPECT_THAT(
+        support::run(std::string(HBS_PROGRAM) + " addressing --compare " + bad + " " + bad).error,
+        HasSubstr("bad.json:1:13: error: the key \"path\" is missing"));
+    EXPECT_EQ(2, support::run(std::string(HBS_PROGRAM) + " addressing").status);
 }
 
 TEST(AddressingWord, ShowsRegistersAtAbsoluteAddresses) {

@@ -47,8 +47,12 @@ TEST(AddressMapPicture, KeepsNamesAsText) {
     EXPECT_NE(std::string::npos, texts.find("<text>&amp;\\x02  (4G)\nunused  1G\n0x0\n")) << texts;
     EXPECT_NE(std::string::npos, texts.find("/<text>&amp;\\x02  1G\n0x40000000")) << texts;
 
-    ASSERT_TRUE(document.load_string(tq::drawAddressMapPage(map, "").c_str()));
-    EXPECT_TRUE(document.child("html").child("body").child("svg"));
+    ASSERT_TRUE(
+        document.load_string(tq::drawAddressMaps({{&map, "before"}, {&map, "after"}}).c_str()));
+    const pugi::xml_node pictures = document.child("svg");
+    const pugi::xml_attribute width = pictures.first_child().attribute("width");
+    EXPECT_STREQ(width.value(), pictures.last_child().attribute("x").value());
+    EXPECT_EQ(2 * width.as_double(), pictures.attribute("width").as_double());
 }
 
 } // namespace

@@ -159,8 +159,27 @@ private:
     std::unordered_map<const HABMInterface*, std::vector<const HABMInterface*>> m_portsOf;
 };
 
-AddressMap::AddressMap(const HABMBlock& definition, const HABMBlock& instance) {
+AddressMap::AddressMap(const HABMBlock& definition, const HABMBlock& instance,
+                       const HABMBlock* config)
+    : m_config(config) {
     Builder(*this, definition, instance);
+}
+
+std::vector<HABMRegister*> AddressMap::registersOf(const Block& block) {
+    return (block.instance != nullptr ? block.instance : block.definition)->getRegisters();
+}
+
+HABMAddrValue AddressMap::valueOf(const Block& block, const HABMRegister& reg) const {
+    const HABMBlock* const all =
+        block.instance == nullptr && m_config != nullptr ? m_config->getSubBlock("inst") : nullptr;
+    const std::size_t slash = block.path.find('/');
+    const HABMBlock* const settings =
+        all == nullptr ? nullptr : all->getSubBlock(block.path.substr(0, slash));
+    const HABMRegister* const set =
+        settings == nullptr
+            ? nullptr
+            : settings->findRegister(block.path.substr(slash + 1) + "/" + reg.getName(), true);
+    return set == nullptr ? reg.getValue() : set->getValue();
 }
 
 HABMAddrValue AddressMap::endOf(const HABMAddrValue& start, const HABMAddrValue& size) {

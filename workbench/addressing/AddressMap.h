@@ -78,8 +78,11 @@ public:
         const HABMInterface* interface = nullptr; ///< null for a block
     };
 
-    /// `instance` is what a config left of `definition`. Both may be the same block.
-    AddressMap(const HABMBlock& definition, const HABMBlock& instance);
+    /// `instance` is what a config left of `definition`. Both may be the same block. `config`,
+    /// which may be null and must outlive the map, is the block that the instance was made by: it
+    /// tells the values of registers in blocks that were removed.
+    AddressMap(const HABMBlock& definition, const HABMBlock& instance,
+               const HABMBlock* config = nullptr);
 
     /// Sorted by base, size and path.
     [[nodiscard]] const std::vector<Block>& blocks() const { return m_blocks; }
@@ -88,12 +91,18 @@ public:
     /// In the order of the tree; without what went with a block that is listed.
     [[nodiscard]] const std::vector<Removed>& removed() const { return m_removed; }
 
+    /// The registers of the block, of the instance if it has the block.
+    [[nodiscard]] static std::vector<HABMRegister*> registersOf(const Block& block);
+    /// The value of one of them: what the config gives it, also where it removed the block.
+    [[nodiscard]] HABMAddrValue valueOf(const Block& block, const HABMRegister& reg) const;
+
     /// Last address of a range; its start, if it is empty.
     [[nodiscard]] static HABMAddrValue endOf(const HABMAddrValue& start, const HABMAddrValue& size);
 
 private:
     class Builder;
 
+    const HABMBlock* m_config;
     std::vector<Block> m_blocks;
     std::vector<Space> m_spaces;
     std::vector<Removed> m_removed;

@@ -2,6 +2,8 @@
 
 #include <vector>
 
+#include "addressing/HBSAddressing.h"
+#include "base/JsonWriter.h"
 #include "workbench/addressing/AddressMapWriting.h"
 #include "workbench/text/JsonWriter.h"
 
@@ -25,10 +27,9 @@ void writeNames(JsonWriter& json, const char* key,
     json.endArray();
 }
 
-void writeRegisters(JsonWriter& json, const AddressMap::Block& block) {
-    const HABMAddrBlock& source = block.instance ? *block.instance : *block.definition;
+void writeRegisters(JsonWriter& json, const AddressMap& map, const AddressMap::Block& block) {
     json.beginArray("registers");
-    for (const HABMRegister* const reg : source.getRegisters()) {
+    for (const HABMRegister* const reg : AddressMap::registersOf(block)) {
         json.beginObject();
         json.member("name", reg->getName());
         writeAddress(json, "address", block.base.plus(reg->getOffset()));
@@ -36,13 +37,14 @@ void writeRegisters(JsonWriter& json, const AddressMap::Block& block) {
         json.member("width", reg->getWidth());
         json.member("access", HABMRegister::decodeRegisterAccess(reg->getAccess()));
         writeAddress(json, "reset", reg->getReset());
-        writeAddress(json, "value", reg->getValue());
+        writeAddress(json, "value", map.valueOf(block, *reg));
         json.endObject();
     }
     json.endArray();
 }
 
-void write(JsonWriter& json, const AddressMap::Block& block, bool withRegisters) {
+void write(JsonWriter& json, const AddressMap& map, const AddressMap::Block& block,
+           bool withRegisters) {
     json.beginObject();
     writeAddress(json, "base", block.base);
     writeAddress(json, "end", block.end);
@@ -55,7 +57,7 @@ void write(JsonWriter& json, const AddressMap::Block& block, bool withRegisters)
     writeNames(json, "ports", block.access->ports);
     json.member("on", block.instance != nullptr);
     if (withRegisters)
-        writeRegisters(json, block);
+        writeRegisters(json, map, block);
     json.endObject();
 }
 
@@ -108,7 +110,7 @@ void write(JsonWriter& json, const AddressMap::Space& space) {
 void writeMembers(JsonWriter& json, const AddressMap& map, bool withRegisters) {
     json.beginArray("blocks");
     for (const AddressMap::Block& block : map.blocks())
-        write(json, block, withRegisters);
+        write(json, map, block, withRegisters);
     json.endArray();
     writeAll(json, "spaces", map.spaces());
     writeAll(json, "removed", map.removed());
@@ -120,6 +122,15 @@ std::string addressMapJson(const AddressMap& map, bool withRegisters) {
     writeMembers(json, map, withRegisters);
     json.endObject();
     return json.text();
+}
+
+std::string addressingReportJson(const HABMBlock& instance) {
+    rapidjson::Document document;
+    HBSAddressing::generateSurfaceLevelAddressing(instance, document);
+    JsonTextBuffer buffer;
+    JsonPrettyWriter<JsonTextBuffer> writer(buffer);
+    document.Accept(writer);
+    return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
 }
 
 } // namespace tq

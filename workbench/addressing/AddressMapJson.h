@@ -23,4 +23,7 @@ namespace tq {
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string addressMapJson(const AddressMap& map,
                                                              bool withRegisters = false);
 
+/// The addressing report of an instance, as docs/addressing.schema.json describes it.
+[[nodiscard]] TQ_WORKBENCH_EXPORT std::string addressingReportJson(const HABMBlock& instance);
+
 } // namespace tq

@@ -258,15 +258,23 @@ std::string drawAddressMap(const AddressMap& map, const std::string& title) {
     return textOf(document);
 }
 
-std::string drawAddressMapPage(const AddressMap& map, const std::string& title) {
+std::string drawAddressMaps(const std::vector<std::pair<const AddressMap*, std::string>>& maps) {
+    if (maps.size() == 1)
+        return drawAddressMap(*maps.front().first, maps.front().second);
     pugi::xml_document document;
-    expectMemory(document.append_child(pugi::node_doctype).set_value("html"));
-    pugi::xml_node page = append(document, "html");
-    set(page, "lang", "en");
-    pugi::xml_node head = append(page, "head");
-    set(append(head, "meta"), "charset", "utf-8");
-    expectMemory(append(head, "title").text().set(xmlText(title).c_str()));
-    Picture(append(page, "body"), map, title);
+    pugi::xml_node all = append(document, "svg");
+    set(all, "xmlns", "http://www.w3.org/2000/svg");
+    double width = 0;
+    double height = 0;
+    for (const auto& [map, title] : maps) {
+        Picture(all, *map, title);
+        pugi::xml_node picture = all.last_child();
+        set(picture, "x", px(width).c_str());
+        width += picture.attribute("width").as_double();
+        height = std::max(height, picture.attribute("height").as_double());
+    }
+    set(all, "width", px(width).c_str());
+    set(all, "height", px(height).c_str());
     return textOf(document);
 }
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "tq_workbench_export.h"
 #include "workbench/addressing/AddressMap.h"
@@ -15,8 +17,8 @@ namespace tq {
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string drawAddressMap(const AddressMap& map,
                                                              const std::string& title);
 
-/// The same picture in a page of its own.
-[[nodiscard]] TQ_WORKBENCH_EXPORT std::string drawAddressMapPage(const AddressMap& map,
-                                                                 const std::string& title);
+/// The pictures of several maps with their titles, side by side; of one map the same as above.
+[[nodiscard]] TQ_WORKBENCH_EXPORT std::string
+drawAddressMaps(const std::vector<std::pair<const AddressMap*, std::string>>& maps);
 
 } // namespace tq

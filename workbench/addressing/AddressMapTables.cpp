@@ -38,7 +38,7 @@ void printBlocks(std::ostream& out, const std::vector<AddressMap::Block>& blocks
     table.print(out);
 }
 
-void printRegisters(std::ostream& out, const std::vector<AddressMap::Block>& blocks) {
+void printRegisters(std::ostream& out, const AddressMap& map) {
     using Align = Table::Align;
     out << "\nRegisters:\n";
     Table table({{"address", Align::Right},
@@ -49,13 +49,12 @@ void printRegisters(std::ostream& out, const std::vector<AddressMap::Block>& blo
                  {"value", Align::Right},
                  {"block"},
                  {"state"}});
-    for (const AddressMap::Block& block : blocks) {
-        const HABMAddrBlock& source = block.instance ? *block.instance : *block.definition;
-        for (const HABMRegister* const reg : source.getRegisters())
+    for (const AddressMap::Block& block : map.blocks()) {
+        for (const HABMRegister* const reg : AddressMap::registersOf(block))
             table.addRow({hex(block.base.plus(reg->getOffset())), reg->getName(),
                           std::to_string(reg->getWidth()),
                           HABMRegister::decodeRegisterAccess(reg->getAccess()),
-                          hex(reg->getReset()), hex(reg->getValue()), block.path,
+                          hex(reg->getReset()), hex(map.valueOf(block, *reg)), block.path,
                           block.instance == nullptr ? "off" : "on"});
     }
     table.print(out);
@@ -94,7 +93,7 @@ void printRemoved(std::ostream& out, const std::vector<AddressMap::Removed>& rem
 void printAddressMap(std::ostream& out, const AddressMap& map, bool withRegisters) {
     printBlocks(out, map.blocks());
     if (withRegisters)
-        printRegisters(out, map.blocks());
+        printRegisters(out, map);
     for (const AddressMap::Space& space : map.spaces())
         if (!space.assigned.empty())
             printSpace(out, space);

@@ -1,7 +1,12 @@
 #include "workbench/addressing/ConfiguredMap.h"
 
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
 #include "HUTEnv.h"
 #include "workbench/addressing/MapChecks.h"
+#include "workbench/files/OutputFile.h"
 
 namespace tq {
 
@@ -47,7 +52,7 @@ ConfiguredMap::ConfiguredMap(const std::string& vlnv, const std::string& configP
       m_instance(
           HBSAddressing::createSubsystemInstance(*m_definition, m_config.block(), m_decisions)) {
     m_config.addAssignsTo(*m_instance);
-    m_map = std::make_unique<AddressMap>(*m_definition, *m_instance);
+    m_map = std::make_unique<AddressMap>(*m_definition, *m_instance, &m_config.block());
     m_views = std::make_unique<AddressViews>(*m_map, *m_instance);
 }
 
@@ -55,6 +60,20 @@ ConfiguredMap::~ConfiguredMap() = default;
 
 void ConfiguredMap::check(const DiagnosticSink& sink) const {
     checkMap({*m_definition, *m_instance, *m_map, *m_views, m_config, m_hardblocks, m_vlnv}, sink);
+}
+
+void refuseDefinition(const std::string& output) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    if (!fs::is_regular_file(output, error))
+        return;
+    std::vector<std::string> files;
+    for (fs::recursive_directory_iterator entry(hardblockFolder(), error), end;
+         !error && entry != end; entry.increment(error))
+        for (const char* extension : {".bmj", ".tcl", ".txt"})
+            if (entry->path().extension() == extension)
+                files.push_back(entry->path().string());
+    refuseInput(output, files);
 }
 
 } // namespace tq

@@ -59,4 +59,8 @@ private:
     std::unique_ptr<AddressViews> m_views;
 };
 
+/// Raises `InputError` if a file to be written is one that definitions come of: a compiled block, a
+/// table or a script of the data area.
+TQ_WORKBENCH_EXPORT void refuseDefinition(const std::string& output);
+
 } // namespace tq

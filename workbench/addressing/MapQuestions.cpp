@@ -65,10 +65,9 @@ private:
     void search(const AddressMap::Block& block) {
         if (matches(block.path))
             add(block, nullptr, kZero);
-        const HABMAddrBlock& source = block.instance ? *block.instance : *block.definition;
-        const std::string owner = source.getParent()->getParent()->getInstancePath();
+        const std::string owner = block.definition->getParent()->getParent()->getInstancePath();
         const std::string instance = owner.empty() ? "" : owner.substr(1) + "/";
-        for (const HABMRegister* const reg : source.getRegisters()) {
+        for (const HABMRegister* const reg : AddressMap::registersOf(block)) {
             const std::string& name = reg->getName();
             if (matches(name) || matches(instance + name) || matches(block.path + "/" + name))
                 add(block, reg, reg->getOffset());

@@ -77,7 +77,7 @@ void write(JsonWriter& json, const ConfiguredMap& map, const MapMatch& match) {
         json.member("width", match.reg->getWidth());
         json.member("access", HABMRegister::decodeRegisterAccess(match.reg->getAccess()));
         writeAddress(json, "reset", match.reg->getReset());
-        writeAddress(json, "value", match.reg->getValue());
+        writeAddress(json, "value", map.map().valueOf(*match.block, *match.reg));
     }
     const bool isAssigned = match.region != nullptr && match.region->assign != nullptr;
     writeText(json, "assign", isAssigned ? &match.region->assign->getName() : nullptr);
@@ -136,7 +136,8 @@ void printMatches(std::ostream& out, const ConfiguredMap& map,
                       match.block->path, reg == nullptr ? "-" : reg->getName(), hex(match.offset),
                       reg == nullptr ? "" : HABMRegister::decodeRegisterAccess(reg->getAccess()),
                       reg == nullptr ? "" : hex(reg->getReset()),
-                      reg == nullptr ? "" : hex(reg->getValue()), wayText(map, match)});
+                      reg == nullptr ? "" : hex(map.map().valueOf(*match.block, *reg)),
+                      wayText(map, match)});
     }
     table.print(out);
 }

@@ -52,6 +52,15 @@ const char* severityName(Severity severity) {
     return "error";
 }
 
+std::string countsText(const DiagnosticList& findings) {
+    const auto counted = [&](Severity severity) {
+        const std::size_t count = findings.count(severity);
+        return std::to_string(count) + " " + severityName(severity) + (count == 1 ? "" : "s");
+    };
+    return counted(Severity::Error) + ", " + counted(Severity::Warning) + ", " +
+           counted(Severity::Remark);
+}
+
 std::string headline(const Diagnostic& diagnostic) {
     std::string text = placeText(diagnostic.place) + severityName(diagnostic.severity) + ": " +
                        printable(diagnostic.text);

@@ -26,6 +26,9 @@ namespace tq {
 /// The first line of that without its end: for an exception's message.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string headline(const Diagnostic& diagnostic);
 
+/// "1 error, 2 warnings, 0 remarks".
+[[nodiscard]] TQ_WORKBENCH_EXPORT std::string countsText(const DiagnosticList& findings);
+
 /// A JSON array of objects with "severity", "id", "file", "line", "column", "text", "expected" and
 /// "notes" (each with "file", "line", "column", "text"), indented by two blanks. Unknown lines and
 /// columns are 0. Bytes that aren't UTF-8 become U+FFFD.

@@ -41,8 +41,7 @@ void tell(const DiagnosticSink& sink, const std::string& path) {
 }
 
 void addRegisters(MapBlock& made, const AddressMap::Block& block, const DiagnosticSink& sink) {
-    const HABMAddrBlock& source = block.instance != nullptr ? *block.instance : *block.definition;
-    for (const HABMRegister* const reg : source.getRegisters()) {
+    for (const HABMRegister* const reg : AddressMap::registersOf(block)) {
         const auto offset = numberOf(reg->getOffset());
         if (!offset || *offset > UINT64_MAX - made.base)
             tell(sink, block.path + "/" + reg->getName());

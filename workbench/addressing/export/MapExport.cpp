@@ -156,4 +156,13 @@ std::string exportMap(const MapModel& model, MapFormat format, const DiagnosticS
     return {};
 }
 
+std::string exportMapAs(const std::string& path, const MapModel& model,
+                        const DiagnosticSink& sink) {
+    const std::optional<MapFormat> format = mapFormatOf(path);
+    if (!format)
+        throw InputError("can't tell the format of \"" + path +
+                         "\" by its ending, expected one of: " + mapFormatEndings());
+    return exportMap(model, *format, sink);
+}
+
 } // namespace tq

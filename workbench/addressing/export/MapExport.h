@@ -40,4 +40,8 @@ enum class MapFormat {
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string exportMap(const MapModel& model, MapFormat format,
                                                         const DiagnosticSink& sink = {});
 
+/// The same in the format of a file to be written; raises `InputError` for an unknown ending.
+[[nodiscard]] TQ_WORKBENCH_EXPORT std::string
+exportMapAs(const std::string& path, const MapModel& model, const DiagnosticSink& sink = {});
+
 } // namespace tq
