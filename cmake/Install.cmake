@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 get_property(libraries GLOBAL PROPERTY TQ_LIBRARIES)
 if(NOT BUILD_SHARED_LIBS)
   # Shared ones hold copies of what they use of these.
-  list(APPEND libraries tq_base tq_input tq_diagnostics)
+  list(APPEND libraries tq_base tq_input tq_diagnostics tq_xerces)
   get_target_property(needed tq_hbs_objects LINK_LIBRARIES)
   list(REMOVE_ITEM needed tq_rapidjson) # no user needs it to link
   target_link_libraries(tq_hbs PRIVATE ${needed} Threads::Threads)
@@ -34,7 +34,7 @@ install(FILES ${PROJECT_BINARY_DIR}/tq_hbsConfig.cmake
 if(NOT BUILD_SHARED_LIBS)
   install(FILES cmake/TclTarget.cmake DESTINATION ${package_dir})
   set(TQ_STATIC_CFLAGS "-DTQ_STATIC_DEFINE -DTQ_WORKBENCH_STATIC_DEFINE")
-  set(TQ_STATIC_LIBS "-ltq_input -ltq_diagnostics -ltq_base -lboost_iostreams -lpugixml -lxerces-c -ltcl8.6 -pthread")
+  set(TQ_STATIC_LIBS "-ltq_input -ltq_diagnostics -ltq_xerces -ltq_base -lboost_iostreams -lpugixml -lxerces-c -ltcl8.6 -pthread")
 endif()
 configure_file(cmake/tq_hbs.pc.in tq_hbs.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tq_hbs.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -65,10 +65,14 @@ Place SourceText::placeOf(std::size_t offset) const {
 }
 
 Place SourceText::placeAt(std::size_t line, std::size_t column) const {
+    return placeInLine(m_file, line, column, this->line(line));
+}
+
+std::string_view SourceText::line(std::size_t number) const {
     if (m_lineStarts.empty())
         findLines();
-    const bool isThere = line != 0 && line <= m_lineStarts.size();
-    return placeInLine(m_file, line, column, isThere ? lineText(line - 1) : std::string_view());
+    const bool isThere = number != 0 && number <= m_lineStarts.size();
+    return isThere ? lineText(number - 1) : std::string_view();
 }
 
 Place placeInLine(std::string file, std::size_t line, std::size_t column,

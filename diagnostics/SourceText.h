@@ -26,6 +26,9 @@ public:
     /// line's text if there is such a line.
     [[nodiscard]] Place placeAt(std::size_t line, std::size_t column) const;
 
+    /// A line, counted from 1, without its end; empty beyond the last.
+    [[nodiscard]] std::string_view line(std::size_t number) const;
+
 private:
     void findLines() const;
     /// `index` counts from 0.

@@ -32,6 +32,8 @@ void declareHardblock(CLI::App& app, int& status);
 void declareHandoff(CLI::App& app, int& status);
 void declareAddressing(CLI::App& app, int& status);
 void declareRegisters(CLI::App& app, int& status);
+void declareIpxact(CLI::App& app, int& status);
+void declareImport(CLI::App& app, int& status);
 
 /// The whole program: gives its exit status, and raises nothing.
 int runProgram(int argc, char** argv) noexcept;

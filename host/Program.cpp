@@ -73,6 +73,8 @@ int parseAndRun(int argc, char** argv) {
     declareHandoff(app, exitStatus);
     declareAddressing(app, exitStatus);
     declareRegisters(app, exitStatus);
+    declareIpxact(app, exitStatus);
+    declareImport(app, exitStatus);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -1,11 +1,53 @@
-// hbs registers: what it lists, and what it says about files that weren't read whole.
+// hbs registers: what it lists of a description, and what the narrow reader sees with --strict.
 
 #include "host/hbs.h"
 
 namespace {
 
 support::RunResult runOn(const std::string& content, const std::string& options = "") {
-    return hbsOn("registers", "r.xml", content, options);
+    return hbsOn("registers", "r.xml", content, "--strict " + options);
+}
+
+const char* const kWhole =
+    "<component xmlns='http://www.accellera.org/XMLSchema/IPXACT/1685-2014'><vendor>v</vendor>"
+    "<library>l</library><name>c</name><version>1</version><memoryMaps><memoryMap><name>m</name>"
+    "<addressBlock><name>b</name><baseAddress>0x40</baseAddress><range>64</range>"
+    "<width>32</width>\n<register><name>ctrl</name><displayName>Control</displayName>"
+    "<addressOffset>4</addressOffset><size>32</size><field><name>go</name><bitOffset>3</bitOffset>"
+    "<resets><reset><value>1</value></reset></resets><bitWidth>1</bitWidth></field></register>\n"
+    "<register><name>lost</name><addressOffset>gone</addressOffset><size>32</size></register>"
+    "</addressBlock></memoryMap></memoryMaps></component>";
+
+TEST(RegistersCommand, ListsTheRegistersOfTheStandard) {
+    const auto result = hbsOn("registers", "r.xml", kWhole, "--fields");
+    EXPECT_EQ(0, result.status);
+    EXPECT_EQ("address  width  access      reset  register  remark\n"
+              "-------  -----  ----------  -----  --------  ------\n"
+              "   0x44     32  read-write    0x8  m/b/ctrl\n"
+              "           [3]  read-write    0x1    go\n"
+              "      ?     32  read-write         m/b/lost\n",
+              result.output);
+    EXPECT_NE(std::string::npos, result.error.find("r.xml:3:28: warning: <addressOffset> \"gone\""))
+        << result.error;
+    EXPECT_NE(std::string::npos, result.error.find("IP-XACT 2014: 1 memory map, 1 address block, "
+                                                   "2 registers, 1 field\n"));
+}
+
+TEST(RegistersCommand, GivesEachRegisterAsJson) {
+    const auto result = hbsOn("registers", "r.xml", kWhole, "--json --match ctrl");
+    EXPECT_EQ(0, result.status);
+    for (const char* const part : {"\"path\": \"m/b/ctrl\"", "\"address\": \"0x44\"",
+                                   "\"width\": 32", "\"access\": \"read-write\"",
+                                   "\"reset\": \"0x8\"", "\"bit_offset\": 3", "\"bit_width\": 1"})
+        EXPECT_NE(std::string::npos, result.output.find(part)) << part;
+    EXPECT_NE(std::string::npos, hbsOn("registers", "r.xml", kWhole, "--json --match lost")
+                                     .output.find("\"address\": null"));
+}
+
+TEST(RegistersCommand, CountsWhatLiesBeyondTheNarrowReader) {
+    const auto result = runOn(kWhole);
+    EXPECT_EQ(1, result.status);
+    EXPECT_NE(std::string::npos, result.error.find("hbs: 2 registers lie beyond\n"));
 }
 
 std::string block(const std::string& registers) {
