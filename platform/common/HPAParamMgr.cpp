@@ -69,23 +69,26 @@ HPAParamMgr::HPAParamMgr() {
 }
 
 void HPAParamMgr::setValue(const std::string& name, const std::string& text) {
+    const std::lock_guard lock(m_mutex);
     m_values[name] = text;
 }
 
 void HPAParamMgr::unsetValue(const std::string& name) {
+    const std::lock_guard lock(m_mutex);
     m_values.erase(name);
 }
 
-const std::string* HPAParamMgr::find(const std::string& name) const {
+std::optional<std::string> HPAParamMgr::find(const std::string& name) const {
+    const std::lock_guard lock(m_mutex);
     for (const auto* table : {&m_values, &m_defaults})
         if (const auto entry = table->find(name); entry != table->end())
-            return &entry->second;
-    return nullptr;
+            return entry->second;
+    return std::nullopt;
 }
 
 bool HPAParamMgr::getValueAsBool(const std::string& name) const {
-    const std::string* text = find(name);
-    if (text == nullptr)
+    const std::optional<std::string> text = find(name);
+    if (!text)
         raiseMissing(name);
     const auto value = readBool(*text);
     if (!value)
@@ -94,8 +97,8 @@ bool HPAParamMgr::getValueAsBool(const std::string& name) const {
 }
 
 int HPAParamMgr::getValueAsInt(const std::string& name) const {
-    const std::string* text = find(name);
-    if (text == nullptr)
+    const std::optional<std::string> text = find(name);
+    if (!text)
         raiseMissing(name);
     const auto value = readInt(*text);
     if (!value)
@@ -104,6 +107,6 @@ int HPAParamMgr::getValueAsInt(const std::string& name) const {
 }
 
 bool HPAParamMgr::getValueIfExistAsBool(const std::string& name, bool fallback) const {
-    const std::string* text = find(name);
-    return text == nullptr ? fallback : readBool(*text).value_or(fallback);
+    const std::optional<std::string> text = find(name);
+    return !text ? fallback : readBool(*text).value_or(fallback);
 }

@@ -2,12 +2,15 @@
 #pragma once
 
 #include <map>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "tq_export.h"
 
-/// The process's parameter manager. Names are case sensitive. Not guarded: one thread at a time.
+/// The process's parameter manager. Names are case sensitive. May be used by several
+/// threads at once, as a search reads it beside its caller's other threads.
 ///
 /// Booleans read "true", "false", "1", "0", "yes", "no", "on" and "off" in any letter case;
 /// integers are decimal, with an optional sign, and must fit an `int`.
@@ -40,8 +43,9 @@ private:
     HPAParamMgr();
     ~HPAParamMgr() = default;
 
-    [[nodiscard]] const std::string* find(const std::string& name) const;
+    [[nodiscard]] std::optional<std::string> find(const std::string& name) const;
 
+    mutable std::mutex m_mutex;
     std::map<std::string, std::string, std::less<>> m_defaults;
     std::map<std::string, std::string, std::less<>> m_values;
 };
