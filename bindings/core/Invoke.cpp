@@ -1,0 +1,175 @@
+#include "bindings/core/Invoke.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <iterator>
+#include <utility>
+
+#include "bindings/core/Convert.h"
+#include "bindings/core/Listening.h"
+
+namespace tq::bindings {
+
+namespace {
+
+thread_local std::vector<Diagnostic> t_messages;
+
+/// Listens, and hands over what was heard.
+class Heard {
+public:
+    explicit Heard(std::vector<Diagnostic>& messages) : m_messages(messages) {}
+    ~Heard() {
+        auto heard = m_listening.take();
+        std::move(heard.begin(), heard.end(), std::back_inserter(m_messages));
+    }
+    Heard(const Heard&) = delete;
+    Heard& operator=(const Heard&) = delete;
+
+private:
+    std::vector<Diagnostic>& m_messages;
+    Listening m_listening;
+};
+
+class OthersRun {
+public:
+    explicit OthersRun(Waiting& waiting) : m_waiting(waiting) { m_waiting.letOthersRun(); }
+    ~OthersRun() { m_waiting.stopOthers(); }
+    OthersRun(const OthersRun&) = delete;
+    OthersRun& operator=(const OthersRun&) = delete;
+
+private:
+    Waiting& m_waiting;
+};
+
+void callLocked(const Member& member, Call& call, Object* self) {
+    const auto held = Registry::get().lock();
+    if (self != nullptr)
+        expectUsable(*self);
+    member.call(call);
+}
+
+void callSlowly(const Member& member, Call& call, Object* self, Waiting& waiting) {
+    const OthersRun others(waiting);
+    const Heard heard(t_messages);
+    callLocked(member, call, self);
+}
+
+void callSearch(const Member& member, Call& call, Object& self, Waiting& waiting) {
+    std::vector<Diagnostic> messages;
+    const auto deliver = [&] {
+        std::move(messages.begin(), messages.end(), std::back_inserter(t_messages));
+    };
+    try {
+        runSearch(self.rootObject(), waiting, [&] {
+            const Heard heard(messages);
+            member.call(call);
+        });
+    } catch (...) {
+        deliver();
+        throw;
+    }
+    deliver();
+}
+
+} // namespace
+
+void expectUsable(const Object& object) {
+    if (object.native == nullptr)
+        throw ScriptError(Failure::Kind::Deleted,
+                          (object.was.empty() ? "the " + object.type->noun : object.was) +
+                              " was deleted");
+    const Object& root = object.root ? *object.root : object;
+    if (root.part->isBusy)
+        throw ScriptError(Failure::Kind::Busy,
+                          root.type->describe(root) + " is being searched on another thread");
+}
+
+Value invoke(const Member& member, Object* self, std::span<const Value> arguments,
+             Waiting& waiting) {
+    Call call(self, arguments);
+    switch (member.mode) {
+    case Mode::Quick:
+        callLocked(member, call, self);
+        break;
+    case Mode::Slow:
+        callSlowly(member, call, self, waiting);
+        break;
+    case Mode::Search:
+        callSearch(member, call, *self, waiting);
+        break;
+    }
+    return std::move(call.result);
+}
+
+void assign(const Member& property, Object& self, const Value& value) {
+    Call call(&self, {&value, 1});
+    const auto held = Registry::get().lock();
+    expectUsable(self);
+    property.set(call);
+}
+
+std::vector<Diagnostic> takeMessages() {
+    return std::exchange(t_messages, {});
+}
+
+DiagnosticSink messageSink() {
+    return [](Diagnostic finding) {
+        if (Listening* listening = Listening::current())
+            listening->add(std::move(finding));
+    };
+}
+
+void raiseArgument(const std::string& text) {
+    throw ScriptError(Failure::Kind::Argument, text);
+}
+
+double asWritten(float number) {
+    if (!std::isfinite(number))
+        return static_cast<double>(number);
+    char text[32];
+    const auto written = std::to_chars(std::begin(text), std::end(text), number);
+    double value = 0;
+    std::from_chars(std::begin(text), written.ptr, value);
+    return value;
+}
+
+std::size_t Member::requiredParameters() const {
+    return static_cast<std::size_t>(
+        std::count_if(parameters.begin(), parameters.end(),
+                      [](const Parameter& parameter) { return !parameter.isOptional; }));
+}
+
+const Member* ClassInfo::find(std::string_view member) const {
+    const auto found = std::find_if(members.begin(), members.end(),
+                                    [member](const Member& m) { return m.name == member; });
+    return found == members.end() ? nullptr : &*found;
+}
+
+std::string nameOf(const Type& type) {
+    switch (type.kind) {
+    case Type::Kind::None:
+        return "nothing";
+    case Type::Kind::Bool:
+        return "true or false";
+    case Type::Kind::Int:
+        return "a whole number";
+    case Type::Kind::Float:
+        return "a number";
+    case Type::Kind::Text:
+        return "a text";
+    case Type::Kind::Address:
+        return "an address or size";
+    case Type::Kind::Object:
+        return "a handle of class " + type.object->name;
+    case Type::Kind::Sequence:
+        return "a list (of " + nameOf(*type.element) + " each)";
+    case Type::Kind::Mapping:
+    case Type::Kind::Record:
+    case Type::Kind::Json:
+        break;
+    }
+    return "a dictionary";
+}
+
+} // namespace tq::bindings

@@ -1,0 +1,20 @@
+// Failures as Python exceptions, and messages for Python's logging.
+#pragma once
+
+#include "bindings/python/PythonApi.h"
+
+#include "bindings/core/ScriptError.h"
+
+namespace tq::bindings::python {
+
+/// Makes the exceptions of the package, all derived from `Error`. False with an error.
+bool addExceptions(PyObject* module);
+
+/// Sets Python's error. Gives null, for callers to return.
+PyObject* raise(const Failure& failure);
+
+/// Hands what the library said in the last calls to the package's logger. Keeps Python's error, and
+/// sets none.
+void deliverMessages();
+
+} // namespace tq::bindings::python

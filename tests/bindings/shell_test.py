@@ -1,0 +1,94 @@
+"""The packages as a shell's user meets them: examples, Ctrl-C in Tcl, a quiet process."""
+
+import os
+import signal
+import subprocess
+import sys
+import time
+import unittest
+
+TCLSH = sys.argv.pop(1)
+ROOT = os.environ["TQ_SOURCE_DIR"]
+SCRIPTS = os.path.join(ROOT, "examples", "scripts")
+LANGUAGES = ((sys.executable, "py"), (TCLSH, "tcl"))
+
+SLOW_SEARCH = """
+package require tq_hbs
+set t [tq::clock tree create slow 6]
+foreach {domain plls} {A 1 NOC_DOMAIN 1 B 2 C 2} {
+    for {set i 0} {$i < $plls} {incr i} {tq::clock tree createPllConfig $t $domain$i $domain}
+}
+tq::clock tree refClkFreq $t 60
+set i 0
+foreach {domain mhz} {NOC_DOMAIN 960 NOC_DOMAIN 960 A 0.001 B 0.001 C 0.001} {
+    set p [tq::clock tree addPeripheral $t P[incr i] $domain $mhz]
+    tq::clock peripheral isNOCPeripheral $p [expr {$i <= 2}]
+}
+puts ready
+flush stdout
+puts [catch {tq::clock tree runSolution $t} message options]
+puts [dict get $options -errorcode]
+puts [tq::clock tree is_result_found $t]
+"""
+
+QUIET = """
+import locale, os, signal, sys
+def state():
+    return (sys.path[:], dict(os.environ), locale.setlocale(locale.LC_ALL),
+            [signal.getsignal(s) for s in (signal.SIGINT, signal.SIGPIPE)],
+            [os.fstat(i) for i in range(3)])
+before = state()
+import tq_hbs
+tree = tq_hbs.HBSClockingAlgo("soc", plls=1)
+tree.createPllConfig("PLL0", "D")
+uart = tree.addPeripheral("UART0", "D", 100)
+assert tree.runSolution()
+assert state() == before, (state(), before)
+cycle = [uart, tree]
+cycle.append(cycle)
+"""
+
+
+def run(*command):
+    return subprocess.run(command, cwd=ROOT, capture_output=True, text=True, timeout=120)
+
+
+class Shell(unittest.TestCase):
+    def test_both_sweeps_print_the_same(self):
+        tree = os.path.join("examples", "clocks", "serial_buses.json")
+        printed = []
+        for shell, suffix in LANGUAGES:
+            script = os.path.join(SCRIPTS, "clock_sweep." + suffix)
+            done = run(shell, script, tree, "I2C0", "10", "50", "20")
+            self.assertEqual((0, ""), (done.returncode, done.stderr))
+            printed.append(done.stdout)
+            failed = run(shell, script, "nowhere.json", "I2C0", "10", "50", "20")
+            self.assertEqual(1, failed.returncode)
+            self.assertIn("nowhere.json: error: can't be read", failed.stderr)
+        self.assertEqual(printed[0], printed[1])
+        self.assertEqual(4, printed[0].count("\n"))
+
+    def test_sessions_run(self):
+        for shell, suffix in LANGUAGES:
+            done = run(shell, os.path.join(SCRIPTS, "session." + suffix))
+            self.assertEqual((0, ""), (done.returncode, done.stderr))
+            self.assertIn("was deleted", done.stdout)
+
+    def test_ctrl_c_ends_a_search_in_tcl_and_not_the_shell(self):
+        with subprocess.Popen(
+            [TCLSH], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True
+        ) as shell:
+            shell.stdin.write(SLOW_SEARCH)
+            shell.stdin.close()
+            self.assertEqual("ready\n", shell.stdout.readline())
+            time.sleep(0.5)
+            shell.send_signal(signal.SIGINT)
+            self.assertEqual("1\nTQ INTERRUPTED\n0\n", shell.stdout.read())
+
+    def test_loading_and_ending_leave_the_process_alone(self):
+        done = run(sys.executable, "-c", QUIET)
+        self.assertEqual((0, "", ""), (done.returncode, done.stdout, done.stderr))
+
+
+if __name__ == "__main__":
+    unittest.main()
