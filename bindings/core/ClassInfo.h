@@ -37,6 +37,7 @@ struct TQ_BINDINGS_EXPORT Member {
     std::string doc;
     Kind kind = Kind::Method;
     Mode mode = Mode::Quick;
+    bool isChange = false;            ///< takes its object as one that it may change
     const ClassInfo* owner = nullptr; ///< null for a function of an island
     std::vector<Parameter> parameters;
     const Type* result = nullptr;
@@ -129,5 +130,7 @@ private:
 
 /// The handle's native object. Raises `ScriptError` if it is gone or in a search.
 TQ_BINDINGS_EXPORT void expectUsable(const Object& object);
+/// Raises `ScriptError` for an object that the library shares.
+TQ_BINDINGS_EXPORT void expectChangeable(const Object& object);
 
 } // namespace tq::bindings

@@ -31,7 +31,7 @@ struct Signature<R (*)(A...)> {
 template <class R, class C, class... A>
 struct Signature<R (C::*)(A...)> : Signature<R (*)(C&, A...)> {};
 template <class R, class C, class... A>
-struct Signature<R (C::*)(A...) const> : Signature<R (*)(C&, A...)> {};
+struct Signature<R (C::*)(A...) const> : Signature<R (*)(const C&, A...)> {};
 
 /// How a thunk gets an argument: `Call&` as it is, anything else from the script in order.
 template <class A>
@@ -39,9 +39,13 @@ inline constexpr bool isCall = std::is_same_v<A, Call&>;
 
 template <class A>
 decltype(auto) argumentOf(Call& call, std::size_t index) {
+    using Plain = std::remove_cvref_t<A>;
     if constexpr (isCall<A>)
         return static_cast<Call&>(call);
-    else
+    else if constexpr (std::is_same_v<A, Plain&> && std::is_class_v<Plain>) {
+        expectChangeable(*std::get<ObjectRef>(call.argument(index).content));
+        return Convert<Plain>::from(call.argument(index));
+    } else
         return Convert<std::remove_cvref_t<A>>::from(call.argument(index));
 }
 
@@ -98,6 +102,11 @@ void setTypes(Member& member, Types<A...>) {
 template <class Self, class... A>
 Types<A...> withoutSelf(Types<Self, A...>) {
     return {};
+}
+
+template <class Self, class... A>
+constexpr bool takesToChange(Types<Self, A...>) {
+    return !std::is_const_v<std::remove_reference_t<Self>>;
 }
 
 template <class R>
@@ -238,6 +247,7 @@ private:
         member.doc = doc;
         member.mode = mode;
         member.owner = &m_info;
+        member.isChange = detail::takesToChange(typename Signature::Arguments());
         member.parameters = parameters;
         member.result = detail::resultType<typename Signature::Result>();
         member.call = [](Call& call) {

@@ -46,6 +46,8 @@ void callLocked(const Member& member, Call& call, Object* self) {
     const auto held = Registry::get().lock();
     if (self != nullptr)
         expectUsable(*self);
+    if (member.isChange)
+        expectChangeable(*self);
     member.call(call);
 }
 
@@ -85,6 +87,14 @@ void expectUsable(const Object& object) {
                           root.type->describe(root) + " is being searched on another thread");
 }
 
+void expectChangeable(const Object& object) {
+    const Object& root = object.root ? *object.root : object;
+    if (root.part->isConst)
+        throw ScriptError(Failure::Kind::Command, root.type->describe(root) +
+                                                      " is shared with the library and can't be "
+                                                      "changed; change a clone of it");
+}
+
 Value invoke(const Member& member, Object* self, std::span<const Value> arguments,
              Waiting& waiting) {
     Call call(self, arguments);
@@ -106,6 +116,7 @@ void assign(const Member& property, Object& self, const Value& value) {
     Call call(&self, {&value, 1});
     const auto held = Registry::get().lock();
     expectUsable(self);
+    expectChangeable(self);
     property.set(call);
 }
 

@@ -51,6 +51,7 @@ struct RootPart {
     void (*destroy)(void*) = nullptr; ///< null if scripts can't delete it
     bool isOwned = false;             ///< whether it goes with its last handle
     bool isBusy = false;              ///< in a search on some thread
+    bool isConst = false;             ///< shared with the library: it mustn't be changed
     std::vector<ObjectRef> needs;     ///< roots that must outlive it
     std::vector<Object*> dependents;  ///< roots that need it
     Object* firstMember = nullptr;    ///< handles of what it owns

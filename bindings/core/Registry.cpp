@@ -168,9 +168,11 @@ void Registry::destroyNative(Object& root) {
 void Registry::destroy(Object& root) {
     const Lock held = lock();
     expectUsable(root);
-    if (root.part == nullptr || root.part->destroy == nullptr)
+    if (root.part == nullptr || root.part->destroy == nullptr || root.part->isConst)
         throw ScriptError(Failure::Kind::Command,
-                          root.type->describe(root) + " belongs to the library");
+                          root.type->describe(root) +
+                              (root.root ? " is a part of " + root.root->type->describe(*root.root)
+                                         : " belongs to the library"));
     if (root.type->expectDeletable != nullptr)
         root.type->expectDeletable(root.native);
     const ObjectRef guard(&root);

@@ -7,6 +7,12 @@ namespace tq::bindings {
 
 Interface::Interface() {
     describeClocks(*this);
+    describeBlocks(*this);
+    describeAddressing(*this);
+    describeHandoff(*this);
+    describeHardBlocks(*this);
+    describeSequences(*this);
+    describeRegisters(*this);
 }
 
 const Interface& Interface::get() {

@@ -6,5 +6,11 @@
 namespace tq::bindings {
 
 void describeClocks(Interface& interface);
+void describeBlocks(Interface& interface);
+void describeAddressing(Interface& interface);
+void describeHandoff(Interface& interface);
+void describeHardBlocks(Interface& interface);
+void describeSequences(Interface& interface);
+void describeRegisters(Interface& interface);
 
 } // namespace tq::bindings

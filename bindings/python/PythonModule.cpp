@@ -69,6 +69,6 @@ PyModuleDef g_module = {PyModuleDef_HEAD_INIT,
 } // namespace tq::bindings::python
 
 /// Called by Python's import.
-PyMODINIT_FUNC PyInit__native() {
+PyMODINIT_FUNC PyInit__native() { // NOLINT(bugprone-reserved-identifier): Python's name for it
     return PyModuleDef_Init(&tq::bindings::python::g_module);
 }

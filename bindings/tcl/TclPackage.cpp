@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "bindings/core/Invoke.h"
@@ -51,7 +52,7 @@ void endSession(ClientData data, Tcl_Interp* /*interp*/) {
 // --- messages ---
 
 void writeMessage(const Diagnostic& message) {
-    Tcl_Channel const channel = Tcl_GetStdChannel(TCL_STDERR);
+    Tcl_Channel channel = Tcl_GetStdChannel(TCL_STDERR);
     if (channel == nullptr || message.severity == Severity::Remark)
         return;
     const std::string text = describe(message);
@@ -73,7 +74,7 @@ void deliverMessages(Tcl_Interp* interp) {
     const std::vector<Diagnostic> messages = takeMessages();
     if (messages.empty())
         return;
-    Tcl_InterpState const state = Tcl_SaveInterpState(interp, TCL_OK);
+    Tcl_InterpState state = Tcl_SaveInterpState(interp, TCL_OK);
     for (const Diagnostic& message : messages) {
         // The callback may take itself away.
         Tcl_Obj* const command = sessionOf(interp).messageCommand;
@@ -148,9 +149,9 @@ bool takeOptions(Tcl_Interp* interp, const Member& member, std::vector<Value>& a
             isKnown = true;
         }
         if (!isKnown) {
-            raise(interp, {Failure::Kind::Argument,
-                           "unknown option \"" + word + "\", expected one of: " + known,
-                           {}});
+            std::string text = "unknown option \"";
+            text.append(word).append("\", expected one of: ").append(known);
+            raise(interp, {Failure::Kind::Argument, std::move(text), {}});
             return false;
         }
     }

@@ -1,11 +1,15 @@
 """The packages as a shell's user meets them: examples, Ctrl-C in Tcl, a quiet process."""
 
 import os
+import shutil
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 import unittest
+
+import tq_hbs
 
 TCLSH = sys.argv.pop(1)
 ROOT = os.environ["TQ_SOURCE_DIR"]
@@ -67,6 +71,31 @@ class Shell(unittest.TestCase):
             self.assertIn("nowhere.json: error: can't be read", failed.stderr)
         self.assertEqual(printed[0], printed[1])
         self.assertEqual(4, printed[0].count("\n"))
+
+    def test_both_exports_print_the_same(self):
+        file = os.path.join("examples", "device", "registers.xml")
+        printed = [
+            run(shell, os.path.join(SCRIPTS, "register_export." + suffix), file).stdout
+            for shell, suffix in LANGUAGES
+        ]
+        self.assertEqual(printed[0], printed[1])
+        self.assertIn("Ctrl,0xF1000000,", printed[0])
+
+    def test_both_checks_agree(self):
+        with tempfile.TemporaryDirectory() as folder:
+            device = shutil.copytree(
+                os.path.join(ROOT, "examples", "device"), os.path.join(folder, "device")
+            )
+            blocks = os.path.join(device, "mirrel", "hardblocks")
+            for name in os.listdir(blocks):
+                tq_hbs.buildHardblockDefinition(blocks, name, write=True)
+            arguments = (device, "kestrom:hardblock:sorrel_ps:1.0", device + "/config_linux.json")
+            done = [
+                run(shell, os.path.join(SCRIPTS, "address_check." + suffix), *arguments)
+                for shell, suffix in LANGUAGES
+            ]
+            self.assertEqual(done[0].stdout, done[1].stdout)
+            self.assertEqual([0, 0], [d.returncode for d in done])
 
     def test_sessions_run(self):
         for shell, suffix in LANGUAGES:
