@@ -1,8 +1,11 @@
 // The hardware handoff.
 
 #include "bindings/core/Describe.h"
+#include "bindings/core/Invoke.h"
+#include "bindings/interface/Findings.h"
 #include "bindings/interface/Parts.h"
 #include "handoff/HBSGenerateService.h"
+#include "handoff/HBSHandoff.h"
 #include "workbench/handoff/HandoffJob.h"
 
 namespace tq::bindings {
@@ -37,6 +40,12 @@ void generateHandoff(Texts design, Texts system, const std::string& connectivity
     HBSGenerateService::generateHWH(design, system, connectivity, output);
 }
 
+std::vector<Finding> checkJob(const std::string& job) {
+    DiagnosticList findings;
+    static_cast<void>(decideHandoff(readHandoffJob(job, findings.sink()), findings.sink()));
+    return findingsOf(findings);
+}
+
 HandoffReport runJob(const std::string& job, const std::string& output, bool timeStamp) {
     return runHandoff(readHandoffJob(job), output, timeStamp);
 }
@@ -54,6 +63,10 @@ void describeHandoff(Interface& interface) {
     island.functions.push_back(function<&runJob>(
         "runHandoff", {required("jobFile"), required("outputFile"), optional("timeStamp", {true})},
         "Writes the document of a job file and counts what is in it.", Mode::Slow));
+    island.functions.push_back(function<&checkJob>(
+        "checkHandoff", {required("jobFile")},
+        "What the metadata of a job file loses or has twice, with places; nothing is written.",
+        Mode::Slow));
     interface.add(std::move(island));
 }
 
