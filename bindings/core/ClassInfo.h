@@ -109,6 +109,7 @@ public:
     Call(Object* self, std::span<const Value> arguments) : m_self(self), m_arguments(arguments) {}
 
     [[nodiscard]] Object& self() { return *m_self; }
+    [[nodiscard]] bool hasSelf() const { return m_self != nullptr; }
     [[nodiscard]] const Value& argument(std::size_t index) const { return m_arguments[index]; }
     [[nodiscard]] std::size_t argumentCount() const { return m_arguments.size(); }
 

@@ -42,28 +42,28 @@ private:
     Waiting& m_waiting;
 };
 
-void callLocked(const Member& member, Call& call, Object* self) {
+void callLocked(const Member& member, Call& call) {
     const auto held = Registry::get().lock();
-    if (self != nullptr)
-        expectUsable(*self);
+    if (call.hasSelf())
+        expectUsable(call.self());
     if (member.isChange)
-        expectChangeable(*self);
+        expectChangeable(call.self());
     member.call(call);
 }
 
-void callSlowly(const Member& member, Call& call, Object* self, Waiting& waiting) {
+void callSlowly(const Member& member, Call& call, Waiting& waiting) {
     const OthersRun others(waiting);
     const Heard heard(t_messages);
-    callLocked(member, call, self);
+    callLocked(member, call);
 }
 
-void callSearch(const Member& member, Call& call, Object& self, Waiting& waiting) {
+void callSearch(const Member& member, Call& call, Waiting& waiting) {
     std::vector<Diagnostic> messages;
     const auto deliver = [&] {
         std::move(messages.begin(), messages.end(), std::back_inserter(t_messages));
     };
     try {
-        runSearch(self.rootObject(), waiting, [&] {
+        runSearch(call.self().rootObject(), waiting, [&] {
             const Heard heard(messages);
             member.call(call);
         });
@@ -95,21 +95,18 @@ void expectChangeable(const Object& object) {
                                                       "changed; change a clone of it");
 }
 
-Value invoke(const Member& member, Object* self, std::span<const Value> arguments,
-             Waiting& waiting) {
-    Call call(self, arguments);
+void invoke(const Member& member, Call& call, Waiting& waiting) {
     switch (member.mode) {
     case Mode::Quick:
-        callLocked(member, call, self);
+        callLocked(member, call);
         break;
     case Mode::Slow:
-        callSlowly(member, call, self, waiting);
+        callSlowly(member, call, waiting);
         break;
     case Mode::Search:
-        callSearch(member, call, *self, waiting);
+        callSearch(member, call, waiting);
         break;
     }
-    return std::move(call.result);
 }
 
 void assign(const Member& property, Object& self, const Value& value) {
@@ -138,6 +135,12 @@ void raiseArgument(const std::string& text) {
 double asWritten(float number) {
     if (!std::isfinite(number))
         return static_cast<double>(number);
+    // Below this no two numbers of three decimals are the same in single precision.
+    constexpr double mostPlain = 4096.0;
+    const double wide = static_cast<double>(number);
+    const double plain = std::nearbyint(wide * 1000.0) / 1000.0;
+    if (std::fabs(wide) < mostPlain && static_cast<float>(plain) == number)
+        return plain;
     char text[32];
     const auto written = std::to_chars(std::begin(text), std::end(text), number);
     double value = 0;

@@ -1,7 +1,6 @@
 // Calls from scripts into the library.
 #pragma once
 
-#include <span>
 #include <vector>
 
 #include "bindings/core/ClassInfo.h"
@@ -9,11 +8,11 @@
 
 namespace tq::bindings {
 
-/// Calls a member with all its arguments, converted to the types of its parameters; `self` is null
-/// for functions. Raises what the library raises. Only members that aren't `Mode::Quick` let other
-/// threads of the language run meanwhile, and only those may leave messages.
-[[nodiscard]] TQ_BINDINGS_EXPORT Value invoke(const Member& member, Object* self,
-                                              std::span<const Value> arguments, Waiting& waiting);
+/// Calls a member; the call has all its arguments, converted to the types of its parameters, gets
+/// the result, and has no object for functions. Raises what the library raises. Only members that
+/// aren't `Mode::Quick` let other threads of the language run meanwhile, and only those may leave
+/// messages.
+TQ_BINDINGS_EXPORT void invoke(const Member& member, Call& call, Waiting& waiting);
 /// Sets a property.
 TQ_BINDINGS_EXPORT void assign(const Member& property, Object& self, const Value& value);
 

@@ -176,6 +176,7 @@ std::string nameOfMap(const ScriptMap& map) {
 
 std::vector<std::string> namesOf(const std::vector<const HABMInterface*>& interfaces) {
     std::vector<std::string> names;
+    names.reserve(interfaces.size());
     for (const HABMInterface* interface : interfaces)
         names.push_back(interface->getInterfaceName());
     return names;
@@ -200,6 +201,7 @@ MapRow rowOf(const AddressMap::Block& block) {
 
 std::vector<MapRow> blocksOf(const ScriptMap& map) {
     std::vector<MapRow> rows;
+    rows.reserve(map.map.blocks().size());
     for (const AddressMap::Block& block : map.map.blocks())
         rows.push_back(rowOf(block));
     return rows;
@@ -207,6 +209,7 @@ std::vector<MapRow> blocksOf(const ScriptMap& map) {
 
 std::vector<SpaceRow> entriesOf(const std::vector<AddressMap::SpaceEntry>& entries) {
     std::vector<SpaceRow> rows;
+    rows.reserve(entries.size());
     for (const AddressMap::SpaceEntry& entry : entries)
         rows.push_back(
             {entry.start, AddressMap::endOf(entry.start, entry.size), entry.size, entry.name});
@@ -215,6 +218,7 @@ std::vector<SpaceRow> entriesOf(const std::vector<AddressMap::SpaceEntry>& entri
 
 std::vector<MapSpace> spacesOf(const ScriptMap& map) {
     std::vector<MapSpace> rows;
+    rows.reserve(map.map.spaces().size());
     for (const AddressMap::Space& space : map.map.spaces())
         rows.push_back({space.path, entriesOf(space.windows), entriesOf(space.assigned)});
     return rows;
@@ -222,6 +226,7 @@ std::vector<MapSpace> spacesOf(const ScriptMap& map) {
 
 std::vector<std::string> removedOf(const ScriptMap& map) {
     std::vector<std::string> paths;
+    paths.reserve(map.map.removed().size());
     for (const AddressMap::Removed& removed : map.map.removed())
         paths.push_back(removed.path);
     return paths;

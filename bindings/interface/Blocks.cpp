@@ -280,13 +280,16 @@ void setAttribute(HABMBlock& block, const std::string& name, const std::string& 
 }
 
 std::vector<PortMapLine> portMaps(const HABMInterface& interface) {
+    const std::vector<HABMPortMap*> map = interface.getPortMaps();
     std::vector<PortMapLine> lines;
-    for (const HABMPortMap* line : interface.getPortMaps())
+    lines.reserve(map.size());
+    for (const HABMPortMap* line : map)
         lines.push_back({line->getLogicalPort(), line->getPhysicalPort()});
     return lines;
 }
 std::vector<Aperture> apertures(const HABMInterface& interface) {
     std::vector<Aperture> all;
+    all.reserve(interface.getApertures().size());
     for (const HABMAddrAperture& aperture : interface.getApertures())
         all.push_back({aperture.getStart(), aperture.getSize()});
     return all;

@@ -32,6 +32,7 @@ struct RecordOf<Finding> {
 
 [[nodiscard]] inline std::vector<Finding> findingsOf(const DiagnosticList& list) {
     std::vector<Finding> findings;
+    findings.reserve(list.all().size());
     for (const Diagnostic& finding : list.all())
         findings.push_back({severityName(finding.severity), finding.id, finding.place.file,
                             finding.place.line, finding.place.column, finding.text,

@@ -18,6 +18,13 @@ struct RecordOf<HandoffReport::Master> {
 };
 
 template <>
+struct RecordOf<HandoffReport::Warning> {
+    static constexpr const char* name = "HandoffWarning";
+    static constexpr auto fields = std::tuple{field("kind", &HandoffReport::Warning::kind),
+                                              field("text", &HandoffReport::Warning::text)};
+};
+
+template <>
 struct RecordOf<HandoffReport> {
     using R = HandoffReport;
     static constexpr const char* name = "HandoffReport";
@@ -28,7 +35,8 @@ struct RecordOf<HandoffReport> {
                                               field("ports", &R::ports),
                                               field("signals", &R::signals),
                                               field("externalPorts", &R::externalPorts),
-                                              field("masters", &R::masters)};
+                                              field("masters", &R::masters),
+                                              field("warnings", &R::warnings)};
 };
 
 namespace {

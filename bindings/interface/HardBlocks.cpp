@@ -120,6 +120,7 @@ std::vector<PortMap*> portMaps(HardBlockInterface& interface) {
 
 std::vector<MappedRange> mappedRawPorts(PortMap& map) {
     std::vector<MappedRange> ranges;
+    ranges.reserve(map.getMappedRawPorts().size());
     for (const auto& [mapped, port] : map.getMappedRawPorts())
         ranges.push_back({mapped, port});
     return ranges;

@@ -34,10 +34,11 @@ const ClassInfo* g_firstClass = nullptr;
 PyObject* finish(const Member& member, Object* self, std::span<const Value> arguments) {
     PythonWaiting waiting;
     try {
-        const Value result = invoke(member, self, arguments, waiting);
+        Call call(self, arguments);
+        invoke(member, call, waiting);
         if (member.mode != Mode::Quick)
             deliverMessages();
-        return toPython(result);
+        return toPython(call.result);
     } catch (...) {
         const Failure failure = currentFailure();
         deliverMessages();

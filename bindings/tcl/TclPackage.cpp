@@ -99,11 +99,12 @@ int finish(Tcl_Interp* interp, const Member& member, Object* self,
            const std::vector<Value>& arguments) {
     TclWaiting waiting(interp);
     try {
-        const Value result = invoke(member, self, arguments, waiting);
+        Call call(self, arguments);
+        invoke(member, call, waiting);
         if (member.mode != Mode::Quick)
             deliverMessages(interp);
-        noteOwned(interp, result);
-        Tcl_SetObjResult(interp, toTcl(result));
+        noteOwned(interp, call.result);
+        Tcl_SetObjResult(interp, toTcl(call.result));
         return TCL_OK;
     } catch (...) {
         const Failure failure = currentFailure();

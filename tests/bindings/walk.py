@@ -1,0 +1,137 @@
+"""A random walk over the whole interface: make, look up, copy, drop and delete in any order.
+
+    walk.py [STEPS [SEED]]
+
+Nothing that a script does may end the process. Every error must be one of the package, or of Python
+for wrong arguments.
+"""
+
+import gc
+import inspect
+import logging
+import os
+import random
+import sys
+import tempfile
+
+import tq_hbs
+
+STEPS = int(sys.argv[1]) if len(sys.argv) > 1 else 20_000
+SEED = int(sys.argv[2]) if len(sys.argv) > 2 else 1
+DEVICE = os.path.join(os.environ["TQ_SOURCE_DIR"], "examples", "device")
+MOST_HELD = 300
+# Files and searches have tests of their own; here they would only take time.
+LEFT_OUT = {"writeTopBlock", "readTopBlock", "buildHardblockDefinition", "generateHWH"}
+
+logging.getLogger("tq_hbs").setLevel(logging.CRITICAL)
+dice = random.Random(SEED)
+held = []
+
+
+def keep(value):
+    if isinstance(value, (list, tuple)):
+        for item in value[:3]:
+            keep(item)
+    elif type(value).__module__ == "tq_hbs":
+        held.append(value)
+    if len(held) > MOST_HELD:
+        del held[dice.randrange(len(held))]
+
+
+def argument():
+    kind = dice.randrange(8)
+    if kind < 3 and held:
+        return dice.choice(held)
+    if kind < 5:
+        return dice.choice(("a", "b", "c", "", "a/b", "DOMAIN0", "PLL0", "/a", "4K", "opens", "é"))
+    return dice.choice((0, 1, 2, -1, 4096, 33.5, 2**70, True, None, ["a"], {"a": "b"}, float("nan")))
+
+
+def sensible(name):
+    """Arguments that often fit, by the parameter's name."""
+    if name in ("freq", "value", "offset", "range", "kind", "plls"):
+        return dice.choice((1, 2, 100, 4096))
+    if name in ("definition", "instance", "config", "block", "addrBlock", "addrSegment", "other"):
+        return dice.choice(held) if held else None
+    return dice.choice(("a", "b", "c", "DOMAIN0"))
+
+
+def call(function):
+    try:
+        names = [
+            p.name
+            for p in inspect.signature(function).parameters.values()
+            if p.default is p.empty and p.name != "self"
+        ]
+    except ValueError:
+        names = []
+    chosen = [sensible(name) if dice.random() < 0.8 else argument() for name in names]
+    if dice.random() < 0.05:
+        chosen.append(argument())
+    keep(function(*chosen))
+
+
+def make():
+    kind = dice.randrange(5)
+    if kind == 0:
+        keep(tq_hbs.HBSClockingAlgo(dice.choice("ab"), plls=dice.choice((1, 2))))
+    elif kind == 1:
+        keep(tq_hbs.HABMBlock(dice.choice("ab")))
+    elif kind == 2:
+        name, function = dice.choice(FUNCTIONS)
+        call(function)
+    elif kind == 3:
+        keep(tq_hbs.addClockingAlgo(dice.choice("ab"), dice.choice((1, 2))))
+    else:
+        keep(dice.choice(tq_hbs.getCdoSequenceWrappers() or [None]))
+
+
+def use(thing):
+    name = dice.choice([n for n in dir(type(thing)) if n[0] != "_" and n not in LEFT_OUT])
+    if name == "delete" and dice.random() < 0.7:
+        return
+    member = getattr(type(thing), name)
+    if callable(member):
+        call(getattr(thing, name))
+    elif dice.random() < 0.3:
+        setattr(thing, name, argument())
+    else:
+        keep(getattr(thing, name))
+
+
+def step():
+    kind = dice.random()
+    if kind < 0.1 or not held:
+        make()
+    elif kind < 0.2:
+        del held[dice.randrange(len(held))]
+    elif kind < 0.25:
+        held.append(dice.choice(held))
+    elif kind < 0.3:
+        repr(dice.choice(held))
+        tq_hbs.exists(dice.choice(held))
+    else:
+        use(dice.choice(held))
+
+
+FUNCTIONS = [
+    (name, function)
+    for name, function in vars(tq_hbs).items()
+    if type(function).__name__ == "builtin_function_or_method" and name not in LEFT_OUT
+]
+os.chdir(tempfile.mkdtemp())
+raised = {}
+for i in range(STEPS):
+    try:
+        step()
+    except (tq_hbs.Error, TypeError, AttributeError) as error:
+        raised[type(error).__name__] = raised.get(type(error).__name__, 0) + 1
+held.clear()
+gc.collect()
+for tree in reversed(tq_hbs.getClockingAlgos()):
+    try:
+        tree.delete()
+    except tq_hbs.CommandError:
+        pass
+print(f"{STEPS} steps, raised: {raised}")
+assert {"DeletedError", "TypeError", "CommandError"} <= set(raised), raised
