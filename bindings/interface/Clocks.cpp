@@ -158,6 +158,17 @@ HBSPowerDomain* getPowerDomain(HBSClockingAlgo& tree, const std::string& name) {
     return expectFound(tree.getPowerDomain(name), tree, "power domain", name);
 }
 
+/// The name of the domain that the solvers count it in: the one that reads back may be another.
+std::string domainOf(const HBSClockingAlgo& tree, const HBSPeripheral& peripheral) {
+    const auto index = static_cast<unsigned>(peripheral.getPowerDomainIndex());
+    const HBSPowerDomain* const domain = tree.getPowerDomainAt(index);
+    if (domain == nullptr)
+        throw ScriptError(Failure::Kind::Command, "the peripheral " + peripheral.getName() +
+                                                      " of clock tree " + tree.getName() +
+                                                      " has no power domain");
+    return domain->getName();
+}
+
 /// The tree as a file would describe it.
 ClockTree treeOf(HBSClockingAlgo& tree) {
     ClockTree description;
@@ -172,9 +183,9 @@ ClockTree treeOf(HBSClockingAlgo& tree) {
             copy.plls.push_back({pll->getName(), pll->getMaxPllFreq(), pll->isNOCpll()});
     }
     for (const HBSPeripheral* p : tree.getAllPeripherals())
-        description.peripherals.push_back({p->getName(), p->getPowerDomainName(),
-                                           p->getRequestedFreq(), p->getMaxAllowedPeripheralError(),
-                                           p->isEnabled(), p->isNOCPeripheral()});
+        description.peripherals.push_back({p->getName(), domainOf(tree, *p), p->getRequestedFreq(),
+                                           p->getMaxAllowedPeripheralError(), p->isEnabled(),
+                                           p->isNOCPeripheral()});
     return description;
 }
 
@@ -264,9 +275,9 @@ void describeTree(Interface& interface) {
                               "threads. Can be interrupted; the tree is then as it was.",
                               Mode::Search)
         .method<&T::resetResults>("resetResults", {}, "Clears the results.")
-        .method<&clockTables>("tables", {}, "The result as aligned tables.")
-        .method<&clockJson>("json", {}, "The result as a JSON document.")
-        .method<&clockPicture>("svg", {}, "The solved tree as an SVG picture.");
+        .method<&clockTables>("tables", {}, "The result as aligned tables.", Mode::Slow)
+        .method<&clockJson>("json", {}, "The result as a JSON document.", Mode::Slow)
+        .method<&clockPicture>("svg", {}, "The solved tree as an SVG picture.", Mode::Slow);
     interface.add(infoOf<T>());
 }
 
