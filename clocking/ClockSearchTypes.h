@@ -26,7 +26,7 @@ using MultiplierBitMap = std::map<HBSPeripheral*, MultiplierBits>;
 using MultiplierSet = std::set<unsigned>;
 
 /// One PLL as a peripheral sees it: frequency in MHz and the PLL's divider; empty where the PLL
-/// is out of reach. Slots stand in the order of `getPllNameByIndex`.
+/// is out of reach. Slots are in the order of `getPllNameByIndex`.
 using ClockSlot = std::optional<std::pair<float, unsigned>>;
 
 /// Position of the PLL that a peripheral takes, and the peripheral's own divider.

@@ -38,7 +38,7 @@ using ClkoutDivCombos = std::array<DividerRange, 6>;
 
 /// How the last search of a tree of four or six PLLs went, at the step that ended it.
 struct SearchStatistics {
-    /// Combinations of multipliers; each stands for up to 15,552 settings of the dividers.
+    /// Combinations of multipliers; each has up to 15,552 settings of the dividers.
     std::uint64_t combinations = 0;
     /// Settings of all multipliers and dividers whose sum of errors was computed, counted at each
     /// look. The rest was proven to be worse.
@@ -174,13 +174,13 @@ public:
 protected:
     /// What a run starts with: the enabled peripherals, of a tree that has its shape and no earlier
     /// result any more. None, after a line that says why and with the earlier result left, for a
-    /// tree that can't be solved as it stands.
+    /// tree that has no valid shape.
     [[nodiscard]] std::vector<HBSPeripheral*> startRun();
     /// Takes the tolerances of the ladder in order, each as the present one, until `solveStep`
     /// returns true. False, with the last tolerance left, if it never does.
     [[nodiscard]] bool climbLadder(const std::function<bool()>& solveStep);
     /// The complaint about a tree whose domains haven't one PLL each, or null. A domain without any
-    /// comes first, wherever it stands; `severalText` is for a domain with more than one.
+    /// comes first, whatever its index; `severalText` is for a domain with more than one.
     [[nodiscard]] const char* faultOfPllCounts(const char* severalText) const;
     /// Name of a PLL by the positions of its domain and within it; empty where there is none.
     [[nodiscard]] std::string getPllNameAt(unsigned domainIndex, unsigned pllIndex) const;

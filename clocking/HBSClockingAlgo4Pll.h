@@ -17,7 +17,7 @@ namespace hbs_clocking {
 /// | 2 | 2; 0 and 1 through their cross-domain dividers |
 /// | 3 | 3; 0, 1 and 2 through their cross-domain dividers |
 ///
-/// Exactly one enabled peripheral must be marked with `setNOCPeripheral(true)` and stand in
+/// Exactly one enabled peripheral must be marked with `setNOCPeripheral(true)` and be in
 /// "NOC_DOMAIN": its request sets the multiplier and the divider of PLL 1. Clocks that cross a
 /// domain are held under `getMaxCrossDomainFreq`.
 ///

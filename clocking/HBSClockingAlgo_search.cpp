@@ -47,7 +47,7 @@ constexpr unsigned kTimingMask = 0x4000000;
     return requests;
 }
 
-/// How a role's PLL stands in a tuple: its clock without and with the cross-domain divider.
+/// The setting of a role's PLL in a tuple: its clock without and with the cross-domain divider.
 struct SetPll {
     float freqMhz;
     unsigned div;

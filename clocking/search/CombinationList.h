@@ -25,7 +25,7 @@ struct CoverNeed {
 /// How the list grows by one or two places: each head is continued by all the tails that, together
 /// with the places of the head that count, cover the needs.
 struct CombinationStage {
-    /// How the two places of a tail stand to each other; `Single` for tails of one place.
+    /// How the two places of a tail are related; `Single` for tails of one place.
     enum class Order { Single, Any, Different, Ascending };
 
     std::vector<std::uint8_t> firsts;  ///< values of the tail's first place, ascending
@@ -63,7 +63,7 @@ private:
 };
 
 /// A list of combinations in stages, in ascending order of their places. Two products and a filter
-/// of 65 multipliers per place stand for some 10^11 combinations; the list holds the places' values
+/// of 65 multipliers per place describe some 10^11 combinations; the list holds the places' values
 /// and needs only, and of the values those that occur. Counting the combinations costs about
 /// pairs × multipliers × needs.
 class CombinationList {

@@ -71,6 +71,8 @@ bool ContextSearch::enter(const PllOption& main, const PllOption& noc) {
 }
 
 void ContextSearch::setLimit(double limit) {
+    // Bounds are rounded as the prices are, which may be far larger than the errors; sums of errors
+    // that are within the limit are rounded as the limit is.
     m_context.ceiling = m_bound.ceilingOf(limit);
     m_context.most = limit + m_bound.roundingOf(limit);
 }
@@ -108,6 +110,12 @@ bool ContextSearch::isDominated() {
     ErrorRow near = m_context.errors[0];
     near.insert(near.end(), m_context.errors[1].begin(), m_context.errors[1].end());
     m_context.nearNumber = m_nearRows.add(near.data());
+    // Why an earlier context's search makes this one unnecessary, though it may have pruned what
+    // this one would not: limits never rise, neither in the step nor within a context. The limit
+    // behind an earlier place was then at least what it is behind this place now, so whatever may
+    // matter here was within it there and was offered at an earlier place, and an equal sum later
+    // in the same chunk is no record low. The place is in the order of the enumeration for tuples
+    // that are the same in all else.
     return !m_searched.isFirst(
         {m_context.nearNumber, m_context.numbers[0], m_context.numbers[1], chunk},
         {main->mul, noc->mul, 8U - main->div, 4U - main->cross, 4U - noc->cross});
@@ -138,6 +146,8 @@ void ContextSearch::searchGroup(const OwnPlls::Group& group) {
 }
 
 bool ContextSearch::isDominated(const OwnPlls::Group& group, std::size_t option) {
+    // The same argument as for contexts. Equal entries mean equal choices behind equal errors; that
+    // the first own PLL's multiplier bars the second one's is part of the entry of domain 2.
     const PllOption& own = m_table.options(Role::Own2First).all[option];
     const auto& [main, noc] = m_context.plls;
     const std::array<unsigned, 4> key = {m_context.nearNumber,

@@ -15,9 +15,9 @@ struct ErrorFront::Tree {
 
 namespace {
 
-/// Nodes of one level that a setting is compared with. The first ones save most and dominate most;
-/// with many peripherals hardly any setting is dominated, and comparing all would be quadratic for
-/// nothing. For the same reason the tree isn't deeper than this.
+/// Nodes of one level that a setting is compared with. The first ones save most and dominate most.
+/// With many peripherals hardly any setting is dominated, and comparing all would take quadratic
+/// time without a gain. The depth of the tree is limited for the same reason.
 constexpr std::size_t kMostCompared = 64;
 constexpr unsigned kMostLevels = 8;
 

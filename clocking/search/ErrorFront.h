@@ -6,11 +6,10 @@
 // - With prices p (see `PriceBound`) it is at least the sum of min(before, p) less what the choice
 //   saves, the sum of max(0, p - error). Choices come in descending order of that saving, so the
 //   scan ends at the first one whose bound exceeds what is already known.
-// - A choice whose errors are all at least those of another one can't have the smaller sum,
-// whatever
-//   the errors before. It is kept in the group of the other one, the leader, and a scan for the
-//   least sum looks at leaders only. A scan for all choices within a budget enters the groups whose
-//   leader is within it.
+// - Dominance: a choice whose errors are all at least those of another one can't have the smaller
+//   sum, whatever the errors before. It is kept in the group of the other one, the leader, and a
+//   scan for the least sum looks at leaders only. A scan for all choices within a budget enters the
+//   groups whose leader is within it.
 // - Pairs with the same errors are twins: behind any other clocks they end in the same errors, so
 //   that only the first of them in the enumeration can win. This holds only if the two PLLs of each
 //   pair differ clearly for each peripheral, or not at all: else the margin by which a later clock

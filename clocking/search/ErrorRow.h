@@ -19,8 +19,8 @@ inline constexpr unsigned kLanes = 4;
 inline constexpr float kUnserved = std::numeric_limits<float>::infinity();
 
 /// The errors that a domain's peripherals have with the clocks seen so far. A peripheral served by
-/// none has the tolerance itself. A negative entry, -0 included, stands for a clock that the
-/// peripheral prefers and is barred from.
+/// none has the tolerance itself. A negative entry, -0 included, means that the peripheral prefers
+/// a clock that it is barred from.
 using ErrorRow = std::vector<float>;
 
 /// Lets the peripherals take one more clock, which comes later in the order of the slots than all

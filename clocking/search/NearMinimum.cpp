@@ -37,7 +37,7 @@ void NearMinimum::offer(const Tuple& tuple, float sum) {
 }
 
 bool NearMinimum::isDecided() const {
-    // What stood before the first sum within the limit is above it, or nothing.
+    // The best before the first sum within the limit was above the limit, or there was none.
     const bool nothingAbove = m_isProven && m_limit >= m_worst;
     double before = nothingAbove ? std::numeric_limits<double>::infinity() : m_limit;
     for (const auto& [tuple, sum] : m_lows) {

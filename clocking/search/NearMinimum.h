@@ -1,16 +1,17 @@
 // Who wins among sums that come one after the other, when a later one must win by a margin.
 //
-// The winner is the end of a chain: whoever is less than the standing best by the margin replaces
-// it. It isn't simply the smallest, nor anything near it: with 1.000015 standing, 1.000008 doesn't
-// replace it and 1 does; without the first, the second stands and 1 doesn't replace it.
+// The winner is the end of a chain: a sum that is less than the present best by the margin replaces
+// it. The winner needn't be the smallest: after 1.000015, the sum 1.000008 doesn't become the best
+// and 1 does; without the first, 1.000008 is the best and 1 doesn't replace it.
 //
 // A search that doesn't go in the order of the chain, and leaves things out, can still tell:
 // - A sum that isn't less than each one before it never joins the chain. What remains are the
 //   record lows of the sequence.
-// - A record low that is less than twice the margin under the one before it stands for certain,
+// - A record low that is more than twice the margin under the one before it becomes the best for
+// certain,
 //   whatever the chain did before. From there on the chain is known.
 // So it is enough to know all record lows from a little above the smallest sum on. When they lie
-// so close that none stands for certain, more of them must be known: a wider band.
+// so close that none becomes the best for certain, more of them must be known: a wider band.
 #pragma once
 
 #include <algorithm>

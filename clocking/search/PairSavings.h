@@ -12,7 +12,7 @@
 
 namespace hbs_clocking {
 
-/// What nothing saves.
+/// The saving of a PLL that has no option: less than any other.
 inline constexpr float kNoSaving = -std::numeric_limits<float>::infinity();
 
 /// The best saving of each multiplier of one PLL, the largest first.

@@ -17,7 +17,7 @@ constexpr double kGoodEnough = 2e-4;
 constexpr float kFirstRaise = 0.3F;
 /// How far above the best sum known a round aims.
 constexpr double kAim = 1.05;
-/// A round that brings nothing shortens the next steps, from the best prices so far.
+/// After rounds without a better bound the ascent goes back to the best prices, with shorter steps.
 constexpr double kShorter = 0.6;
 constexpr unsigned kPatience = 4;
 /// Close enough: what is left is cheaper to search.
@@ -78,8 +78,9 @@ PriceBound::Prices PriceBound::firstPrices() const {
 }
 
 void PriceBound::climb(double known, unsigned rounds) {
-    // The subgradient method: the bound is concave in the prices, and the spare servers of the
-    // favourites say in which direction it rises.
+    // The subgradient method with Polyak's steps: the bound is concave in the prices, and how many
+    // of the best options save something for a peripheral, less the one that it needs, is a
+    // subgradient. The step length follows from the gap to the least sum known.
     Ascent& ascent = m_ascent;
     for (unsigned round = 0; round < rounds; ++round) {
         evaluate();

@@ -104,7 +104,7 @@ public:
     SourceTable& operator=(const SourceTable&) = delete;
 
     [[nodiscard]] const DomainRequests& domain(unsigned index) const { return m_domains[index]; }
-    /// A role without a PLL has one option, of multiplier 0, which serves nobody.
+    /// A role without a PLL has one option, of multiplier 0, which serves no peripheral.
     [[nodiscard]] const PllOptions& options(Role role) const { return m_options[indexOf(role)]; }
     /// Whether a PLL has no option at all, so that the step can't be solved.
     [[nodiscard]] bool lacksOptions() const;

@@ -22,6 +22,14 @@ constexpr double kFirstBand = 7e-5;
 constexpr double kWider = 8.0;
 /// So often a better bound is looked for.
 constexpr unsigned kMostRaises = 3;
+/// Where that doesn't help, it may be the known sum that is far from the least one. The search then
+/// begins with a part of the gap between the two and goes on with more while it finds nothing.
+constexpr double kFirstPart = 1.0 / 16.0;
+constexpr double kNextPart = 4.0;
+
+[[nodiscard]] bool isFar(double lowest, double known) {
+    return lowest > 0.0 && known > 1.01 * lowest;
+}
 
 /// A combination by PLL order as one by role.
 [[nodiscard]] Combination byRole(const TreeShape& shape, const Combination& combination) {
@@ -91,19 +99,26 @@ TupleSearch::Result TupleSearch::search(std::span<const std::uint64_t> chunks,
     double known = m_known;
     double band = kFirstBand;
     unsigned raises = kMostRaises;
+    double part = 1.0; // of the gap between the bound and the known sum that is searched
     while (true) {
+        const double guess = bound.lowest() + part * (known - bound.lowest());
         // Should the smallest sum be near the known one, all of its band is needed.
-        const double worst = known * (1.0 + band) * (1.0 + band);
+        const double worst = guess * (1.0 + band) * (1.0 + band);
         ChunkLows lows(startsOf(chunks), std::min(worst, m_proven), worst >= m_proven, band);
         const bool isDone = collect(bound, lows, raises != 0 ? kEffort : kAnyEffort, runOnThreads,
                                     result.evaluatedTuples);
         known = std::min(known, lows.lowest());
         if (!isDone) {
             raises = bound.raise(known) ? raises - 1 : 0;
+            if (raises == 0 && known < m_proven && isFar(bound.lowest(), known))
+                part = kFirstPart;
+        } else if (part < 1.0 && known > guess) {
+            part *= kNextPart;
         } else if (lows.isDecided()) {
             result.winner = lows.winner();
             return result;
         } else {
+            part = 1.0;
             band *= kWider;
         }
     }

@@ -2,15 +2,18 @@
 // the smallest sum of errors, exactly as if all had been tried in their order.
 //
 // Method: branch and bound. The errors that every setting of a PLL gives are tabulated
-// (`SourceTable`), a Lagrangian bound made of one number per setting is fitted to them
-// (`PriceBound`), and the settings of the main and the NOC PLL are searched best first
-// (`ContextQueue`). Behind each of them the own PLLs of domains 2 and 3 are bounded and enumerated
-// from memoised Pareto fronts (`ContextSearch`, `ChoiceTable`, `ErrorFront`). What the bounds leave
-// over is summed in single precision and in order; from the sums near the smallest one `ChunkLows`
-// tells which of them the exhaustive search would have ended with.
+// (`SourceTable`), and a Lagrangian bound made of one number per setting is fitted to them
+// (`PriceBound`). Settings and errors that no sum within the limit can need are left out (reduced
+// cost fixing), and the settings of the main and the NOC PLL are searched best first
+// (`ContextQueue`). A search that turns out long begins again with a better bound. Behind each of
+// them the own PLLs of domains 2 and 3 are bounded and enumerated from memoised Pareto fronts
+// (`ContextSearch`, `ChoiceTable`, `ErrorFront`). What the bounds leave over is summed in single
+// precision and in order; from the sums near the smallest one `ChunkLows` tells which of them the
+// exhaustive search would have ended with.
 //
-// Cost. The table takes peripherals × multipliers × dividers; the bound some thirty times as many
-// additions; the rest depends on how many settings come near the best one, usually a few dozen.
+// Cost. The table takes peripherals × multipliers × dividers; the bound thirty to two
+// hundred times as many additions; the rest depends on how many settings come near the best one,
+// usually a few dozen.
 #pragma once
 
 #include <cstdint>
