@@ -67,8 +67,9 @@ void exportMaps(const Options& options, const tq::HandoffJob& job,
     tq::DiagnosticList findings(kMostFindings);
     for (const std::string& path : options.exports) {
         tq::refuseInput(path, {options.job, job.connectivity});
-        tq::writeOutput(path, tq::exportMap(tq::handoffMapModel(maps, name, findings.sink()),
-                                            tq::mapFormatOrFail(path), findings.sink()));
+        tq::writeOutput(path,
+                        tq::exportMapAs(path, tq::handoffMapModel(maps, name, findings.sink()),
+                                        findings.sink()));
     }
     printFindings(findings);
 }

@@ -246,10 +246,6 @@ std::string pictureOf(const ScriptMap& map) {
     return drawAddressMap(map.map, map.name);
 }
 
-std::string pageOf(const ScriptMap& map) {
-    return drawAddressMapPage(map.map, map.name);
-}
-
 /// The format by the ending, as files have it: "h", "ld", "svd", …
 std::string exportOf(const ScriptMap& map, const std::string& format) {
     const auto known = mapFormatOf("map." + format);
@@ -280,8 +276,7 @@ void describeAddressing(Interface& interface) {
                            Mode::Slow)
         .method<&tablesOf>("tables", {}, "The map as aligned tables.")
         .method<&jsonOf>("json", {}, "The map as a JSON document.")
-        .method<&pictureOf>("svg", {}, "The address spaces as an SVG picture.")
-        .method<&pageOf>("html", {}, "The same in a page.");
+        .method<&pictureOf>("svg", {}, "The address spaces as an SVG picture.");
     interface.add(infoOf<ScriptMap>());
 
     Island island{"addressing", "Hard block subsystems and their address maps.", {}};

@@ -101,11 +101,15 @@ std::vector<Pin*> pins(HardBlockData& block) {
                         [](auto& entry) { return entry.get(); });
 }
 
-std::string findPinOf(HardBlockData& block, const std::string& port) {
-    const PortAnswer answer = findPin(block, port);
-    if (answer.pin.empty())
+std::vector<std::string> findPinsOf(HardBlockData& block, const std::string& port) {
+    const PortAnswer answer = findPins(block, port);
+    if (!answer.isWhole())
         throw ScriptError(Failure::Kind::NotFound, answer.problem);
-    return answer.pin;
+    std::vector<std::string> pins;
+    pins.reserve(answer.mappings.size());
+    for (const PortAnswer::Mapping& mapping : answer.mappings)
+        pins.push_back(mapping.pin);
+    return pins;
 }
 
 std::map<std::string, std::string> parameters(HardBlockInterface& interface) {
@@ -137,8 +141,8 @@ void describeHardBlocks(Interface& interface) {
         .property<&pins>("pins", "Its pins in order of creation.")
         .maker<&getInterfaceByName>("getInterfaceByName", {required("name")},
                                     "The interface of that name.")
-        .method<&findPinOf>("findPin", {required("port")},
-                            "The pin behind one bit of a port: \"M_AXI:AWADDR[6]\".")
+        .method<&findPinsOf>("findPins", {required("port")},
+                             "The pins behind a port or some of its bits: \"M_AXI:AWADDR[7:4]\".")
         .method<&hardBlockTables>("tables", {}, "The hard block as aligned tables.")
         .method<&hardBlockJson>("json", {}, "The same as a JSON document.");
     interface.add(infoOf<HardBlockData>());

@@ -127,7 +127,7 @@ class Others(unittest.TestCase):
     def test_hard_blocks(self):
         metadata = os.path.join(DEVICE, "sce", "hardblocks", "sorrel.json")
         block = tq_hbs.readHardBlocks(metadata)[0]
-        self.assertEqual("gp0_wdata_hi[6]", block.findPin("M_AXI_GP0:WDATA[38]"))
+        self.assertEqual(["gp0_wdata_hi[6]"], block.findPins("M_AXI_GP0:WDATA[38]"))
         axi = block.getInterfaceByName("M_AXI_GP0")
         self.assertIs(axi, [i for i in block.interfaces if i.name == "M_AXI_GP0"][0])
         self.assertTrue({pin.direction for pin in block.pins} <= {"IN", "OUT", "INOUT"})

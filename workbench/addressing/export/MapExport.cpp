@@ -135,13 +135,6 @@ std::optional<MapFormat> mapFormatOf(std::string_view path) {
     return std::nullopt;
 }
 
-MapFormat mapFormatOrFail(std::string_view path) {
-    if (const auto format = mapFormatOf(path))
-        return *format;
-    throw InputError("can't tell the format of \"" + std::string(path) +
-                     "\" by its ending, expected one of: " + mapFormatEndings());
-}
-
 std::string mapFormatEndings() {
     std::string endings;
     for (const Format& format : kFormats)

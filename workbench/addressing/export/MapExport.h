@@ -25,9 +25,6 @@ enum class MapFormat {
 /// By the ending of a file's name; empty for any other.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::optional<MapFormat> mapFormatOf(std::string_view path);
 
-/// The same, but raises `InputError` with the known endings for any other.
-[[nodiscard]] TQ_WORKBENCH_EXPORT MapFormat mapFormatOrFail(std::string_view path);
-
 /// The endings as a list for people: ".h, .ld, …".
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string mapFormatEndings();
 
