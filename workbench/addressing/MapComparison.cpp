@@ -34,8 +34,10 @@ public:
 
     Content read() {
         const JsonNode& root = m_file.root();
-        for (const JsonNode& node : m_file.array(m_file.require(root, "blocks")))
-            m_content.blocks[text(node, "path")] = block(node);
+        for (const JsonNode& node : m_file.array(m_file.require(root, "blocks"))) {
+            const std::string path = text(node, "path");
+            m_content.blocks[path] = block(node);
+        }
         for (const JsonNode& space : m_file.array(m_file.require(root, "spaces")))
             for (const JsonNode& entry : m_file.array(m_file.require(space, "assigned"))) {
                 std::string& ranges =

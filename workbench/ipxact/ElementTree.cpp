@@ -469,14 +469,14 @@ std::pair<std::uint32_t, std::uint32_t> Element::position() const {
 std::shared_ptr<const ElementTree> ElementTree::read(const std::string& path) {
     base::FileContent content = input::readFile(path);
     if (!content.isWhole())
-        throw fileError(path, content.reason);
+        throw fileError(path, "can't be read: " + content.reason);
     return parse(path, std::move(content.text));
 }
 
 std::shared_ptr<const ElementTree> ElementTree::readHead(const std::string& path) {
     base::FileContent content = input::readFile(path);
     if (!content.isWhole())
-        throw fileError(path, content.reason);
+        throw fileError(path, "can't be read: " + content.reason);
     return parsePart(path, std::move(content.text), Part::Head);
 }
 
