@@ -3,6 +3,8 @@
 #include <exception>
 #include <iostream>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "host/Command.h"
 #include "tq_version.h"
@@ -44,11 +46,20 @@ void printMessage(const ComMsg& message) {
         std::cerr << tq::describe(tq::findingOf(message));
 }
 
-/// Whether the word that was given has a flag --json, and it was given too.
+/// `App::get_option_no_throw` would end the program where memory runs out: it allocates.
+bool hasJsonFlag(const CLI::App& word) {
+    for (const CLI::Option* option : word.get_options())
+        if (option->get_expected_max() == 0 && option->count() != 0 &&
+            option->get_lnames() == std::vector<std::string>{"json"})
+            return true;
+    return false;
+}
+
+/// Whether a word that was given, or one below it, has a flag --json, and it was given too.
 bool isJsonWanted(const CLI::App& app) {
     for (const CLI::App* word : app.get_subcommands())
-        if (const CLI::Option* json = word->get_option_no_throw("--json"))
-            return json->get_expected_max() == 0 && json->count() != 0;
+        if (hasJsonFlag(*word) || isJsonWanted(*word))
+            return true;
     return false;
 }
 
