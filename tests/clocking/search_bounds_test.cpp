@@ -535,9 +535,10 @@ TEST(SourceTable, LeavesOutNothingThatASumWithinTheCeilingNeeds) {
             if (static_cast<double>(sum) > limit)
                 continue;
             // The same, or one with the same sum before it.
-            const bool isThere = std::any_of(sums.begin(), sums.upper_bound(tuple), [&](auto& own) {
-                return own.first.muls == tuple.muls && own.second == sum;
-            });
+            const auto isSame = [&muls = tuple.muls, wanted = sum](const auto& own) {
+                return own.first.muls == muls && own.second == wanted;
+            };
+            const bool isThere = std::any_of(sums.begin(), sums.upper_bound(tuple), isSame);
             ASSERT_TRUE(isThere) << "round " << round;
         }
         for (const auto& [tuple, sum] : sums)
