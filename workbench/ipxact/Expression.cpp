@@ -19,10 +19,29 @@ constexpr Int128 kMost = (((Int128{1} << 126) - 1) << 1) + 1;
     throw ExpressionError(text);
 }
 
-Int128 fitting(Int128 number, bool overflows) {
-    if (overflows)
-        fail("a number has more than 127 bits");
-    return number;
+[[noreturn]] void failForSize() {
+    fail("a number has more than 127 bits");
+}
+
+Int128 sum(Int128 left, Int128 right) {
+    Int128 result = 0;
+    if (__builtin_add_overflow(left, right, &result))
+        failForSize();
+    return result;
+}
+
+Int128 difference(Int128 left, Int128 right) {
+    Int128 result = 0;
+    if (__builtin_sub_overflow(left, right, &result))
+        failForSize();
+    return result;
+}
+
+Int128 product(Int128 left, Int128 right) {
+    Int128 result = 0;
+    if (__builtin_mul_overflow(left, right, &result))
+        failForSize();
+    return result;
 }
 
 Int128 power(Int128 base, Int128 exponent) {
@@ -31,10 +50,10 @@ Int128 power(Int128 base, Int128 exponent) {
     Int128 result = 1;
     while (exponent != 0) {
         if (exponent % 2 != 0)
-            result = fitting(result, __builtin_mul_overflow(result, base, &result));
+            result = product(result, base);
         exponent /= 2;
         if (exponent != 0)
-            base = fitting(base, __builtin_mul_overflow(base, base, &base));
+            base = product(base, base);
     }
     return result;
 }
@@ -42,15 +61,16 @@ Int128 power(Int128 base, Int128 exponent) {
 Int128 shifted(Int128 number, Int128 count) {
     if (count < 0 || number < 0)
         fail("a shift of or by a negative number");
-    return number == 0 ? 0
-           : count > 126
-               ? fitting(0, true)
-               : fitting(number << static_cast<int>(count), number > (kMost >> int(count)));
+    if (number == 0)
+        return 0;
+    if (count > 126 || number > (kMost >> static_cast<int>(count)))
+        failForSize();
+    return number << static_cast<int>(count);
 }
 
 Int128 whole(double number) {
     if (!(std::fabs(number) < 1e38))
-        fail("a number has more than 127 bits");
+        failForSize();
     return static_cast<Int128>(number);
 }
 
@@ -70,8 +90,7 @@ Int128 digits(std::string_view text, unsigned base) {
             digit = static_cast<unsigned>(c - 'A') + 10;
         if (digit >= base)
             fail("\"" + std::string(text) + "\" isn't a number of base " + std::to_string(base));
-        fitting(0, __builtin_mul_overflow(number, Int128{base}, &number) ||
-                       __builtin_add_overflow(number, Int128{digit}, &number));
+        number = sum(product(number, Int128{base}), Int128{digit});
         isEmpty = false;
     }
     if (isEmpty)
@@ -201,20 +220,21 @@ Int128 bitResult(std::string_view op, Int128 left, Int128 right) {
         return left ^ right;
     if (op == "<<" || op == "<<<")
         return shifted(left, right);
-    if (op == ">>" || op == ">>>")
-        return right < 0 ? fitting(0, true)
-                         : left >> static_cast<int>(std::min<Int128>(right, 127));
+    if (op == ">>" || op == ">>>") {
+        if (right < 0)
+            fail("a shift of or by a negative number");
+        return left >> static_cast<int>(std::min<Int128>(right, 127));
+    }
     fail("\"" + std::string(op) + "\" isn't known");
 }
 
 Int128 integerResult(std::string_view op, Int128 left, Int128 right) {
-    Int128 result = 0;
     if (op == "+")
-        return fitting(0, __builtin_add_overflow(left, right, &result)) + result;
+        return sum(left, right);
     if (op == "-")
-        return fitting(0, __builtin_sub_overflow(left, right, &result)) + result;
+        return difference(left, right);
     if (op == "*")
-        return fitting(0, __builtin_mul_overflow(left, right, &result)) + result;
+        return product(left, right);
     if (op == "**")
         return power(left, right);
     if (op != "/" && op != "%")
