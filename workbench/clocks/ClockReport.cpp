@@ -54,6 +54,8 @@ solveAlone(const ClockTree& tree, const ClockTree::Peripheral& peripheral, float
     alone.domains = {{domainName, {{"PLL"}}}};
     const auto domain = std::find_if(tree.domains.begin(), tree.domains.end(),
                                      [&](const auto& d) { return d.name == peripheral.domain; });
+    if (domain == tree.domains.end()) // a tree that a script made
+        return std::nullopt;
     float& limitMhz = alone.domains.front().plls.front().maxMhz;
     limitMhz = 0.0F;
     for (const ClockTree::Pll& pll : domain->plls)
