@@ -31,17 +31,6 @@ private:
     Listening m_listening;
 };
 
-class OthersRun {
-public:
-    explicit OthersRun(Waiting& waiting) : m_waiting(waiting) { m_waiting.letOthersRun(); }
-    ~OthersRun() { m_waiting.stopOthers(); }
-    OthersRun(const OthersRun&) = delete;
-    OthersRun& operator=(const OthersRun&) = delete;
-
-private:
-    Waiting& m_waiting;
-};
-
 void callLocked(const Member& member, Call& call) {
     const auto held = Registry::get().lock();
     if (call.hasSelf())

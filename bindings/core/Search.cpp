@@ -60,18 +60,6 @@ private:
     ObjectRef m_root;
 };
 
-/// Lets the other threads of the language run for as long as it lives.
-class OthersRun {
-public:
-    explicit OthersRun(Waiting& waiting) : m_waiting(waiting) { m_waiting.letOthersRun(); }
-    ~OthersRun() { m_waiting.stopOthers(); }
-    OthersRun(const OthersRun&) = delete;
-    OthersRun& operator=(const OthersRun&) = delete;
-
-private:
-    Waiting& m_waiting;
-};
-
 /// Runs the work on a thread that takes no signals: they are for the thread that waits.
 class Worker {
 public:

@@ -24,6 +24,18 @@ public:
     [[nodiscard]] virtual bool isInterrupted() { return false; }
 };
 
+/// Lets the other threads of the language run for as long as it lives.
+class OthersRun {
+public:
+    explicit OthersRun(Waiting& waiting) : m_waiting(waiting) { m_waiting.letOthersRun(); }
+    ~OthersRun() { m_waiting.stopOthers(); }
+    OthersRun(const OthersRun&) = delete;
+    OthersRun& operator=(const OthersRun&) = delete;
+
+private:
+    Waiting& m_waiting;
+};
+
 /// Runs `work` for a clock tree, on a thread of its own, while the calling thread waits. Until it
 /// ends, the tree can't be used by others. Called without the lock of the registry. Raises what
 /// `work` raises; `ScriptError` for a tree that is gone or searched already, and for a
