@@ -100,7 +100,7 @@ public:
     createSubsystemInstance(const HABMBlock& definition, const HABMBlock& config);
 
     /// The same, and adds how each expression that isn't empty was decided to `decisions`, in the
-    /// order of deciding. What goes with a block that is switched off isn't decided.
+    /// order of deciding. Objects inside a block that is switched off have none.
     [[nodiscard]] static std::unique_ptr<HABMBlock>
     createSubsystemInstance(const HABMBlock& definition, const HABMBlock& config,
                             std::vector<HBSDecision>& decisions);

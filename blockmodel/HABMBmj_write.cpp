@@ -132,7 +132,7 @@ private:
                      owner);
         m_writer.EndObject();
     }
-    /// An array of the objects, unless there are none.
+    /// An array of the objects; writes nothing for an empty list.
     template <class Store>
     void store(std::string_view name, const Store& store) {
         if (store.size() == 0)

@@ -167,7 +167,7 @@ public:
         };
         return *this;
     }
-    /// Scripts may delete it; what they made themselves goes with its last handle.
+    /// Scripts may delete it; objects that they made are deleted with the last handle.
     Describe& deletable() {
         m_info.destroy = [](void* native) { delete static_cast<T*>(native); };
         return *this;

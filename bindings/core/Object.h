@@ -49,7 +49,7 @@ private:
 /// What only an object has that owns others, such as a clock tree.
 struct RootPart {
     void (*destroy)(void*) = nullptr; ///< null if scripts can't delete it
-    bool isOwned = false;             ///< whether it goes with its last handle
+    bool isOwned = false;             ///< deleted with its last handle
     bool isBusy = false;              ///< in a search on some thread
     bool isConst = false;             ///< shared with the library: it mustn't be changed
     std::vector<ObjectRef> needs;     ///< roots that must outlive it

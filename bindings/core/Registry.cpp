@@ -233,7 +233,8 @@ void Registry::unlink(Object& object) noexcept {
         object.nextMember->previousMember = object.previousMember;
 }
 
-/// The last holder has let go. Handles of members keep their root, so that there are none left.
+/// The last holder has let go. Handles of members keep their root alive, so no such handle is left
+/// here.
 void Registry::drop(Object* object) noexcept {
     const std::unique_ptr<Object> owner(object);
     const std::unique_ptr<RootPart> part(object->part);

@@ -34,8 +34,8 @@ public:
 
     /// The handle of an object that `root` owns, or that is a root itself if `root` is null.
     [[nodiscard]] ObjectRef wrap(const ClassInfo& type, void* native, Object* root);
-    /// The handle of a new root that goes with its last handle. `needs` must outlive it: where one
-    /// of them dies first, so does this one.
+    /// The handle of a new root, which is deleted with its last handle. `needs` must outlive it:
+    /// where one of them dies first, so does this one.
     [[nodiscard]] ObjectRef adopt(const ClassInfo& type, void* native,
                                   std::vector<ObjectRef> needs = {});
     /// The handle of that number, if somebody holds it and it was named.
@@ -52,7 +52,8 @@ public:
     /// Enters a script object into the library's tables, and takes it out again.
     void bindScript(Object& object, void* script, bool isPython);
     void unbindScript(Object& object, void* script, bool isPython) noexcept;
-    /// The object that a table's script object stands for is dying. False if it is none of ours.
+    /// The object that a table's script object stands for is dying. False if it isn't from this
+    /// registry.
     bool markGone(void* script) noexcept;
 
     /// How many handles there are.

@@ -415,11 +415,11 @@ bool addClass(PyObject* module, const ClassInfo& info) {
         g_firstClass = &info;
     std::vector<PyType_Slot> slots = slotsOf(info);
     const unsigned creation = info.constructor ? 0U : Py_TPFLAGS_DISALLOW_INSTANTIATION;
-    PyType_Spec spec = {
+    PyType_Spec description = {
         keep("tq_hbs." + info.name), sizeof(Handle), 0,
         static_cast<unsigned>(Py_TPFLAGS_DEFAULT | Py_TPFLAGS_IMMUTABLETYPE | creation),
         slots.data()};
-    PyObject* const type = PyType_FromSpec(&spec);
+    PyObject* const type = PyType_FromSpec(&description);
     if (type == nullptr || PyModule_AddObjectRef(module, info.name.c_str(), type) != 0)
         return false;
     info.pythonType = type;

@@ -1,8 +1,8 @@
 // The record lows of a search whose combinations are divided into chunks.
 //
 // Each chunk of the enumeration has a winner of its own, the end of the chain of its sums (see
-// `NearMinimum`); of the chunks' winners the smallest wins, the earliest chunk among equals. One
-// pass over all combinations, in any order and by any number of threads, collects what decides
+// `NearMinimum`); the smallest of the chunks' winners is the result, of equal ones the earliest.
+// One pass over all combinations, in any order and by any number of threads, collects what decides
 // this, since a sum goes to the chunk that its place lies in.
 //
 // A chunk whose smallest sum lies above the smallest of all, m, by more than twice the margin can't

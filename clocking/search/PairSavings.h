@@ -1,5 +1,5 @@
 // What the settings of the two PLLs of one domain save together, where not every multiplier of the
-// one goes with every multiplier of the other.
+// one can be combined with every multiplier of the other.
 #pragma once
 
 #include <algorithm>
