@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "ComMsgMgr.h"
@@ -31,7 +32,9 @@ HUTFile definitionFile(const std::string& name) {
     return HUTFile(hbs_addressing::hardblockFile(directory, name, ".bmj"));
 }
 
-/// Reads a definition and merges the definitions of its stubs into it, recursively.
+/// Reads a definition and merges the definitions of its stubs into it. Each is merged where it will
+/// stay before its own stubs are looked at: merging finished trees would copy the innermost block
+/// once for every level around it.
 class Expansion {
 public:
     explicit Expansion(const tq::DiagnosticSink& sink) : m_sink(sink) {}
@@ -39,24 +42,15 @@ public:
     /// Empty if the definition can't be read.
     std::unique_ptr<HABMBlock> expand(const std::string& vlnv) {
         const std::optional<std::string> name = parseHardblockName(vlnv);
-        return name ? expandNamed(*name) : nullptr;
-    }
-
-private:
-    std::unique_ptr<HABMBlock> expandNamed(const std::string& name) {
-        ++m_expanded;
-        std::unique_ptr<HABMBlock> top = read(name);
-        if (!top)
-            return top;
-        m_names.push_back(name);
-        for (HABMBlock* subBlock : top->getSubBlocks())
-            if (subBlock->isBlockStub())
-                mergeStub(*top, *subBlock);
-        m_names.pop_back();
+        std::unique_ptr<HABMBlock> top = name ? read(*name) : nullptr;
+        if (top)
+            expandStubsOf(*top, *name);
         return top;
     }
 
+private:
     [[nodiscard]] std::unique_ptr<HABMBlock> read(const std::string& name) {
+        ++m_read;
         if (!m_sink)
             return HABMBlock::readTopBlock(definitionFile(name));
         if (m_unreadable.contains(name))
@@ -67,49 +61,69 @@ private:
         return top;
     }
 
-    /// Empty, so that the stub stays, if its definition can't be read, is being expanded around it,
-    /// or is beyond a bound.
-    std::unique_ptr<HABMBlock> expandStub(const std::string& vlnv, const std::string& path) {
-        const std::optional<std::string> name = parseHardblockName(vlnv);
-        if (!name || std::find(m_names.begin(), m_names.end(), *name) != m_names.end())
-            return nullptr;
-        if (m_names.size() < kMostNested && m_expanded < kMostExpanded)
-            return expandNamed(*name);
-        if (!m_isBoundReported)
-            sendUnmerged(vlnv, path);
-        m_isBoundReported = true;
-        return nullptr;
+    void expandStubsOf(HABMBlock& block, const std::string& name) {
+        m_names.push_back(name);
+        for (HABMBlock* subBlock : block.getSubBlocks())
+            if (subBlock->isBlockStub())
+                expandStub(*subBlock);
+        m_names.pop_back();
     }
 
-    void mergeStub(HABMBlock& top, HABMBlock& stub) {
-        // Copies, as the merge replaces what the stub has.
+    /// The stub stays if its definition can't be read, is being expanded around it, or is beyond a
+    /// bound.
+    void expandStub(HABMBlock& stub) {
+        // A copy, as the merge replaces what the stub has.
         const std::string vlnv = stub.getModuleVlnv();
-        const std::string path = stub.getInstancePath();
-        const std::unique_ptr<HABMBlock> child = expandStub(vlnv, path);
-        if (!child)
+        const std::optional<std::string> name = parseHardblockName(vlnv);
+        if (!name || std::find(m_names.begin(), m_names.end(), *name) != m_names.end())
             return;
+        if (m_read >= kMostRead) {
+            if (!std::exchange(m_isBoundReported, true))
+                reportUnmerged(vlnv, stub,
+                               "more than " + std::to_string(kMostRead) +
+                                   " definitions are needed");
+        } else if (const std::unique_ptr<HABMBlock> child = read(*name)) {
+            if (merge(*child, stub))
+                expandStubsOf(stub, *name);
+            else
+                reportUnmerged(vlnv, stub,
+                               "the blocks would be nested deeper than " +
+                                   std::to_string(HABMBlock::kMostLevels) + " levels");
+        }
+    }
+
+    static bool merge(const HABMBlock& child, HABMBlock& stub) {
         const std::string enablement = stub.getEnablement();
         const HABMAddrValue baseAddress = stub.getBaseAddress();
-        if (!HABMBlock::mergeTopBlock(top, path, *child, true))
-            sendUnmerged(vlnv, path);
+        const bool isMerged =
+            HABMBlock::mergeTopBlock(*stub.getTopBlock(), stub.getInstancePath(), child, true);
         // The surrounding definition decides whether and where its sub-block exists.
         stub.setEnablement(enablement);
         stub.setBaseAddress(baseAddress);
+        return isMerged;
     }
 
-    static void sendUnmerged(const std::string& vlnv, const std::string& path) {
-        ComMsgMgr::sendMsg::eval(2, __FILE__, __LINE__, "hbs", kMask, "@91-44@%s%s", vlnv, path);
+    /// The stub's path is that in the definition which holds it.
+    void reportUnmerged(const std::string& vlnv, const HABMBlock& stub, const std::string& reason) {
+        const std::string path = "/" + stub.getInstanceName();
+        if (!m_sink)
+            return ComMsgMgr::sendMsg::eval(2, __FILE__, __LINE__, "hbs", kMask, "@91-44@%s%s",
+                                            vlnv, path);
+        m_sink(tq::makeDiagnostic(tq::Severity::Error, "beyond-bound",
+                                  tq::placeOfFile(definitionFile(m_names.back()).getFullPath()),
+                                  "the definition \"" + vlnv + "\" is left out of \"" + path +
+                                      "\": " + reason));
     }
 
-    // Bounds for hostile data: a chain must not use up the stack, nor a fan of stubs the memory.
-    static constexpr std::size_t kMostNested = 2000;
-    static constexpr std::size_t kMostExpanded = 65536;
+    // Bound for hostile data: a fan of stubs must not use up the memory. `HABMBlock::kMostLevels`
+    // bounds how deep they nest.
+    static constexpr std::size_t kMostRead = 65536;
 
     const tq::DiagnosticSink& m_sink;
     std::set<std::string> m_unreadable; ///< that the sink was told of, once for all their stubs
-    std::size_t m_expanded = 0;
+    std::size_t m_read = 0;
     bool m_isBoundReported = false;   ///< once for all the stubs beyond it
-    std::vector<std::string> m_names; ///< the hard blocks around the one being expanded
+    std::vector<std::string> m_names; ///< the hard blocks around the stub being expanded
 };
 
 void writeDebugDefinition(const HABMBlock& block) {

@@ -78,12 +78,13 @@ public:
     /// no message, if its definition can't be read or is being expanded around it: a ring of
     /// definitions ends there. A stub that can't be merged sends "@91-44@%s%s" with its VLNV and
     /// path: one whose content would be nested deeper than `HABMBlock::kMostLevels`, and, once per
-    /// call, the first that is nested below 2,000 others or follows 65,536 definitions.
+    /// call, the first that follows 65,536 definitions.
     [[nodiscard]] static const HABMBlock* createSubsystemDefinition(const std::string& vlnv,
                                                                     const std::string& context);
 
     /// The same, but a file that is there and can't be used is told to the sink, with the place in
-    /// it, and sends no message. A definition that is cached already has no findings.
+    /// it, and so is a stub that can't be merged, as "beyond-bound"; neither sends a message. A
+    /// definition that is cached already has no findings.
     [[nodiscard]] static const HABMBlock* createSubsystemDefinition(const std::string& vlnv,
                                                                     const std::string& context,
                                                                     const tq::DiagnosticSink& sink);

@@ -48,12 +48,17 @@ bool isPlainBracketedWord(std::string_view text) {
 }
 
 std::string quotePath(const std::string& path) {
-    if (isPlainBracketedWord(path) && path.find_first_of("{}") == std::string::npos)
+    if (isPlainBracketedWord(path) && path.find_first_of("{}") == std::string::npos &&
+        std::all_of(path.begin(), path.end(), [](char c) { return c > 0; }))
         return path;
-    const char* const word = path.c_str();
+    // Tcl turns its text into the system's encoding to open the file, which is the locale's: in the
+    // locale "C" the bytes of a name in UTF-8 would become others.
+    Tcl_DString text;
+    const char* const word = Tcl_ExternalToUtfDString(nullptr, path.c_str(), -1, &text);
     char* const list = Tcl_Merge(1, &word);
     std::string quoted = list;
     Tcl_Free(list);
+    Tcl_DStringFree(&text);
     return quoted;
 }
 

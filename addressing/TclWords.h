@@ -15,7 +15,8 @@ namespace hbs_addressing {
 /// The same for a word inside of a command substitution, which a "]" would end.
 [[nodiscard]] bool isPlainBracketedWord(std::string_view text);
 
-/// A path as one word of a script, also in brackets or braces; quoted if that is needed.
+/// A path as one word of a script, also in brackets or braces; quoted if that is needed. Names a
+/// file of these very bytes if they are text in Tcl's system encoding.
 [[nodiscard]] std::string quotePath(const std::string& path);
 
 /// Why the script "expr {TEXT}" must not be run, or the empty text if it may:

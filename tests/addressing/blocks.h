@@ -74,8 +74,8 @@ inline void setRegister(HABMBlock& parent, const std::string& name, const std::s
     block.createRegister(name)->setValue(HABMAddrValue(value));
 }
 
-/// The tool's data area of this test program, with a blank in its path. Made before the first test,
-/// as the library looks it up once.
+/// The tool's data area of this test program, with all in its path that means something to Tcl.
+/// Made before the first test, as the library looks it up once.
 class DataArea {
 public:
     DataArea() {
@@ -91,6 +91,11 @@ public:
         ASSERT_TRUE(HABMBlock::writeTopBlock(HUTFile(path), block, true));
     }
 
+    /// The same for the text of a file, which isn't flushed to the disk.
+    void publishText(const std::string& name, const std::string& text) const {
+        m_folder.write(file(name, ".bmj"), text);
+    }
+
     void publishScript(const std::string& name, const std::string& script) const {
         m_folder.write(file(name, ".tcl"), script);
     }
@@ -104,7 +109,7 @@ private:
         return std::string(kArea) + "/mirrel/hardblocks/" + name + "/" + name + extension;
     }
 
-    static constexpr const char* kArea = "data area";
+    static constexpr const char* kArea = "data [exit] {area} }{ $x \"q\" ;#\\ \u00E4\u20AC";
 
     support::TempDir m_folder;
 };

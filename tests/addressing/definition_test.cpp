@@ -108,6 +108,38 @@ TEST(Definitions, ReportAStubThatCantBeMergedAndGoOn) {
     EXPECT_FALSE(whole->getSubBlock("small0")->isBlockStub());
 }
 
+/// A chain of definitions, each with one stub for the next.
+TEST(Definitions, KeepTheOuterLevelsOfAChainThatIsTooLong) {
+    const auto name = [](int i) { return "link" + std::to_string(i); };
+    for (int i = 0; i < HABMBlock::kMostLevels + 50; ++i) {
+        blocks::data.publishText(
+            name(i), R"({"format":"tq block model","version":1,"block":{"module":")" + name(i) +
+                         R"(","vlnv":")" + blocks::vlnv(name(i)) +
+                         R"(","interface_connections":[{"name":"c","source":"/S","target":"/n/S"}])"
+                         R"(,"blocks":[{"instance":"n","vlnv":")" +
+                         blocks::vlnv(name(i + 1)) + R"(","stub":true}]}})");
+    }
+    const support::CapturedMessages messages;
+    tq::DiagnosticList findings;
+    const HABMBlock* block = definition(name(0));
+    ASSERT_NE(nullptr, HBSAddressing::createSubsystemDefinition(blocks::vlnv(name(0)), "told",
+                                                                findings.sink()));
+    const std::string last = blocks::vlnv(name(HABMBlock::kMostLevels - 1));
+    EXPECT_EQ((std::vector<std::string>{"@91-44@%s%s|" + last + "|/n"}), messages.lines());
+    ASSERT_EQ(1U, findings.count(tq::Severity::Error));
+    EXPECT_EQ("beyond-bound", findings.all()[0].id);
+    EXPECT_NE(std::string::npos, findings.all()[0].text.find("deeper than 512 levels"));
+    EXPECT_NE(std::string::npos, findings.all()[0].place.file.find("link510.bmj"));
+
+    int levels = 1;
+    std::string inner;
+    for (; !block->isBlockStub(); block = block->getSubBlocks().at(0), ++levels)
+        inner = block->getInterfaceConnections().at(0)->getTargetPath();
+    EXPECT_EQ(HABMBlock::kMostLevels, levels);
+    EXPECT_EQ(block->getInstancePath() + "/S", inner);
+    EXPECT_EQ(last, block->getModuleVlnv());
+}
+
 TEST(Definitions, BeyondTheirNumberAreReportedOnce) {
     const int tooMany = 66000;
     const auto fan = blocks::top("fan");

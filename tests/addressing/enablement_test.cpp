@@ -184,6 +184,17 @@ TEST(ScriptPaths, MayHoldAnyCharacter) {
     }
 }
 
+/// Tcl's encoding is that of the locale, and paths are bytes.
+TEST(ScriptPaths, AreTheSameBytesInEachLocale) {
+    const support::TempDir folder;
+    for (const char* encoding : {"utf-8", "iso8859-1"}) {
+        const TclInterpreter tcl;
+        ASSERT_EQ(TCL_OK, Tcl_SetSystemEncoding(tcl.get(), encoding));
+        evalHelper(tcl.get(), folder.write("\u00E4 \u20AC", "set ::seen 1; set command list"));
+        EXPECT_EQ("1", value(tcl, "set ::seen")) << encoding;
+    }
+}
+
 TEST(HostileExpressions, RunNoCommandBehindTheirEnd) {
     const auto block = blocks::top("hostile");
     blocks::setRegister(blocks::sub(*block, "u0"), "R", "0x1");
