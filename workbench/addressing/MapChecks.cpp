@@ -265,14 +265,35 @@ private:
 
     // --- overlaps ---
 
+    /// Each region with all before it that reach into it. Beyond the bound only with the one that
+    /// reaches furthest, so that no region that overlaps goes untold.
     void checkOverlaps(const AddressViews::View& view) {
+        std::vector<const Interval*> open;
         const Interval* furthest = nullptr;
         for (const Interval& region : view.regions.all()) {
             if (furthest != nullptr && !(furthest->last < region.first))
                 tellOverlap(view, *furthest, region);
+            std::erase_if(open,
+                          [&](const Interval* before) { return before->last < region.first; });
+            for (const Interval* const before : open)
+                if (before != furthest && m_pairsLeft != 0) {
+                    --m_pairsLeft;
+                    tellOverlap(view, *before, region);
+                }
+            if (m_pairsLeft != 0)
+                open.push_back(&region);
+            else
+                tellCut(open);
             if (furthest == nullptr || furthest->last < region.last)
                 furthest = &region;
         }
+    }
+
+    void tellCut(std::vector<const Interval*>& open) {
+        open.clear();
+        if (!std::exchange(m_isCutTold, true))
+            tell(Severity::Error, "more-overlaps", m_checked.instance.getModuleName(), {},
+                 "there are so many overlaps that not every pair is listed");
     }
 
     void tellOverlap(const AddressViews::View& view, const Interval& a, const Interval& b) {
@@ -331,6 +352,9 @@ private:
     std::map<std::string, std::unique_ptr<HABMBlock>> m_read; ///< definitions, by name
     std::unordered_set<std::string> m_checkedBlocks;
     std::set<std::pair<const AddressMap::Block*, const AddressMap::Block*>> m_toldPairs;
+    /// Overlaps of all views that are still told beside those with the furthest region.
+    std::size_t m_pairsLeft = 100000;
+    bool m_isCutTold = false;
 };
 
 } // namespace

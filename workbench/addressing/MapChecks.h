@@ -31,6 +31,7 @@ struct CheckedMap {
 /// | kind | severity | what is wrong |
 /// |---|---|---|
 /// | overlap:A/B | error | an initiator sees two blocks at one address |
+/// | more-overlaps:SUBSYSTEM | error | not every overlap is listed |
 /// | assigned-twice:BLOCK | error | two assigns put a block over itself |
 /// | outside-segment:ASSIGN | error | an assign isn't within its segment |
 /// | outside-space:NAME | error | an assign or a segment isn't within its address space |
@@ -47,10 +48,11 @@ struct CheckedMap {
 /// | recursive-definition:BLOCK | error | a definition contains itself |
 /// | other-version:BLOCK | error | a definition was found under another VLNV than asked |
 ///
-/// The names in an overlap are those at which the two paths differ: "overlap:uart0/uart1". A
-/// register that is only read and one that is only written may share an address. Overlaps are told
-/// once for each pair of blocks, assigns or registers, each with the one before it that reaches the
-/// furthest, so that the findings are linear in the map. The time is that of sorting.
+/// The names in an overlap are those at which the two paths differ: "overlap:uart0/uart1". Every
+/// pair of blocks that overlap is told once, up to 100,000 overlaps that initiators see; beyond
+/// these each block only with the one before it that reaches the furthest. A register is told once,
+/// with the one before it that reaches the furthest. One that is only read and one that is only
+/// written may share an address. The time is that of sorting, and of the pairs.
 TQ_WORKBENCH_EXPORT void checkMap(const CheckedMap& checked, const DiagnosticSink& sink);
 
 /// Takes the findings that a user doesn't want to see out of a stream of them.
