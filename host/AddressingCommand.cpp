@@ -105,7 +105,8 @@ void writeFiles(const Options& options, const tq::ConfiguredMap& map,
     if (!options.map.empty())
         write(options.map, tq::addressMapJson(map.map(), options.hasRegisters));
     for (const std::string& path : options.exports)
-        write(path, tq::exportMapAs(path, tq::mapModelOf(map.map(), name, true, sink), sink));
+        write(path, tq::exportMapAs(
+                        path, tq::mapModelOf(map.map(), name, options.hasRegisters, sink), sink));
 }
 
 std::vector<tq::MapMatch> matchesOf(const Options& options, const tq::ConfiguredMap& map) {
@@ -235,7 +236,7 @@ void declareAddressing(CLI::App& app, int& status) {
     word->add_flag("--json", options->isJson, "Prints the map or the answers as JSON");
     word->add_option("--report", options->report,
                      "Writes the addressing report to a file, or - for the output");
-    word->add_flag("--registers", options->hasRegisters, "Shows each register of the map");
+    word->add_flag("--registers", options->hasRegisters, "Shows each register, in exports too");
     word->add_flag("--check", options->isCheck, "Lists what is wrong; ends with 1 for an error");
     word->add_option("--allow", options->allowed, "Leaves out a finding: KIND or KIND:NAME")
         ->allow_extra_args(false);

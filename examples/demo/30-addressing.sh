@@ -11,9 +11,9 @@ for config in linux bare_metal; do
     echo
 done
 
-echo "\$ hbs addressing $block --data $device --config $device/config_linux.json --export build/demo/linux.h --export build/demo/linux.dts"
+echo "\$ hbs addressing $block --data $device --config $device/config_linux.json --registers --export build/demo/linux.h --export build/demo/linux.dts"
 hbs addressing "$block" --data "$device" --config "$device/config_linux.json" \
-    --export build/demo/linux.h --export build/demo/linux.dts >/dev/null
+    --registers --export build/demo/linux.h --export build/demo/linux.dts >/dev/null
 grep UART0_REGS_UART_BAUD build/demo/linux.h
 echo
 

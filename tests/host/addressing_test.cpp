@@ -267,7 +267,14 @@ TEST(AddressingWord, AnswersWhatLiesWhereAndWhy) {
               "/examples/device/config_linux.json:5:31\n",
               addressing(sampleConfig("linux") + " --why uart1").output);
     EXPECT_THAT(addressing("--why uart1").output, HasSubstr("its reset, "));
-    EXPECT_THAT(addressing("--why eth0").output, HasSubstr("eth0 is off: 0 is false\n"));
+    EXPECT_THAT(addressing("--why eth0").output,
+                testing::MatchesRegex("eth0 is off: 0 is false\n.*computed by the script "
+                                      "[^\n]*/sorrel_eth/sorrel_eth.tcl\n"
+                                      "eth0/sorrel_eth/regs/ETH_CTRL is 0x0, from its reset,.*"));
+    const auto script = addressing(sampleConfig("bare_metal") + " --why cpu1 --json");
+    EXPECT_THAT(script.output, HasSubstr("sorrel_cpu.tcl\"\n"));
+    EXPECT_THAT(script.output, HasSubstr("/CPU_CFG\""));
+    EXPECT_THAT(script.output, HasSubstr("config_bare_metal.json:"));
     EXPECT_THAT(addressing("--why uart9").error, HasSubstr("did you mean \"uart0\"?"));
 }
 
@@ -311,6 +318,19 @@ TEST(AddressingWord, ShowsRegistersAtAbsoluteAddresses) {
     const auto json = addressing("--registers --json");
     EXPECT_THAT(json.output, HasSubstr("\"address\": \"0xFF010018\""));
     EXPECT_THAT(json.output, HasSubstr("\"findings\": ["));
+    EXPECT_THAT(addressing("--json").output, Not(HasSubstr("UART_BAUD")));
+    const support::TempDir out;
+    for (const char* ending : {".h", ".ld", ".dts", ".rdl", ".svd", ".csv", ".md"}) {
+        const std::string with = out.file(std::string("with") + ending);
+        const std::string without = out.file(std::string("without") + ending);
+        EXPECT_EQ(0, addressing("--registers --export " + with).status);
+        EXPECT_EQ(0, addressing("--export " + without).status);
+        // A devicetree describes devices, not their registers.
+        EXPECT_EQ(ending != std::string(".dts"),
+                  support::readFile(with).find("BAUD") != std::string::npos)
+            << ending;
+        EXPECT_THAT(support::readFile(without), Not(HasSubstr("BAUD"))) << ending;
+    }
 }
 
 TEST(AddressingWord, SaysWhatIsMissing) {

@@ -4,8 +4,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
+#include "base/FileReading.h"
 #include "diagnostics/NearestName.h"
 #include "workbench/addressing/DefinitionPlaces.h"
 
@@ -162,7 +165,8 @@ private:
     }
 
     /// The registers that an expression names, as `register_value(NAME)` or as a variable of a
-    /// block, `$::block::NAME`.
+    /// block, `$::block::NAME`, and those that the scripts name which make its other variables and
+    /// commands.
     void addRegisters(const HBSDecision& decision) {
         const std::string_view text = decision.expression;
         constexpr std::string_view kCall = "register_value(";
@@ -170,21 +174,59 @@ private:
              at = text.find(kCall, at + 1)) {
             std::size_t start = at + kCall.size();
             start = std::min(text.find_first_not_of(" \t", start), text.size());
-            addRegister(decision.path.substr(0, decision.path.find('/', 1)),
+            addRegister(HABMPath::findBlock(m_map.definition(),
+                                            decision.path.substr(0, decision.path.find('/', 1))),
                         std::string(text.substr(start, text.find(')', start) - start)));
         }
-        for (std::size_t at = text.find("$::"); at != std::string_view::npos;
-             at = text.find("$::", at + 1)) {
-            std::size_t end = at + 1;
-            while (end < text.size() && (isWord(text[end]) || text[end] == ':'))
+        for (std::size_t at = text.find("::"), end = 0; at != std::string_view::npos;
+             at = text.find("::", end)) {
+            for (end = at; end < text.size() && (isWord(text[end]) || text[end] == ':');)
                 ++end;
-            std::string name(text.substr(at + 1, end - at - 1));
-            for (std::size_t colons = name.find("::"); colons != std::string::npos;
-                 colons = name.find("::"))
-                name.replace(colons, 2, "/");
-            const std::size_t last = name.rfind('/');
-            addRegister(name.substr(0, last), name.substr(last + 1));
+            addNamed(std::string(text.substr(at, end - at)));
         }
+    }
+
+    /// A name such as "::block::NAME".
+    void addNamed(std::string name) {
+        for (std::size_t colons = name.find("::"); colons != std::string::npos;
+             colons = name.find("::"))
+            name.replace(colons, 2, "/");
+        const std::size_t last = name.rfind('/');
+        const HABMBlock* const block =
+            last == std::string::npos
+                ? nullptr
+                : HABMPath::findBlock(m_map.definition(), name.substr(0, last));
+        if (block != nullptr && !addRegister(block, name.substr(last + 1)))
+            addScript(*block);
+    }
+
+    void addScript(const HABMBlock& block) {
+        const std::string name = definitionNameOf(block);
+        const std::string file = m_map.hardblocks() + "/" + name + "/" + name + ".tcl";
+        constexpr std::size_t kMostBytes = std::size_t{1} << 20;
+        const base::FileContent script = base::readFile(file, kMostBytes);
+        if (!script.isWhole())
+            return;
+        if (std::find(m_reason.scripts.begin(), m_reason.scripts.end(), file) ==
+            m_reason.scripts.end())
+            m_reason.scripts.push_back(file);
+        const std::unordered_set<std::string_view> words = wordsOf(script.text);
+        for (const HABMRegister* const reg :
+             block.findRegisters(block.getInstancePath() + "*", false))
+            if (words.contains(reg->getName()))
+                addRegister(&block, reg->getName());
+    }
+
+    static std::unordered_set<std::string_view> wordsOf(std::string_view text) {
+        std::unordered_set<std::string_view> words;
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t start = at;
+            while (at < text.size() && isWord(text[at]))
+                ++at;
+            words.insert(text.substr(start, at - start));
+            at += at == start ? 1 : 0;
+        }
+        return words;
     }
 
     static bool isWord(char c) {
@@ -192,13 +234,15 @@ private:
                c == '_';
     }
 
-    void addRegister(const std::string& blockPath, const std::string& name) {
-        const HABMBlock* const block = HABMPath::findBlock(m_map.definition(), blockPath);
+    /// False if the block has no such register.
+    bool addRegister(const HABMBlock* block, const std::string& name) {
         const HABMRegister* const reg =
             block == nullptr ? nullptr : block->findRegister(name, true);
         if (reg == nullptr)
-            return;
+            return false;
         const std::string path = reg->getPath();
+        if (!m_named.insert(path).second)
+            return true;
         const Place given = m_map.config().placeOfRegister(path);
         if (!given.file.empty())
             m_reason.registers.push_back({path.substr(1), configValue(path), textOf(given)});
@@ -207,6 +251,7 @@ private:
         else
             m_reason.registers.push_back({path.substr(1), reg->getValue(),
                                           "its reset, " + textOf(m_places.of(*reg, "reset"))});
+        return true;
     }
 
     [[nodiscard]] HABMAddrValue configValue(const std::string& path) const {
@@ -236,6 +281,7 @@ private:
 
     const ConfiguredMap& m_map;
     DefinitionPlaces m_places;
+    std::unordered_set<std::string> m_named; ///< registers that the reason has
     MapReason m_reason;
 };
 

@@ -49,6 +49,10 @@ struct TQ_WORKBENCH_EXPORT MapReason {
     bool isOn = true;
     std::string text;       ///< "(0x0 & 0x1) == 1 is false"
     std::string expression; ///< as the definition has it; empty if there is none
+    /// Files that make variables or commands of the expression.
+    std::vector<std::string> scripts;
+    /// Those that the expression names, and those of a block that its script names: which of the
+    /// latter decide isn't known.
     std::vector<Register> registers;
 };
 
@@ -72,7 +76,7 @@ struct TQ_WORKBENCH_EXPORT MapAnswers {
 /// One JSON object with "findings" (objects with "id", "kind", "severity", "file", "line",
 /// "column", "text", "expected"), "matches" (objects with "from", "space", "block", "register",
 /// "address", "offset", "block_offset", "width", "access", "reset", "value", "assign" and "way")
-/// and "why" (an object with "path", "on", "reason", "condition" and "registers").
+/// and "why" (an object with "path", "on", "reason", "condition", "scripts" and "registers").
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string mapAnswersJson(const ConfiguredMap& map,
                                                              const MapAnswers& answers);
 

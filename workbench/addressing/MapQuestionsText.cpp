@@ -91,6 +91,10 @@ void write(JsonWriter& json, const MapReason& reason) {
     json.member("on", reason.isOn);
     json.member("reason", reason.text);
     json.member("condition", reason.expression);
+    json.beginArray("scripts");
+    for (const std::string& script : reason.scripts)
+        json.value(script);
+    json.endArray();
     json.beginArray("registers");
     for (const MapReason::Register& reg : reason.registers) {
         json.beginObject();
@@ -147,6 +151,8 @@ void printReason(std::ostream& out, const MapReason& reason) {
         << printable(reason.text) << '\n';
     if (!reason.expression.empty())
         out << "condition: " << printable(reason.expression) << '\n';
+    for (const std::string& script : reason.scripts)
+        out << "computed by the script " << printable(script) << '\n';
     for (const MapReason::Register& reg : reason.registers)
         out << printable(reg.path) << " is " << hex(reg.value) << ", from " << printable(reg.source)
             << '\n';
