@@ -7,6 +7,8 @@
 #include <map>
 #include <set>
 
+#include "clocking/SearchInterruption.h"
+
 namespace tq {
 
 namespace {
@@ -176,6 +178,7 @@ private:
     }
 
     [[nodiscard]] bool isMet(const ClockTree& tree, float* tolerance = nullptr) {
+        hbs_clocking::SearchInterruption::raiseIfRequested();
         ++m_result.solves;
         const ClockRun run = runClockTree(tree, {}, &m_texts);
         if (tolerance != nullptr)

@@ -41,7 +41,8 @@ struct ClockConflicts {
 ///
 /// Method: QuickXplain finds a minimal set by deletion, halves at a time (about
 /// k × log2(n ÷ k) + k runs for k of n requests); a hitting-set tree over the sets found leads to
-/// the others, breadth first.
+/// the others, breadth first. Raises `SearchInterrupted` when interrupted
+/// (clocking/SearchInterruption.h).
 [[nodiscard]] TQ_WORKBENCH_EXPORT ClockConflicts findClockConflicts(const ClockTree& tree,
                                                                     std::size_t most = 10);
 

@@ -38,9 +38,9 @@ struct ClockReport {
 
         /// The error in parts per million, without its sign. 0 for a request of 0 and for the
         /// largest divider, which counts as a perfect match.
-        [[nodiscard]] double countedPpm() const;
+        [[nodiscard]] TQ_WORKBENCH_EXPORT double countedPpm() const;
         /// Whether the error is larger than the allowed one.
-        [[nodiscard]] bool isBeyondAllowed() const;
+        [[nodiscard]] TQ_WORKBENCH_EXPORT bool isBeyondAllowed() const;
     };
     /// Requests that can't be met together, and what becomes of the others without each.
     struct Conflict {

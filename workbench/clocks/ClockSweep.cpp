@@ -4,6 +4,7 @@
 #include <cmath>
 #include <ostream>
 
+#include "clocking/SearchInterruption.h"
 #include "workbench/clocks/ClockNames.h"
 #include "workbench/clocks/ClockReport.h"
 #include "workbench/clocks/ClockRun.h"
@@ -174,6 +175,7 @@ std::vector<SweepPoint> runClockSweep(const ClockTree& tree, const ClockSweep& s
     std::vector<SweepPoint> points;
     ClockTree changed = tree;
     for (const double value : sweep.values) {
+        hbs_clocking::SearchInterruption::raiseIfRequested();
         apply(sweep, value, changed);
         points.push_back(solvePoint(changed, value, texts));
     }

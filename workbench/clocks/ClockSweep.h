@@ -37,7 +37,8 @@ struct SweepPoint {
     std::string worst; ///< the peripheral of the largest error
 };
 
-/// One point for each value. Each is the answer of its own tree, whatever was solved before.
+/// One point for each value. Each is the answer of its own tree, whatever was solved before. Raises
+/// `SearchInterrupted` when interrupted (clocking/SearchInterruption.h).
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::vector<SweepPoint> runClockSweep(const ClockTree& tree,
                                                                         const ClockSweep& sweep);
 
