@@ -5,84 +5,10 @@
 
 #include "HUTFile.h"
 #include "bindings/core/Describe.h"
+#include "bindings/interface/BlockParts.h"
 #include "bindings/interface/Parts.h"
-#include "blockmodel/HABM.h"
 
 namespace tq::bindings {
-
-// --- texts of the model's enumerations ---
-
-template <>
-struct TextsOf<HABMPort::PortType> {
-    static constexpr std::array table = {std::pair{HABMPort::PortType::Wire, "wire"},
-                                         std::pair{HABMPort::PortType::Vector, "vector"}};
-};
-template <>
-struct TextsOf<HABMPort::PortDirection> {
-    static constexpr std::array table = {std::pair{HABMPort::PortDirection::In, "in"},
-                                         std::pair{HABMPort::PortDirection::Out, "out"},
-                                         std::pair{HABMPort::PortDirection::InOut, "inout"}};
-};
-template <>
-struct TextsOf<HABMInterface::InterfaceMode> {
-    using Mode = HABMInterface::InterfaceMode;
-    static constexpr std::array table = {std::pair{Mode::Unknown, "unknown"},
-                                         std::pair{Mode::Master, "master"},
-                                         std::pair{Mode::Slave, "slave"},
-                                         std::pair{Mode::MirroredMaster, "mirrored_master"},
-                                         std::pair{Mode::MirroredSlave, "mirrored_slave"},
-                                         std::pair{Mode::System, "system"},
-                                         std::pair{Mode::Monitor, "monitor"}};
-};
-template <>
-struct TextsOf<HABMAddrBlock::MemoryType> {
-    using Memory = HABMAddrBlock::MemoryType;
-    static constexpr std::array table = {std::pair{Memory::Register, "register"},
-                                         std::pair{Memory::Memory, "memory"},
-                                         std::pair{Memory::Reserved, "reserved"}};
-};
-template <>
-struct TextsOf<HABMAddrSegment::MemoryType> {
-    using Memory = HABMAddrSegment::MemoryType;
-    static constexpr std::array table = {std::pair{Memory::Data, "data"},
-                                         std::pair{Memory::Instruction, "instruction"},
-                                         std::pair{Memory::Both, "both"}};
-};
-template <>
-struct TextsOf<HABMRegister::RegisterAccess> {
-    using Access = HABMRegister::RegisterAccess;
-    static constexpr std::array table = {std::pair{Access::ReadWrite, "read_write"},
-                                         std::pair{Access::ReadOnly, "read_only"},
-                                         std::pair{Access::WriteOnly, "write_only"}};
-};
-template <>
-struct TextsOf<HABMAddrAssign::AssignType> {
-    static constexpr std::array table = {std::pair{HABMAddrAssign::Normal, "normal"},
-                                         std::pair{HABMAddrAssign::Excluded, "excluded"},
-                                         std::pair{HABMAddrAssign::Internal, "internal"}};
-};
-
-struct PortMapLine {
-    std::string logicalPort;
-    std::string physicalPort;
-};
-template <>
-struct RecordOf<PortMapLine> {
-    static constexpr const char* name = "PortMapLine";
-    static constexpr auto fields = std::tuple{field("logicalPort", &PortMapLine::logicalPort),
-                                              field("physicalPort", &PortMapLine::physicalPort)};
-};
-
-struct Aperture {
-    HABMAddrValue start;
-    HABMAddrValue size;
-};
-template <>
-struct RecordOf<Aperture> {
-    static constexpr const char* name = "Aperture";
-    static constexpr auto fields =
-        std::tuple{field("start", &Aperture::start), field("size", &Aperture::size)};
-};
 
 namespace {
 
@@ -130,34 +56,8 @@ bool isInside(const Object& object, const HABMBlock* around) {
 std::string textOf(const HABMBlock& block) {
     return block.getParent() == nullptr ? block.getModuleName() : block.getInstancePath();
 }
-std::string pathIn(const HABMBlock* block, const std::string& name) {
-    return block->getInstancePath() + "/" + name;
-}
-std::string textOfPort(const HABMPort& port) {
-    return pathIn(port.getParent(), port.getPortName());
-}
-std::string textOfInterface(const HABMInterface& interface) {
-    return pathIn(interface.getParent(), interface.getInterfaceName());
-}
-template <class T>
-std::string pathOf(const T& object) {
-    return object.getPath();
-}
-template <class T>
-std::string nameBelow(const T& object) {
-    return pathIn(object.getParent(), object.getName());
-}
 
 // --- objects that are made ---
-
-template <class T>
-T& expectMade(T* made, const std::string& name) {
-    if (made == nullptr)
-        throw ScriptError(Failure::Kind::Command,
-                          "the block model refuses the name \"" + name +
-                              "\": it is taken, empty or holds a \"/\", or the tree is too deep");
-    return *made;
-}
 
 template <class T>
 T& expectFound(T* found, const HABMBlock& block, const char* noun, const std::string& name) {
@@ -204,24 +104,6 @@ HABMAddrAssign& createAddrAssign(HABMBlock& block, const std::string& name,
     made.setTargetAddrSegment(&target);
     made.setOffset(target.getOffset());
     made.setRange(source.getRange());
-    return made;
-}
-HABMAddrBlock& createAddrBlock(HABMMemoryMap& map, const std::string& name,
-                               const HABMAddrValue& offset, const HABMAddrValue& range) {
-    HABMAddrBlock& made = expectMade(map.createAddrBlock(name), name);
-    made.setAperture({offset, range});
-    return made;
-}
-HABMAddrSegment& createAddrSegment(HABMAddrSpace& space, const std::string& name,
-                                   const HABMAddrValue& offset, const HABMAddrValue& range) {
-    HABMAddrSegment& made = expectMade(space.createAddrSegment(name), name);
-    made.setAperture({offset, range});
-    return made;
-}
-HABMRegister& createRegister(HABMAddrBlock& block, const std::string& name,
-                             const HABMAddrValue& offset) {
-    HABMRegister& made = expectMade(block.createRegister(name), name);
-    made.setOffset(offset);
     return made;
 }
 
@@ -279,22 +161,6 @@ void setAttribute(HABMBlock& block, const std::string& name, const std::string& 
         raiseArgument("the name of an attribute mayn't be empty");
 }
 
-std::vector<PortMapLine> portMaps(const HABMInterface& interface) {
-    const std::vector<HABMPortMap*> map = interface.getPortMaps();
-    std::vector<PortMapLine> lines;
-    lines.reserve(map.size());
-    for (const HABMPortMap* line : map)
-        lines.push_back({line->getLogicalPort(), line->getPhysicalPort()});
-    return lines;
-}
-std::vector<Aperture> apertures(const HABMInterface& interface) {
-    std::vector<Aperture> all;
-    all.reserve(interface.getApertures().size());
-    for (const HABMAddrAperture& aperture : interface.getApertures())
-        all.push_back({aperture.getStart(), aperture.getSize()});
-    return all;
-}
-
 // --- whole trees ---
 
 std::unique_ptr<HABMBlock> createTopBlock(const std::string& name) {
@@ -323,6 +189,24 @@ std::unique_ptr<HABMBlock> removeSubBlock(HABMBlock& block, Call& call, const st
     Registry::get().endMembers(*call.root(),
                                [going](const Object& member) { return isInside(member, going); });
     return block.removeSubBlock(name);
+}
+
+/// Handles of what the place held end, that of the place itself stays.
+void mergeTopBlock(HABMBlock& block, Call& call, const std::string& path, const HABMBlock& child,
+                   bool replace) {
+    HABMBlock& place = expectFound(block.getSubBlock(path), block, "sub-block", path);
+    if (!replace && !place.isBlockStub())
+        throw ScriptError(Failure::Kind::Command, "block " + textOf(place) +
+                                                      " is no stub; only with replace is it "
+                                                      "replaced");
+    if (child.getTopBlock() == block.getTopBlock())
+        throw ScriptError(Failure::Kind::Command,
+                          "block " + textOf(child) + " is of the same tree");
+    Registry::get().endMembers(*call.root(), [&place](const Object& member) {
+        return member.native != &place && isInside(member, &place);
+    });
+    if (!HABMBlock::mergeTopBlock(block, place.getInstancePath(), child, replace))
+        throw ScriptError(Failure::Kind::Command, "the tree would get too many levels");
 }
 
 void removeInterface(HABMBlock& block, Call& call, const std::string& name) {
@@ -400,6 +284,12 @@ void describeBlock(Interface& interface) {
         .method<&removeSubBlock>("removeSubBlock", {required("instance")},
                                  "Takes a sub-block out, as a top block. Handles of it and of what "
                                  "is in it end.")
+        .method<&mergeTopBlock>(
+            "mergeTopBlock",
+            {required("instance"), required("child"), optional("replace", {false})},
+            "Puts a copy of what another tree holds into a sub-block that is a stub, or into any "
+            "with replace. It keeps its instance name. Handles of what it held end.",
+            Mode::Slow)
         .method<&removeInterface>("removeInterface", {required("name")}, "Removes an interface.")
         .method<&T::hasSameContent>("hasSameContent", {required("other")},
                                     "Whether both hold the same, in the same order.")
@@ -411,140 +301,12 @@ void describeBlock(Interface& interface) {
     interface.add(infoOf<T>());
 }
 
-void describePorts(Interface& interface) {
-    using P = HABMPort;
-    Describe<P>("HABMPort", "model port", "port", "A port of a block.")
-        .called<&textOfPort>()
-        .property<&P::getPortName>("portName", "The port's name.")
-        .property<&P::getPortType, &P::setPortType>("portType", "wire or vector.")
-        .property<&P::getPortDirection, &P::setPortDirection>("portDirection", "in, out or inout.")
-        .property<&P::getPortLeft, &P::setPortLeft>("portLeft", "Left bound of a vector.")
-        .property<&P::getPortRight, &P::setPortRight>("portRight", "Right bound of a vector.")
-        .method<&P::hasConnections>("hasConnections", {}, "Whether any connection names it.");
-    interface.add(infoOf<P>());
-
-    using I = HABMInterface;
-    Describe<I>("HABMInterface", "model interface", "interface", "An interface of a block.")
-        .called<&textOfInterface>()
-        .property<&I::getInterfaceName>("interfaceName", "The interface's name.")
-        .property<&I::getInterfaceVlnv, &I::setInterfaceVlnv>("interfaceVlnv",
-                                                              "VLNV of its definition.")
-        .property<&I::getInterfaceMode, &I::setInterfaceMode>("interfaceMode",
-                                                              "master, slave, and so on.")
-        .property<&I::getEnablement, &I::setEnablement>(
-            "enablement", "Expression that says whether a design has it.")
-        .property<&I::getMemoryMapRef, &I::setMemoryMapRef>("memoryMapRef",
-                                                            "Name of a memory map of its block.")
-        .property<&I::getAddrSpaceRef, &I::setAddrSpaceRef>(
-            "addrSpaceRef", "Name of an address space of its block.")
-        .property<&apertures>("apertures", "Its apertures by start.")
-        .property<&portMaps>("portMaps", "The lines of its port map.")
-        .method<&I::isSourceInterface>("isSourceInterface", {}, "Whether it is an initiator.")
-        .method<&I::hasConnections>("hasConnections", {}, "Whether any connection names it.");
-    interface.add(infoOf<I>());
-
-    using C = HABMPortConnection;
-    Describe<C>("HABMPortConnection", "model portconnection", "port connection",
-                "A connection of ports.")
-        .called<&nameBelow<C>>()
-        .property<&C::getName>("name", "The connection's name.")
-        .property<&C::getSourcePath, &C::setSourcePath>("sourcePath", "Path of the source port.")
-        .property<&C::getTargetPaths, &C::setTargetPaths>("targetPaths", "Paths of the targets.");
-    interface.add(infoOf<C>());
-
-    using D = HABMInterfaceConnection;
-    Describe<D>("HABMInterfaceConnection", "model interfaceconnection", "interface connection",
-                "A connection of two interfaces.")
-        .called<&nameBelow<D>>()
-        .property<&D::getName>("name", "The connection's name.")
-        .property<&D::getSourcePath, &D::setSourcePath>("sourcePath", "Path of the source.")
-        .property<&D::getTargetPath, &D::setTargetPath>("targetPath", "Path of the target.")
-        .method<&D::isValid>("isValid", {}, "Whether both ends exist.");
-    interface.add(infoOf<D>());
-}
-
-void describeMaps(Interface& interface) {
-    using M = HABMMemoryMap;
-    Describe<M>("HABMMemoryMap", "model memorymap", "memory map", "A memory map of a block.")
-        .called<&pathOf<M>>()
-        .property<&M::getName>("name", "The map's name.")
-        .property<&M::getPath>("path", "/instance/map.")
-        .property<&M::getRange, &M::setRange>("range", "Extent in bytes.")
-        .property<&M::getAddrBlocks>("addrBlocks", "Its address blocks.")
-        .method<&createAddrBlock>("createAddrBlock",
-                                  {required("name"), required("offset"), required("range")},
-                                  "A new address block.");
-    interface.add(infoOf<M>());
-
-    using B = HABMAddrBlock;
-    Describe<B>("HABMAddrBlock", "model addrblock", "address block",
-                "A range of a memory map that holds registers or memory.")
-        .called<&pathOf<B>>()
-        .property<&B::getName>("name", "The address block's name.")
-        .property<&B::getPath>("path", "/instance/map/block.")
-        .property<&B::getOffset>("offset", "Start in the memory map.")
-        .property<&B::getRange>("range", "Size in bytes.")
-        .property<&B::getMemoryType, &B::setMemoryType>("memoryType",
-                                                        "register, memory or reserved.")
-        .property<&B::getRegisters>("registers", "Its registers.")
-        .method<&createRegister>("createRegister", {required("name"), required("offset")},
-                                 "A new register.");
-    interface.add(infoOf<B>());
-
-    using R = HABMRegister;
-    Describe<R>("HABMRegister", "model register", "register", "A register of an address block.")
-        .called<&pathOf<R>>()
-        .property<&R::getName>("name", "The register's name.")
-        .property<&R::getPath>("path", "/instance/map/block/register.")
-        .property<&R::getOffset, &R::setOffset>("offset", "Offset in the address block.")
-        .property<&R::getReset, &R::setReset>("reset", "Reset value, or none.")
-        .property<&R::getWidth, &R::setWidth>("width", "Width in bits.")
-        .property<&R::getAccess, &R::setAccess>("access", "read_write, read_only or write_only.")
-        .property<&R::getValue, &R::setValue>("value", "The given value, else the reset value.");
-    interface.add(infoOf<R>());
-
-    using S = HABMAddrSpace;
-    Describe<S>("HABMAddrSpace", "model addrspace", "address space", "What an initiator sees.")
-        .called<&pathOf<S>>()
-        .property<&S::getName>("name", "The space's name.")
-        .property<&S::getPath>("path", "/instance/space.")
-        .property<&S::getRange, &S::setRange>("range", "Extent in bytes.")
-        .property<&S::getAddrSegments>("addrSegments", "Its segments.")
-        .method<&createAddrSegment>("createAddrSegment",
-                                    {required("name"), required("offset"), required("range")},
-                                    "A new segment.");
-    interface.add(infoOf<S>());
-
-    using G = HABMAddrSegment;
-    Describe<G>("HABMAddrSegment", "model addrsegment", "segment", "A window of an address space.")
-        .called<&pathOf<G>>()
-        .property<&G::getName>("name", "The segment's name.")
-        .property<&G::getPath>("path", "/instance/space/segment.")
-        .property<&G::getOffset>("offset", "Start in the address space.")
-        .property<&G::getRange>("range", "Size in bytes.")
-        .property<&G::getMemoryType, &G::setMemoryType>("memoryType", "data, instruction or both.");
-    interface.add(infoOf<G>());
-
-    using A = HABMAddrAssign;
-    Describe<A>("HABMAddrAssign", "model addrassign", "address assign",
-                "Says that an address block appears in an address space.")
-        .called<&nameBelow<A>>()
-        .property<&A::getName>("name", "The assign's name.")
-        .property<&A::getAssignType, &A::setAssignType>("assignType",
-                                                        "normal, excluded or internal.")
-        .property<&A::getOffset, &A::setOffset>("offset", "Where the block starts in the space.")
-        .property<&A::getRange, &A::setRange>("range", "Its size in bytes.")
-        .property<&A::getSourceAddrBlock>("sourceAddrBlock", "The address block, or none.")
-        .property<&A::getTargetAddrSegment>("targetAddrSegment", "The segment, or none.");
-    interface.add(infoOf<A>());
-}
-
 } // namespace
 
 void describeBlocks(Interface& interface) {
     describeBlock(interface);
-    describePorts(interface);
-    describeMaps(interface);
+    describeBlockPorts(interface);
+    describeBlockMaps(interface);
 }
 
 } // namespace tq::bindings
