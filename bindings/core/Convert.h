@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -131,6 +132,11 @@ struct Convert<std::string> {
 };
 template <>
 struct Convert<const char*> : Convert<std::string> {};
+template <>
+struct Convert<std::string_view> {
+    static const Type& type() { return plainType<Type::Kind::Text>(); }
+    static Value to(std::string_view value, Call&) { return {std::string(value)}; }
+};
 
 template <HasTexts T>
 struct Convert<T> {
@@ -190,6 +196,9 @@ struct Convert<T*> {
             return {};
         using Plain = std::remove_const_t<T>;
         return {Registry::get().wrap(infoOf<Plain>(), const_cast<Plain*>(native), call.root())};
+    }
+    static T* from(const Value& value) requires std::is_const_v<T> {
+        return value.isNone() ? nullptr : &Convert<std::remove_const_t<T>>::from(value);
     }
 };
 

@@ -190,8 +190,9 @@ public:
     }
 
     template <auto F>
-    Describe& constructor(std::initializer_list<Parameter> parameters, const char* doc) {
-        m_info.constructor = std::make_unique<Member>(function<F>("create", parameters, doc));
+    Describe& constructor(std::initializer_list<Parameter> parameters, const char* doc,
+                          Mode mode = Mode::Quick) {
+        m_info.constructor = std::make_unique<Member>(function<F>("create", parameters, doc, mode));
         m_info.constructor->owner = &m_info;
         return *this;
     }

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <memory>
 
-#include "HPAParamMgr.h"
 #include "bindings/core/Describe.h"
 #include "bindings/core/Invoke.h"
 #include "bindings/core/Tables.h"
+#include "bindings/interface/ClockParts.h"
 #include "bindings/interface/Parts.h"
 #include "clocking/HBSClockingAlgo1Pll.h"
 #include "clocking/HBSClockingAlgo2Pll.h"
@@ -101,23 +101,6 @@ void destroyTree(HBSClockingAlgo* tree) {
         delete tree;
 }
 
-/// The number of threads of one search; near ties are decided by it.
-class ThreadCount {
-public:
-    explicit ThreadCount(int threads) : m_before(HPAParamMgr::getParamMgr()->getValueAsInt(kName)) {
-        if (threads < 1)
-            raiseArgument("threads: expected 1 or more");
-        HPAParamMgr::getParamMgr()->setValue(kName, std::to_string(threads));
-    }
-    ~ThreadCount() { HPAParamMgr::getParamMgr()->setValue(kName, std::to_string(m_before)); }
-    ThreadCount(const ThreadCount&) = delete;
-    ThreadCount& operator=(const ThreadCount&) = delete;
-
-private:
-    static constexpr const char* kName = "general.maxThreads";
-    int m_before;
-};
-
 bool runSolution(HBSClockingAlgo& tree, int threads) {
     const ThreadCount count(threads);
     return tree.runSolution();
@@ -158,37 +141,6 @@ HBSPowerDomain* getPowerDomain(HBSClockingAlgo& tree, const std::string& name) {
     return expectFound(tree.getPowerDomain(name), tree, "power domain", name);
 }
 
-/// The name of the domain that the solvers count it in: the one that reads back may be another.
-std::string domainOf(const HBSClockingAlgo& tree, const HBSPeripheral& peripheral) {
-    const auto index = static_cast<unsigned>(peripheral.getPowerDomainIndex());
-    const HBSPowerDomain* const domain = tree.getPowerDomainAt(index);
-    if (domain == nullptr)
-        throw ScriptError(Failure::Kind::Command, "the peripheral " + peripheral.getName() +
-                                                      " of clock tree " + tree.getName() +
-                                                      " has no power domain");
-    return domain->getName();
-}
-
-/// The tree as a file would describe it.
-ClockTree treeOf(HBSClockingAlgo& tree) {
-    ClockTree description;
-    description.pllCount = static_cast<unsigned>(tree.getAllPlls().size());
-    description.referenceMhz = tree.getRefClkFreq();
-    description.maxCrossMhz = tree.getMaxCrossDomainFreq();
-    description.allowCrossDomain = tree.getAllowCrossDomain();
-    for (const HBSPowerDomain* domain : allPowerDomains(tree)) {
-        ClockTree::Domain& copy = description.domains.emplace_back();
-        copy.name = domain->getName();
-        for (const HBSPll* pll : domain->getPllList())
-            copy.plls.push_back({pll->getName(), pll->getMaxPllFreq(), pll->isNOCpll()});
-    }
-    for (const HBSPeripheral* p : tree.getAllPeripherals())
-        description.peripherals.push_back({p->getName(), domainOf(tree, *p), p->getRequestedFreq(),
-                                           p->getMaxAllowedPeripheralError(), p->isEnabled(),
-                                           p->isNOCPeripheral()});
-    return description;
-}
-
 std::string clockTables(HBSClockingAlgo& tree) {
     TextStream out;
     printClockTables(makeClockReport(treeOf(tree), tree), out);
@@ -224,10 +176,11 @@ HBSClockingAlgo* getClockingAlgo(const std::string& name) {
 
 void describeTree(Interface& interface) {
     using T = HBSClockingAlgo;
-    Describe<T>("HBSClockingAlgo", "clock tree", "clock tree",
-                "A clock tree of 1, 2, 4 or 6 PLLs in power domains, and its solver. Frequencies "
-                "are MHz; errors are fractions, but the allowed error of a peripheral is percent.")
-        .called<&nameOfTree>()
+    Describe<T> tree(
+        "HBSClockingAlgo", "clock tree", "clock tree",
+        "A clock tree of 1, 2, 4 or 6 PLLs in power domains, and its solver. Frequencies "
+        "are MHz; errors are fractions, but the allowed error of a peripheral is percent.");
+    tree.called<&nameOfTree>()
         .deletableBy<&destroyTree, &expectDeletable>()
         .tables(kTreeTables)
         .constructor<&createTree>({required("name"), required("plls")},
@@ -278,6 +231,7 @@ void describeTree(Interface& interface) {
         .method<&clockTables>("tables", {}, "The result as aligned tables.", Mode::Slow)
         .method<&clockJson>("json", {}, "The result as a JSON document.", Mode::Slow)
         .method<&clockPicture>("svg", {}, "The solved tree as an SVG picture.", Mode::Slow);
+    describeClockAdviser(tree);
     interface.add(infoOf<T>());
 }
 
@@ -346,6 +300,7 @@ void describeClocks(Interface& interface) {
     describePll(interface);
     describePeripheral(interface);
     describeDomain(interface);
+    describeClockReports(interface);
     Island island{"clock", "Clock trees: made by hand, or read from files.", {}};
     island.functions.push_back(function<&readTree>(
         "readClockTree", {required("path")},

@@ -30,10 +30,10 @@ struct RecordOf<Finding> {
                    field("expected", &Finding::expected)};
 };
 
-[[nodiscard]] inline std::vector<Finding> findingsOf(const DiagnosticList& list) {
+[[nodiscard]] inline std::vector<Finding> findingsOf(const std::vector<Diagnostic>& list) {
     std::vector<Finding> findings;
-    findings.reserve(list.all().size());
-    for (const Diagnostic& finding : list.all())
+    findings.reserve(list.size());
+    for (const Diagnostic& finding : list)
         findings.push_back({severityName(finding.severity), finding.id, finding.place.file,
                             finding.place.line, finding.place.column, finding.text,
                             finding.expected});

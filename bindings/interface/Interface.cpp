@@ -13,6 +13,7 @@ Interface::Interface() {
     describeHardBlocks(*this);
     describeSequences(*this);
     describeRegisters(*this);
+    describeIpxact(*this);
 }
 
 const Interface& Interface::get() {

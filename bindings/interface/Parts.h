@@ -12,5 +12,6 @@ void describeHandoff(Interface& interface);
 void describeHardBlocks(Interface& interface);
 void describeSequences(Interface& interface);
 void describeRegisters(Interface& interface);
+void describeIpxact(Interface& interface);
 
 } // namespace tq::bindings
