@@ -102,6 +102,7 @@ private:
     void writeFindings(const ConfiguredMap& map) {
         DiagnosticList findings;
         map.check(findings.sink());
+        m_json.member("found", findings.count());
         m_json.beginArray("findings");
         for (const Diagnostic& finding : findings.all())
             m_json.value(headline(finding));

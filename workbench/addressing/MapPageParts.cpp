@@ -24,10 +24,14 @@ input, select, button { font: inherit; color: inherit; background: var(--paper);
   position: relative; min-height: 0; }
 #space { position: relative; }
 .row { position: absolute; left: 0; right: 0; height: 26px; display: grid; padding: 3px 12px;
-  grid-template-columns: minmax(150px, 17em) minmax(160px, 2fr) minmax(90px, 1fr) minmax(100px, 2fr);
-  gap: 12px; white-space: nowrap; border-bottom: 1px solid var(--line); cursor: default; }
+  grid-template-columns: minmax(150px, 14em) minmax(160px, 2fr) minmax(70px, 9em) minmax(100px, 3fr);
+  gap: 0 12px; align-items: baseline; white-space: nowrap; border-bottom: 1px solid var(--line);
+  cursor: default; }
 .row span { overflow: hidden; text-overflow: ellipsis; }
-.row span:first-child { font-family: "DejaVu Sans Mono", Menlo, monospace; font-size: 12px; }
+#space:not(.text) span:first-child { font: 12px/1.4 "DejaVu Sans Mono", Menlo, monospace; }
+.text .row { position: static; height: auto; white-space: normal; overflow-wrap: anywhere;
+  grid-template-columns: minmax(120px, 20em) 1fr; }
+.text .row.whole { grid-template-columns: 1fr; }
 .row.link { cursor: pointer; }
 .row.at, .row.link:hover { background: var(--lit); }
 .row.hole { background: var(--hole); color: var(--soft); }
@@ -35,13 +39,18 @@ input, select, button { font: inherit; color: inherit; background: var(--paper);
 .row.off { color: var(--soft); }
 .soft { color: var(--soft); }
 @media (max-width: 700px) {
-  .row { grid-template-columns: 8.5em 1fr 5em; gap: 8px; } .row span:last-child { display: none; }
-  .row.bad span:nth-child(2) { color: var(--bad); }
+  .row { grid-template-columns: 9em 1fr 5em; gap: 0 8px; height: 46px; }
+  .row span:nth-child(4) { grid-column: 1 / -1; color: var(--soft); }
+  .text .row { grid-template-columns: 1fr; }
 }
 @media print {
-  body { height: auto; display: block; } header select, header input, header button { display: none; }
-  #list { overflow: visible; } #space { height: auto !important; }
-  .row { position: static; break-inside: avoid; }
+  :root { color-scheme: light; --ink: #000; --paper: #fff; --line: #aaa; --lit: #fff; --soft: #444;
+    --bad: #b3261e; --hole: #fff; }
+  body { height: auto; display: block; } #query, #up { display: none; }
+  select { appearance: none; border: 0; padding: 0; }
+  #list { overflow: visible; border: 0; } #space { height: auto !important; }
+  .row { position: static; height: auto; white-space: normal; overflow-wrap: anywhere;
+    break-inside: avoid; }
 }
 )css";
 
@@ -63,29 +72,42 @@ const PATH = 0, BASE = 1, SIZE = 2, USAGE = 3, ON = 4, REGISTERS = 5;
 const NAME = 0, OFFSET = 1, WIDTH = 2, ACCESS = 3, RESET = 4, VALUE = 5;
 const FIRST = 0, LAST = 1, ORIGIN = 2, BLOCK = 3, ASSIGN = 4;
 const ACCESSES = ['read and write', 'read only', 'write only'];
-const HEIGHT = 26, MOST_PRINTED = 5000;
+const MOST_DRAWN = 5000, MOST_REGISTERS = 2 ** 30;
 const OFF = 'off', FINDINGS = 'findings';
+const UNITS = [['T', 40n], ['G', 30n], ['M', 20n], ['K', 10n]];
 
 const $ = id => document.getElementById(id);
 const big = text => text === null ? null : BigInt(text);
 const hex = number => number === null ? '?' : '0x' + number.toString(16).toUpperCase();
 const sizeText = number => {
   if (number === null) return '?';
-  for (const [unit, bits] of [['T', 40n], ['G', 30n], ['M', 20n], ['K', 10n]])
+  for (const [unit, bits] of UNITS)
     if (number !== 0n && number % (1n << bits) === 0n) return (number >> bits) + unit;
   return hex(number);
 };
+/// Of a hole, whose exact end is the row below.
+const roughText = number => {
+  const exact = sizeText(number);
+  const [unit, bits] = UNITS.find(([, some]) => number >> some) || ['', 0n];
+  return exact.length < 7 ? exact
+    : 'about ' + (Number(number * 100n >> bits) / 100).toPrecision(3) * 1 + unit;
+};
 
-// --- the list: only the rows in sight are in the document ---
+// --- the list: only the rows in sight are in the document, but for texts, which take lines ---
 
-let rows = [], at = -1;
+const narrow = matchMedia('(max-width: 700px)');
+const height = () => narrow.matches ? 46 : 26; // as in the style
+const listOf = all => ({length: all.length, at: i => all[i]});
+
+let rows = listOf([]), at = -1, isText = false;
 
 function rowNode(i) {
-  const row = rows[i], node = document.createElement('div');
+  const row = rows.at(i), node = document.createElement('div');
   node.className = 'row' + (row.go ? ' link' : '') + (row.kind ? ' ' + row.kind : '') +
     (i === at ? ' at' : '');
   node.setAttribute('role', 'option');
-  node.style.top = i * HEIGHT + 'px';
+  node.setAttribute('aria-selected', i === at);
+  if (!isText) node.style.top = i * height() + 'px';
   for (const cell of row.cells) {
     const span = document.createElement('span');
     span.textContent = cell;
@@ -97,20 +119,25 @@ function rowNode(i) {
 }
 
 function draw(all) {
-  const list = $('list');
-  const from = all ? 0 : Math.max(0, Math.floor(list.scrollTop / HEIGHT) - 5);
-  const to = all ? Math.min(rows.length, MOST_PRINTED)
-    : Math.min(rows.length, Math.ceil((list.scrollTop + list.clientHeight) / HEIGHT) + 5);
+  const list = $('list'), most = Math.min(rows.length, MOST_DRAWN);
+  const from = all || isText ? 0 : Math.max(0, Math.floor(list.scrollTop / height()) - 5);
+  const to = all || isText ? most
+    : Math.min(rows.length, Math.ceil((list.scrollTop + list.clientHeight) / height()) + 5);
   const nodes = [];
   for (let i = from; i < to; ++i) nodes.push(rowNode(i));
   $('space').replaceChildren(...nodes);
+  $('space').style.height = isText ? '' : rows.length * height() + 'px';
+  $('count').textContent = rows.length + (rows.length === 1 ? ' row' : ' rows') +
+    ((all || isText) && most < rows.length ? ', of which the first ' + most + ' follow' : '');
 }
 
-function show(fresh, selected) {
+function show(fresh, selected, areTexts = false) {
   rows = fresh;
   at = selected;
-  $('space').style.height = rows.length * HEIGHT + 'px';
-  $('list').scrollTop = at < 0 ? 0 : Math.max(0, at * HEIGHT - $('list').clientHeight / 2);
+  isText = areTexts;
+  $('space').className = isText ? 'text' : '';
+  $('space').style.height = rows.length * height() + 'px';
+  $('list').scrollTop = at < 0 ? 0 : Math.max(0, at * height() - $('list').clientHeight / 2);
   draw(false);
 }
 
@@ -131,7 +158,16 @@ function place() {
 const fragment = parts => '#' + Object.entries(parts).filter(([, value]) => value)
   .map(([key, value]) => key + '=' + encodeURIComponent(value)).join('&');
 
+/// The address follows what is typed a moment later, as browsers limit how often it changes.
+let typed = null, timer = 0;
+function settle() {
+  clearTimeout(timer);
+  if (typed !== null) history.replaceState(null, '', typed);
+  typed = null;
+}
+
 function go(change) {
+  settle();
   const now = place();
   const next = {c: now.c, v: now.v, ...change};
   if (fragment(next) === location.hash) render(); else location.hash = fragment(next);
@@ -154,7 +190,7 @@ function viewRows(map, view) {
   for (const region of view.regions) {
     const first = big(region[FIRST]), last = big(region[LAST]);
     if (first > end)
-      made.push({cells: [hex(end), 'free', sizeText(first - end), ''], kind: 'hole'});
+      made.push({cells: [hex(end), 'free', roughText(first - end), ''], kind: 'hole'});
     const note = (region[ASSIGN] ? ', assign ' + region[ASSIGN] : '') +
       (first < end ? ', overlaps the one before' : '');
     made.push(blockRow(map, map.blocks[region[BLOCK]], first, last, note, first < end ? 'bad' : ''));
@@ -181,57 +217,62 @@ function baseIn(map, view, block) {
 
 // --- search ---
 
-/// The names of all blocks and registers in small letters, made once for each map.
+/// What searches compare with, for each block, made once: names in small letters, and the offsets
+/// of the first byte of each register and of the one behind it.
 function indexOf(map) {
-  if (!map.index) {
-    map.index = [];
-    map.blocks.forEach(block => {
-      const path = block[PATH].toLowerCase();
-      map.index.push([path, block, null]);
-      for (const register of block[REGISTERS])
-        map.index.push([path + '/' + register[NAME].toLowerCase(), block, register]);
-    });
-  }
+  map.index = map.index || map.blocks.map(block => ({path: block[PATH].toLowerCase(),
+    names: block[REGISTERS].map(register => register[NAME].toLowerCase()),
+    starts: block[REGISTERS].map(register => big(register[OFFSET])),
+    ends: block[REGISTERS].map(register => register[OFFSET] === null ? null
+      : big(register[OFFSET]) + BigInt(Math.max(1, Math.ceil(register[WIDTH] / 8))))}));
   return map.index;
 }
 
-/// The rows of blocks and registers with the addresses of their blocks, made when they come into sight.
-function lazyRows(map, found) {
-  return new Proxy(found, {get: (all, key) => {
-    const item = typeof key === 'string' && /^\d+$/.test(key) ? all[key] : undefined;
-    if (!item) return all[key];
-    const [block, register, base] = item, size = big(block[SIZE]);
-    return register ? registerRow(block, register, base)
-      : blockRow(map, block, base, base === null || size === null ? null : base + size - 1n, '');
-  }});
+/// What a search found: the numbers of blocks, or of regions where `blockOf` says so, each with that
+/// of a register, -1 for the block, in one number. Rows are made when they come into sight.
+class Found {
+  constructor(map, baseOf, blockOf = owner => owner) {
+    Object.assign(this, {map, baseOf, blockOf, keys: []});
+  }
+  get length() { return this.keys.length; }
+  add(owner, register) { this.keys.push(owner * MOST_REGISTERS + register + 1); }
+  at(i) {
+    const owner = Math.floor(this.keys[i] / MOST_REGISTERS);
+    const register = this.keys[i] % MOST_REGISTERS - 1;
+    const block = this.map.blocks[this.blockOf(owner)], base = this.baseOf(owner);
+    const size = big(block[SIZE]);
+    return register >= 0 ? registerRow(block, block[REGISTERS][register], base)
+      : blockRow(this.map, block, base, base === null || size === null ? null : base + size - 1n, '');
+  }
 }
 
 function searchRange(map, view, first, last) {
-  const made = [];
-  for (const region of view.regions) {
-    const from = big(region[FIRST]), to = big(region[LAST]);
-    if (to < first || from > last) continue;
-    const block = map.blocks[region[BLOCK]], origin = big(region[ORIGIN]);
-    made.push([block, null, origin]);
-    for (const register of block[REGISTERS]) {
-      if (register[OFFSET] === null) continue;
-      const start = origin + big(register[OFFSET]);
-      const bytes = BigInt(Math.max(1, Math.ceil(register[WIDTH] / 8)));
-      if (start <= last && start + bytes > first) made.push([block, register, origin]);
-    }
-  }
-  return lazyRows(map, made);
+  const found = new Found(map, owner => big(view.regions[owner][ORIGIN]),
+    owner => view.regions[owner][BLOCK]), index = indexOf(map);
+  view.regions.forEach((region, number) => {
+    if (big(region[LAST]) < first || big(region[FIRST]) > last) return;
+    found.add(number, -1);
+    const {starts, ends} = index[region[BLOCK]], origin = big(region[ORIGIN]);
+    const low = first - origin, high = last - origin;
+    for (let i = 0; i < starts.length; ++i)
+      if (starts[i] !== null && starts[i] <= high && ends[i] > low) found.add(number, i);
+  });
+  return found;
 }
 
+/// Each word has to be in the block's path or the register's name, or across the "/" between.
 function searchNames(map, view, text) {
-  const words = text.toLowerCase().split(/\s+/).filter(word => word), made = [];
-  const bases = new Map();
-  for (const [name, block, register] of indexOf(map)) {
-    if (!words.every(word => name.includes(word))) continue;
-    if (!bases.has(block)) bases.set(block, baseIn(map, view, block));
-    made.push([block, register, bases.get(block)]);
-  }
-  return lazyRows(map, made);
+  const words = text.toLowerCase().split(/\s+/).filter(word => word);
+  const found = new Found(map, owner => baseIn(map, view, map.blocks[owner]));
+  indexOf(map).forEach(({path, names}, number) => {
+    const left = words.filter(word => !path.includes(word));
+    if (!left.length) found.add(number, -1);
+    const isIn = name => left.every(word => name.includes(word) ||
+      word.includes('/') && (path + '/' + name).includes(word));
+    for (let i = 0; i < names.length; ++i)
+      if (isIn(names[i])) found.add(number, i);
+  });
+  return found;
 }
 
 function search(map, view, text) {
@@ -240,7 +281,7 @@ function search(map, view, text) {
   const first = BigInt(match[1]);
   const last = !match[2] ? first : match[2] === '-' ? BigInt(match[3])
     : first + BigInt(match[3]) - 1n;
-  return view ? searchRange(map, view, first, last) : [];
+  return view ? searchRange(map, view, first, last) : listOf([]);
 }
 
 // --- the page ---
@@ -250,13 +291,16 @@ function fill(select, names, chosen) {
   select.value = chosen;
 }
 
-function render() {
-  const part = place(), map = mapAt(part), view = viewAt(map, part);
-  const shown = part.v === OFF || part.v === FINDINGS ? part.v : view ? view.path : '';
+let shown = {};
+
+function render(part = place()) {
+  shown = part;
+  const map = mapAt(part), view = viewAt(map, part);
+  const chosen = part.v === OFF || part.v === FINDINGS ? part.v : view ? view.path : '';
   fill($('config'), DATA.maps.map(one => [one.name, one.name]), map.name);
   fill($('view'), [...map.views.map(one => [one.path, one.path]),
     [OFF, 'Switched off (' + map.off.length + ')'],
-    [FINDINGS, 'Findings (' + map.findings.length + ')']], shown);
+    [FINDINGS, 'Findings (' + map.found + ')']], chosen);
   if (document.activeElement !== $('query')) $('query').value = part.q || '';
   $('up').hidden = !part.b && !part.q;
   const block = part.b && map.blocks.find(one => one[PATH] === part.b);
@@ -266,41 +310,42 @@ function render() {
   } else if (part.b) {
     if (!block) {
       $('where').textContent = 'This map has no block ' + part.b;
-      show([], -1);
+      show(listOf([]), -1);
     } else {
       const base = baseIn(map, view, block);
       const off = map.off.find(([path]) => (block[PATH] + '/').startsWith(path + '/'));
       $('where').textContent = block[PATH] + ' at ' + hex(base) + ', ' + sizeText(big(block[SIZE])) +
         (block[ON] ? '' : ', off: ' + (off ? off[1] : ''));
-      show(block[REGISTERS].map(register => registerRow(block, register, base)),
+      show({length: block[REGISTERS].length, at: i => registerRow(block, block[REGISTERS][i], base)},
         block[REGISTERS].findIndex(register => register[NAME] === part.r));
     }
   } else if (part.v === OFF) {
     $('where').textContent = 'What the config switched off';
-    show(map.off.map(([path, reason]) => ({cells: ['', path, '', reason], kind: 'off'})), -1);
+    show(listOf(map.off.map(([path, reason]) => ({cells: [path, reason]}))), -1, true);
   } else if (part.v === FINDINGS) {
-    $('where').textContent = 'What the checks found';
-    show(map.findings.map(text => ({cells: ['', text, '', '']})), -1);
+    $('where').textContent = 'What the checks found' +
+      (map.findings.length < map.found ? ', the first of ' + map.found : '');
+    show(listOf(map.findings.map(text => ({cells: [text], kind: 'whole'}))), -1, true);
   } else {
     $('where').textContent = view ? 'As seen from ' + view.path : 'No initiator sees anything';
-    show(view ? viewRows(map, view) : [], -1);
+    show(listOf(view ? viewRows(map, view) : []), -1);
   }
-  $('count').textContent = rows.length + (rows.length === 1 ? ' row' : ' rows');
 }
 
 function move(step) {
   if (!rows.length) return;
   at = Math.min(rows.length - 1, Math.max(0, at + step));
-  const list = $('list'), top = at * HEIGHT;
-  if (top < list.scrollTop) list.scrollTop = top;
-  if (top + HEIGHT > list.scrollTop + list.clientHeight)
-    list.scrollTop = top + HEIGHT - list.clientHeight;
+  const list = $('list'), top = at * height();
+  if (top < list.scrollTop && !isText) list.scrollTop = top;
+  if (top + height() > list.scrollTop + list.clientHeight && !isText)
+    list.scrollTop = top + height() - list.clientHeight;
   draw(false);
+  if (isText && $('space').children[at]) $('space').children[at].scrollIntoView({block: 'nearest'});
 }
 
 const KEYS = {ArrowDown: () => move(1), ArrowUp: () => move(-1), PageDown: () => move(20),
   PageUp: () => move(-20), Home: () => move(-rows.length), End: () => move(rows.length),
-  Enter: () => { const row = rows[Math.max(at, 0)]; if (row && row.go) go(row.go); }};
+  Enter: () => { if (rows.length && rows.at(Math.max(at, 0)).go) go(rows.at(Math.max(at, 0)).go); }};
 
 $('title').textContent = DATA.title;
 document.addEventListener('keydown', event => {
@@ -314,16 +359,18 @@ document.addEventListener('keydown', event => {
   }
 });
 $('query').addEventListener('input', () => {
-  const part = place(), change = {c: part.c, v: part.v, q: $('query').value};
-  history.replaceState(null, '', fragment(change) === '#' ? '#' : fragment(change));
-  render();
+  const change = {c: shown.c, v: shown.v, q: $('query').value};
+  render(change);
+  clearTimeout(timer);
+  typed = fragment(change);
+  timer = setTimeout(settle, 200);
 });
-$('config').addEventListener('change', () => go({...place(), c: $('config').value}));
+$('config').addEventListener('change', () => go({...shown, c: $('config').value}));
 $('view').addEventListener('change', () => go({v: $('view').value, b: '', r: '', q: ''}));
 $('up').addEventListener('click', () => { $('query').value = ''; go({}); });
-$('list').addEventListener('scroll', () => draw(false), {passive: true});
+$('list').addEventListener('scroll', () => isText || draw(false), {passive: true});
 addEventListener('resize', () => draw(false));
-addEventListener('hashchange', render);
+addEventListener('hashchange', () => render());
 addEventListener('beforeprint', () => draw(true));
 addEventListener('afterprint', () => draw(false));
 render();
