@@ -12,7 +12,7 @@
 #include <limits>
 #include <span>
 
-#include "clocking/ClockSearchTypes.h"
+#include "clocking/run/RunTypes.h"
 
 namespace hbs_clocking {
 

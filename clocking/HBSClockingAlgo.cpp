@@ -107,24 +107,6 @@ std::string HBSClockingAlgo::getPllNameAt(unsigned domainIndex, unsigned pllInde
     return pll == nullptr ? std::string() : pll->getName();
 }
 
-std::vector<HBSPeripheral*> HBSClockingAlgo::startRun() {
-    std::vector<HBSPeripheral*> enabled = getEnabledPeripherals();
-    if (enabled.empty())
-        std::cout << "No peripheral enabled\n";
-    else if (!validateConfig())
-        enabled.clear();
-    else
-        resetResults();
-    return enabled;
-}
-
-bool HBSClockingAlgo::climbLadder(const std::function<bool()>& solveStep) {
-    return std::any_of(kToleranceLadder.begin(), kToleranceLadder.end(), [&](float tolerance) {
-        m_toleranceFactor = tolerance;
-        return solveStep();
-    });
-}
-
 const char* HBSClockingAlgo::faultOfPllCounts(const char* severalText) const {
     const auto anyDomain = [this](auto&& test) {
         return std::any_of(m_powerDomains.begin(), m_powerDomains.end(),
@@ -133,6 +115,16 @@ const char* HBSClockingAlgo::faultOfPllCounts(const char* severalText) const {
     if (anyDomain([](std::size_t plls) { return plls == 0; }))
         return "No PLL added to power domain\n";
     return anyDomain([](std::size_t plls) { return plls > 1; }) ? severalText : nullptr;
+}
+
+bool HBSClockingAlgo::validateNocAndReference() const {
+    constexpr std::int32_t nocIndex = 1;
+    if (getPowerDomainIndex("NOC_DOMAIN") != nocIndex)
+        std::cout << "NOC_DOMAIN is not added in the desired order.\n";
+    if (m_refClkFreq != 0.0F)
+        return true;
+    std::cout << "Input freq. is not set\n";
+    return false;
 }
 
 void HBSClockingAlgo::resetResults() {

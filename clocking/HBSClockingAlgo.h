@@ -2,12 +2,8 @@
 // 2, 4 and 6 PLLs share.
 #pragma once
 
-#include <array>
-#include <chrono>
 #include <cstdint>
-#include <functional>
 #include <memory>
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,19 +18,8 @@
 
 namespace hbs_clocking {
 
-// Of the searches of four and six PLLs (clocking/search).
-class CombinationList;
 class SavedResults;
-struct ComboResult;
-struct DividerRange;
-struct RunTerms;
-struct SearchProblem;
-class SettingList;
-struct StepCandidates;
-struct TreeShape;
-struct Tuple;
-using Combination = std::array<std::uint8_t, 6>;
-using ClkoutDivCombos = std::array<DividerRange, 6>;
+class SolverRun;
 
 /// How the last search of a tree of four or six PLLs went, at the step that ended it.
 struct SearchStatistics {
@@ -172,142 +157,16 @@ public:
     [[nodiscard]] std::int32_t getPowerDomainIndex(const std::string& name) const;
 
 protected:
-    /// What a run starts with: the enabled peripherals, of a tree that has its shape and no earlier
-    /// result any more. None, after a line that says why and with the earlier result left, for a
-    /// tree that has no valid shape.
-    [[nodiscard]] std::vector<HBSPeripheral*> startRun();
-    /// Takes the tolerances of the ladder in order, each as the present one, until `solveStep`
-    /// returns true. False, with the last tolerance left, if it never does.
-    [[nodiscard]] bool climbLadder(const std::function<bool()>& solveStep);
+    // Shape checks of the solvers.
+
     /// The complaint about a tree whose domains haven't one PLL each, or null. A domain without any
     /// comes first, whatever its index; `severalText` is for a domain with more than one.
     [[nodiscard]] const char* faultOfPllCounts(const char* severalText) const;
-    /// Name of a PLL by the positions of its domain and within it; empty where there is none.
-    [[nodiscard]] std::string getPllNameAt(unsigned domainIndex, unsigned pllIndex) const;
-
-    // Terms (HBSClockingAlgo_terms.cpp).
-
-    /// Whether runs may take part in the store of solutions.
-    [[nodiscard]] bool usesStore() const;
-    [[nodiscard]] RunTerms runTerms(const std::vector<HBSPeripheral*>& enabled) const;
-    /// The multipliers to try for a PLL: its own by the terms, else all of the list. The NOC PLL's
-    /// own one must be in the list.
-    [[nodiscard]] std::vector<unsigned> allowedMultipliers(unsigned pll,
-                                                           std::span<const unsigned> list) const;
-    /// Whether the terms name one of two PLLs, which can't be swapped then.
-    [[nodiscard]] bool tellApart(unsigned pllA, unsigned pllB) const;
-    /// Position of a domain's first PLL in the solver's order.
-    [[nodiscard]] unsigned firstPllOf(unsigned domainIndex) const;
-    /// The answer of a run as a setting; `m_totalRelativeError` is its sum.
-    [[nodiscard]] ClockSetting settingOf(const std::vector<HBSPeripheral*>& enabled,
-                                         const PeripheralResult& peripheralResult,
-                                         const PllResult& pllResult) const;
-    /// Ends a run: what `getSettings` gives, if the terms ask for settings.
-    void keepSettings(SettingList& list, const ClockSetting& answer);
-
-    // Dividers (HBSClockingAlgo_dividers.cpp).
-
-    /// Smallest PLL output divider of 1, 2, 4 and 8 that keeps the PLL under its domain's limit; 1
-    /// for a domain that doesn't exist.
-    [[nodiscard]] unsigned computeClkoutDiv(unsigned mul, unsigned domainIndex) const;
-    /// Output divider of the NOC PLL, any integer; 1 unless exactly one NOC peripheral is enabled.
-    [[nodiscard]] unsigned computeNocClkoutDiv(unsigned mul) const;
-    /// The clock in MHz that leaves a PLL of that domain: multiplier × reference ÷ output divider.
-    [[nodiscard]] float pllFreqMhz(unsigned mul, unsigned domainIndex) const;
-    /// Takes the best of the clocks for one peripheral: `out` is its position and the divider, the
-    /// result its relative error. -1 when none is under the present tolerance; see `isNoDivider`.
-    /// Ties go to the first clock.
-    [[nodiscard]] float findBestDivider(std::span<const float> frequenciesMhz, float targetMhz,
-                                        DividerChoice& out) const;
-    /// The same over slots, empty ones skipped, with the divider of `nearestDivider`.
-    [[nodiscard]] float findBestDividerInSlots(std::span<const ClockSlot> slots, float targetMhz,
-                                               DividerChoice& out) const;
-
-    // Reduction per domain (HBSClockingAlgo_domains.cpp).
-
-    /// The candidates of the present tolerance as bit sets and their union, ascending. False when a
-    /// peripheral has none.
-    [[nodiscard]] bool collectCandidates(const std::vector<HBSPeripheral*>& enabled,
-                                         MultiplierBitMap& multiplierBits,
-                                         std::vector<unsigned>& multipliers);
-    [[nodiscard]] static MultiplierBitMap buildMultiplierBits(const CandidateMap& candidates);
-    /// The bit sets of a domain's peripherals: what a combination has to cover.
-    [[nodiscard]] static std::vector<MultiplierBits>
-    getDomainNeeds(const MultiplierBitMap& multiplierBits, unsigned domainIndex);
-    /// The multipliers, in their order, that alone cover the domain. Locks its tolerance.
-    [[nodiscard]] std::vector<unsigned>
-    filterMultipliersForDomain(std::span<const unsigned> multipliers,
-                               const MultiplierBitMap& multiplierBits, unsigned domainIndex);
-    /// Lowers the domain's error limit to the present tolerance. Called whenever combinations were
-    /// found for a domain: it keeps that step's tolerance while other domains go on loosening.
-    void lockTolerance(unsigned domainIndex);
-
-    // Combinations (HBSClockingAlgo_combinations.cpp). The lists aren't laid out. Those that test a
-    // domain lock its tolerance, unless it is said otherwise.
-
-    /// `[a, b]` with `a` from the candidates and `b` from the others that cover the domain.
-    [[nodiscard]] CombinationList buildPairsForDomain(const StepCandidates& candidates,
-                                                      std::span<const unsigned> others,
-                                                      unsigned domainIndex);
-    /// `[a, b]` without a test.
-    [[nodiscard]] static CombinationList buildFreePairs(std::span<const unsigned> firsts,
-                                                        std::span<const unsigned> others);
-    /// Combinations continued by one candidate, as a whole covering the domain.
-    [[nodiscard]] CombinationList extendCombosForDomain(const StepCandidates& candidates,
-                                                        const CombinationList& combos,
-                                                        unsigned domainIndex);
-    /// Pairs of different candidates, in both orders, that cover the domain.
-    [[nodiscard]] CombinationList buildOrderedPairsForDomain(const StepCandidates& candidates,
-                                                             unsigned domainIndex);
-    /// Combinations continued by such a pair, as a whole covering the domain.
-    [[nodiscard]] CombinationList extendCombosWithPairsForDomain(const StepCandidates& candidates,
-                                                                 const CombinationList& combos,
-                                                                 unsigned domainIndex);
-    /// Pairs of candidates, the smaller first, that cover the domain.
-    [[nodiscard]] CombinationList buildUnorderedPairsForDomain(const StepCandidates& candidates,
-                                                               unsigned domainIndex);
-    /// Combinations continued by every element of the list, without a test.
-    [[nodiscard]] static CombinationList appendToCombos(const CombinationList& combos,
-                                                        std::span<const unsigned> list);
-    /// Combinations continued by every pair, without a test.
-    [[nodiscard]] static CombinationList appendPairsToCombos(const CombinationList& combos,
-                                                             const CombinationList& pairs);
-    /// Combinations continued by pairs, the smaller first, that cover the domain together with what
-    /// may cross from places 0 and 2. Doesn't lock the tolerance.
-    [[nodiscard]] CombinationList extendCombosWithCrossCheck(const StepCandidates& candidates,
-                                                             const CombinationList& combos,
-                                                             unsigned domainIndex) const;
-
-    // Trees with a NOC clock (HBSClockingAlgo_search.cpp).
-
-    /// Combinations that a solver tries at one step; empty to go on to the next.
-    using ComboBuilder = std::function<CombinationList(const StepCandidates&)>;
-
     /// What the solvers of four and six PLLs check after their PLLs: the place of the NOC domain,
     /// which is only complained of, and the reference.
     [[nodiscard]] bool validateNocAndReference() const;
-    /// The whole run.
-    [[nodiscard]] bool runLadder(const TreeShape& shape, const ComboBuilder& buildCombos);
-    /// The tuples of output dividers of a combination, as a range per PLL.
-    [[nodiscard]] ClkoutDivCombos buildClkoutDivCombos(const TreeShape& shape,
-                                                       const Combination& combination) const;
-    /// The best of all combinations; split among threads when they are many. False for none.
-    [[nodiscard]] bool searchCombos(const TreeShape& shape,
-                                    const std::vector<HBSPeripheral*>& enabled,
-                                    const CombinationList& combos, ComboResult& result);
-
-    // Solutions (HBSClockingAlgo_solutions.cpp).
-
-    /// Writes a solution to the PLLs and peripherals, and marks it found.
-    void applySolution(const PeripheralResult& peripheralResult, const PllResult& pllResult);
-    /// What a stored solution is found by.
-    [[nodiscard]] std::vector<std::pair<std::string, float>>
-    buildSolutionKey(const std::vector<HBSPeripheral*>& enabled) const;
-    /// Takes the solution from the process's store when it is there, and says so.
-    [[nodiscard]] bool applyCachedSolution(const std::vector<HBSPeripheral*>& enabled);
-    /// Puts a solution into the process's store, unless that is full.
-    void storeSolution(const std::vector<HBSPeripheral*>& enabled,
-                       const PeripheralResult& peripheralResult, const PllResult& pllResult) const;
+    /// Name of a PLL by the positions of its domain and within it; empty where there is none.
+    [[nodiscard]] std::string getPllNameAt(unsigned domainIndex, unsigned pllIndex) const;
 
     std::uint32_t m_pllCount = 0; ///< set by the solver
     std::string m_name;
@@ -326,25 +185,7 @@ protected:
 
 private:
     friend class SavedResults;
-
-    void climbSearchLadder(const TreeShape& shape, const ComboBuilder& buildCombos,
-                           const std::vector<HBSPeripheral*>& enabled,
-                           const std::vector<HBSPeripheral*>& noc);
-    [[nodiscard]] CombinationList lockIfAny(CombinationList combos, unsigned domainIndex);
-    [[nodiscard]] bool collectStepCandidates(const std::vector<HBSPeripheral*>& enabled,
-                                             const std::vector<HBSPeripheral*>& noc,
-                                             StepCandidates& candidates);
-    void complainOfNocPeripherals(const TreeShape& shape, const CombinationList& combos) const;
-    [[nodiscard]] SearchProblem problemOf(const TreeShape& shape,
-                                          const std::vector<HBSPeripheral*>& enabled,
-                                          const CombinationList& combos) const;
-    void listSettings(const TreeShape& shape, const std::vector<HBSPeripheral*>& enabled,
-                      const CombinationList& combos, const ComboResult& result);
-    void writeDecisions(const TreeShape& shape, const std::vector<HBSPeripheral*>& enabled,
-                        const Tuple& tuple, ComboResult& result) const;
-    void sendTimingMessage(std::size_t enabledCount,
-                           std::chrono::steady_clock::time_point start) const;
-    void configurePll(const std::string& name, const std::vector<unsigned>& config);
+    friend class SolverRun;
 };
 
 } // namespace hbs_clocking

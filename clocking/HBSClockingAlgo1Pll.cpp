@@ -1,11 +1,55 @@
 #include "clocking/HBSClockingAlgo1Pll.h"
 
 #include <iostream>
+#include <span>
+#include <vector>
 
 #include "clocking/ClockingArithmetic.h"
-#include "clocking/search/RunTerms.h"
+#include "clocking/run/DomainCover.h"
+#include "clocking/run/PllDividers.h"
+#include "clocking/run/SolverRun.h"
 
 namespace hbs_clocking {
+
+namespace {
+
+/// The best of the multipliers, which all cover the peripherals. False for none.
+[[nodiscard]] bool solveMultiplierList(SolverRun& run, std::span<const unsigned> multipliers,
+                                       StepResult& result) {
+    const HBSClockingAlgo& tree = run.tree();
+    const std::vector<HBSPeripheral*>& enabled = run.enabled();
+    float best = kWorstTotalError;
+    const RunTerms terms = run.terms();
+    SettingList list(run.wantedSettings());
+    std::vector<DividerChoice> choices(enabled.size());
+    for (const unsigned mul : multipliers) {
+        const float freqMhz = pllFreqMhz(tree, mul, 0);
+        float total = 0.0F;
+        bool served = true;
+        for (std::size_t i = 0; i < enabled.size() && served; ++i) {
+            const float error = findBestDivider({&freqMhz, 1}, enabled[i]->getRequestedFreq(),
+                                                run.tolerance(), choices[i]);
+            served = !isNoDivider(error) && terms.peripherals[i].deniedPlls % 2 == 0;
+            total += error * terms.peripherals[i].weight;
+        }
+        const unsigned clkoutDiv = computeClkoutDiv(tree, mul, 0);
+        if (served)
+            list.add({total * terms.scale, {{mul, clkoutDiv, 0}}, choices});
+        if (!served || !definitelyLess(total, best, kMargin))
+            continue;
+        best = total;
+        result.total = total * terms.scale;
+        for (std::size_t i = 0; i < enabled.size(); ++i)
+            result.peripherals[enabled[i]] = choices[i];
+        result.plls = {{tree.getPllNameByIndex(0), {mul, clkoutDiv}}};
+    }
+    if (result.peripherals.empty())
+        return false;
+    run.keepSettings(list, result);
+    return true;
+}
+
+} // namespace
 
 HBSClockingAlgo1Pll::HBSClockingAlgo1Pll(const std::string& name) : HBSClockingAlgo(name) {
     m_pllCount = 1;
@@ -36,57 +80,22 @@ std::string HBSClockingAlgo1Pll::getPllNameByIndex(unsigned index) const {
 }
 
 bool HBSClockingAlgo1Pll::runSolution() {
-    const std::vector<HBSPeripheral*> enabled = startRun();
-    if (enabled.empty())
+    SolverRun run(*this, m_pllCount);
+    if (!run.start())
         return false;
-    return climbLadder([&] {
+    return run.climbLadder([&] {
         MultiplierBitMap multiplierBits;
         std::vector<unsigned> multipliers;
-        if (!collectCandidates(enabled, multiplierBits, multipliers))
+        if (run.collectCandidates(multiplierBits, multipliers) != run.enabled().size())
             return false;
-        const std::vector<unsigned> covering =
-            filterMultipliersForDomain(allowedMultipliers(0, multipliers), multiplierBits, 0);
-        PeripheralResult peripheralResult;
-        PllResult pllResult;
-        if (!solveMultiplierList(enabled, covering, peripheralResult, pllResult))
+        const std::vector<unsigned> covering = filterMultipliersForDomain(
+            *this, run.allowedMultipliers(0, multipliers), multiplierBits, 0);
+        StepResult result;
+        if (!solveMultiplierList(run, covering, result))
             return false;
-        applySolution(peripheralResult, pllResult);
+        run.applySolution(result);
         return true;
     });
-}
-
-bool HBSClockingAlgo1Pll::solveMultiplierList(const std::vector<HBSPeripheral*>& enabled,
-                                              std::span<const unsigned> multipliers,
-                                              PeripheralResult& peripheralResult,
-                                              PllResult& pllResult) {
-    float best = kWorstTotalError;
-    const RunTerms terms = runTerms(enabled);
-    SettingList list(m_terms.settings);
-    std::vector<DividerChoice> choices(enabled.size());
-    for (const unsigned mul : multipliers) {
-        const float freqMhz = pllFreqMhz(mul, 0);
-        float total = 0.0F;
-        bool served = true;
-        for (std::size_t i = 0; i < enabled.size() && served; ++i) {
-            const float error =
-                findBestDivider({&freqMhz, 1}, enabled[i]->getRequestedFreq(), choices[i]);
-            served = !isNoDivider(error) && terms.peripherals[i].deniedPlls % 2 == 0;
-            total += error * terms.peripherals[i].weight;
-        }
-        if (served)
-            list.add({total * terms.scale, {{mul, computeClkoutDiv(mul, 0), 0}}, choices});
-        if (!served || !definitelyLess(total, best, kMargin))
-            continue;
-        best = total;
-        m_totalRelativeError = total * terms.scale;
-        for (std::size_t i = 0; i < enabled.size(); ++i)
-            peripheralResult[enabled[i]] = choices[i];
-        pllResult = {{getPllNameByIndex(0), {mul, computeClkoutDiv(mul, 0)}}};
-    }
-    if (peripheralResult.empty())
-        return false;
-    keepSettings(list, settingOf(enabled, peripheralResult, pllResult));
-    return true;
 }
 
 } // namespace hbs_clocking

@@ -1,9 +1,7 @@
 // The solver of clock trees with one power domain and one PLL.
 #pragma once
 
-#include <span>
 #include <string>
-#include <vector>
 
 #include "clocking/HBSClockingAlgo.h"
 #include "tq_export.h"
@@ -29,12 +27,6 @@ public:
     /// The first PLL's name whatever the index; one other than 0 prints "Index out of range\n"
     /// first.
     [[nodiscard]] std::string getPllNameByIndex(unsigned index) const override;
-
-private:
-    [[nodiscard]] bool solveMultiplierList(const std::vector<HBSPeripheral*>& enabled,
-                                           std::span<const unsigned> multipliers,
-                                           PeripheralResult& peripheralResult,
-                                           PllResult& pllResult);
 };
 
 } // namespace hbs_clocking

@@ -2,9 +2,14 @@
 
 #include <array>
 #include <iostream>
+#include <span>
+#include <utility>
+#include <vector>
 
 #include "clocking/ClockingArithmetic.h"
-#include "clocking/search/RunTerms.h"
+#include "clocking/run/DomainCover.h"
+#include "clocking/run/PllDividers.h"
+#include "clocking/run/SolverRun.h"
 
 namespace hbs_clocking {
 
@@ -32,6 +37,73 @@ buildPairs(const std::vector<unsigned>& firsts, const std::vector<unsigned>& sec
         for (const unsigned b : seconds)
             pairs.emplace_back(a, b);
     return pairs;
+}
+
+/// What the clocks of all multipliers of the pairs offer, each worked out once.
+struct OfferTable {
+    std::array<Offers, kMaxMultiplier + 1> first;
+    std::array<Offers, kMaxMultiplier + 1> second;
+
+    OfferTable(const SolverRun& run, std::span<const std::pair<unsigned, unsigned>> pairs) {
+        const HBSClockingAlgo& tree = run.tree();
+        for (const auto& [m0, m1] : pairs) {
+            if (first[m0].empty()) {
+                const float f0 = pllFreqMhz(tree, m0, 0);
+                first[m0] =
+                    collectOffers(run.enabled(), {f0, tree.getAllowCrossDomain() ? f0 : 0.0F});
+            }
+            if (second[m1].empty()) {
+                const float f1 = pllFreqMhz(tree, m1, 1);
+                second[m1] = collectOffers(run.enabled(), {f1, f1});
+            }
+        }
+    }
+};
+
+/// The best of the pairs of multipliers, each of which covers its own domain. False for none.
+[[nodiscard]] bool solveMultiplierPairs(SolverRun& run,
+                                        std::span<const std::pair<unsigned, unsigned>> pairs,
+                                        StepResult& result) {
+    const OfferTable offers(run, pairs);
+    const HBSClockingAlgo& tree = run.tree();
+    const std::vector<HBSPeripheral*>& enabled = run.enabled();
+    float best = kWorstTotalError;
+    const RunTerms terms = run.terms();
+    SettingList list(run.wantedSettings());
+    std::vector<DividerChoice> choices(enabled.size());
+    for (const auto& [m0, m1] : pairs) {
+        float total = 0.0F;
+        bool open = true; // errors only add up: a sum that can't win any more is given up
+        for (std::size_t i = 0; i < enabled.size() && open; ++i) {
+            BestOffer offer(run.tolerance());
+            const RunTerms::Peripheral& own = terms.peripherals[i];
+            if (own.deniedPlls % 2 == 0)
+                offer.consider(0, offers.first[m0][i]);
+            if (enabled[i]->getPowerDomainIndex() == 1 && own.deniedPlls / 2 == 0)
+                offer.consider(1, offers.second[m1][i]);
+            choices[i] = offer.choice();
+            total += offer.error() * own.weight;
+            open = offer.isFound() &&
+                   (definitelyLess(total, best, kMargin) || total * terms.scale <= list.limit());
+        }
+        if (!open)
+            continue;
+        const unsigned div0 = computeClkoutDiv(tree, m0, 0);
+        const unsigned div1 = computeClkoutDiv(tree, m1, 1);
+        list.add({total * terms.scale, {{m0, div0, 0}, {m1, div1, 0}}, choices});
+        if (!definitelyLess(total, best, kMargin))
+            continue;
+        best = total;
+        result.total = total * terms.scale;
+        for (std::size_t i = 0; i < enabled.size(); ++i)
+            result.peripherals[enabled[i]] = choices[i];
+        result.plls = {{tree.getPllNameByIndex(0), {m0, div0}}};
+        result.plls[tree.getPllNameByIndex(1)] = {m1, div1};
+    }
+    if (result.peripherals.empty())
+        return false;
+    run.keepSettings(list, result);
+    return true;
 }
 
 } // namespace
@@ -65,82 +137,25 @@ std::string HBSClockingAlgo2Pll::getPllNameByIndex(unsigned index) const {
 }
 
 bool HBSClockingAlgo2Pll::runSolution() {
-    const std::vector<HBSPeripheral*> enabled = startRun();
-    if (enabled.empty())
+    SolverRun run(*this, m_pllCount);
+    if (!run.start())
         return false;
-    return climbLadder([&] {
+    return run.climbLadder([&] {
         MultiplierBitMap multiplierBits;
         std::vector<unsigned> multipliers;
-        if (!collectCandidates(enabled, multiplierBits, multipliers))
+        if (run.collectCandidates(multiplierBits, multipliers) != run.enabled().size())
             return false;
         // Both run before either is tested: each list locks its own domain's tolerance.
-        const auto firsts =
-            filterMultipliersForDomain(allowedMultipliers(0, multipliers), multiplierBits, 0);
-        const auto seconds =
-            filterMultipliersForDomain(allowedMultipliers(1, multipliers), multiplierBits, 1);
-        PeripheralResult peripheralResult;
-        PllResult pllResult;
-        if (!solveMultiplierPairs(enabled, buildPairs(firsts, seconds), peripheralResult,
-                                  pllResult))
+        const auto firsts = filterMultipliersForDomain(
+            *this, run.allowedMultipliers(0, multipliers), multiplierBits, 0);
+        const auto seconds = filterMultipliersForDomain(
+            *this, run.allowedMultipliers(1, multipliers), multiplierBits, 1);
+        StepResult result;
+        if (!solveMultiplierPairs(run, buildPairs(firsts, seconds), result))
             return false;
-        applySolution(peripheralResult, pllResult);
+        run.applySolution(result);
         return true;
     });
-}
-
-bool HBSClockingAlgo2Pll::solveMultiplierPairs(
-    const std::vector<HBSPeripheral*>& enabled,
-    const std::vector<std::pair<unsigned, unsigned>>& pairs, PeripheralResult& peripheralResult,
-    PllResult& pllResult) {
-    std::array<Offers, kMaxMultiplier + 1> offers0;
-    std::array<Offers, kMaxMultiplier + 1> offers1;
-    for (const auto& [m0, m1] : pairs) {
-        if (offers0[m0].empty()) {
-            const float f0 = pllFreqMhz(m0, 0);
-            offers0[m0] = collectOffers(enabled, {f0, m_allowCrossDomain ? f0 : 0.0F});
-        }
-        if (offers1[m1].empty()) {
-            const float f1 = pllFreqMhz(m1, 1);
-            offers1[m1] = collectOffers(enabled, {f1, f1});
-        }
-    }
-
-    float best = kWorstTotalError;
-    const RunTerms terms = runTerms(enabled);
-    SettingList list(m_terms.settings);
-    std::vector<DividerChoice> choices(enabled.size());
-    for (const auto& [m0, m1] : pairs) {
-        float total = 0.0F;
-        bool open = true; // errors only add up: a sum that can't win any more is given up
-        for (std::size_t i = 0; i < enabled.size() && open; ++i) {
-            BestOffer offer(m_toleranceFactor);
-            const RunTerms::Peripheral& own = terms.peripherals[i];
-            if (own.deniedPlls % 2 == 0)
-                offer.consider(0, offers0[m0][i]);
-            if (enabled[i]->getPowerDomainIndex() == 1 && own.deniedPlls / 2 == 0)
-                offer.consider(1, offers1[m1][i]);
-            choices[i] = offer.choice();
-            total += offer.error() * own.weight;
-            open = offer.isFound() &&
-                   (definitelyLess(total, best, kMargin) || total * terms.scale <= list.limit());
-        }
-        if (open)
-            list.add({total * terms.scale,
-                      {{m0, computeClkoutDiv(m0, 0), 0}, {m1, computeClkoutDiv(m1, 1), 0}},
-                      choices});
-        if (!open || !definitelyLess(total, best, kMargin))
-            continue;
-        best = total;
-        m_totalRelativeError = total * terms.scale;
-        for (std::size_t i = 0; i < enabled.size(); ++i)
-            peripheralResult[enabled[i]] = choices[i];
-        pllResult = {{getPllNameByIndex(0), {m0, computeClkoutDiv(m0, 0)}}};
-        pllResult[getPllNameByIndex(1)] = {m1, computeClkoutDiv(m1, 1)};
-    }
-    if (peripheralResult.empty())
-        return false;
-    keepSettings(list, settingOf(enabled, peripheralResult, pllResult));
-    return true;
 }
 
 } // namespace hbs_clocking

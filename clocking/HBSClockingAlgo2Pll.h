@@ -2,8 +2,6 @@
 #pragma once
 
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "clocking/HBSClockingAlgo.h"
 #include "tq_export.h"
@@ -34,12 +32,6 @@ public:
     /// The first PLL of domain 0 or 1; other indices print "Index out of range\n" and give an empty
     /// text.
     [[nodiscard]] std::string getPllNameByIndex(unsigned index) const override;
-
-private:
-    [[nodiscard]] bool solveMultiplierPairs(const std::vector<HBSPeripheral*>& enabled,
-                                            const std::vector<std::pair<unsigned, unsigned>>& pairs,
-                                            PeripheralResult& peripheralResult,
-                                            PllResult& pllResult);
 };
 
 } // namespace hbs_clocking

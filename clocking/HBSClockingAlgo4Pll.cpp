@@ -1,10 +1,28 @@
 #include "clocking/HBSClockingAlgo4Pll.h"
 
 #include <iostream>
+#include <vector>
 
-#include "clocking/search/ComboSearch.h"
+#include "clocking/run/NocRun.h"
 
 namespace hbs_clocking {
+
+namespace {
+
+[[nodiscard]] CombinationList buildCombos(const CombinationBuilder& step) {
+    CombinationList combos = step.buildPairsForDomain(step.nocMultipliers(), 0);
+    for (const unsigned domain : {2U, 3U}) {
+        // Runs, and locks the domain's tolerance, even when there is nothing to continue.
+        const std::vector<unsigned> own = step.filterMultipliersForDomain(domain, domain);
+        if (combos.isEmpty())
+            continue;
+        combos = own.empty() ? step.extendCombosForDomain(combos, domain)
+                             : step.appendToCombos(combos, own);
+    }
+    return combos;
+}
+
+} // namespace
 
 HBSClockingAlgo4Pll::HBSClockingAlgo4Pll(const std::string& name) : HBSClockingAlgo(name) {
     m_pllCount = kFourPllShape.pllCount;
@@ -35,23 +53,7 @@ std::string HBSClockingAlgo4Pll::getPllNameByIndex(unsigned index) const {
 }
 
 bool HBSClockingAlgo4Pll::runSolution() {
-    return runLadder(kFourPllShape,
-                     [this](const StepCandidates& candidates) { return buildCombos(candidates); });
-}
-
-CombinationList HBSClockingAlgo4Pll::buildCombos(const StepCandidates& candidates) {
-    CombinationList combos =
-        buildPairsForDomain(candidates, allowedMultipliers(1, candidates.nocMultipliers), 0);
-    for (const unsigned domain : {2U, 3U}) {
-        // Runs, and locks the domain's tolerance, even when there is nothing to continue.
-        const std::vector<unsigned> own = filterMultipliersForDomain(
-            allowedMultipliers(domain, candidates.multipliers), candidates.bits, domain);
-        if (combos.isEmpty())
-            continue;
-        combos = own.empty() ? extendCombosForDomain(candidates, combos, domain)
-                             : appendToCombos(combos, own);
-    }
-    return combos;
+    return NocRun(*this, kFourPllShape, buildCombos).solve();
 }
 
 } // namespace hbs_clocking

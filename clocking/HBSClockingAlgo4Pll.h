@@ -44,9 +44,6 @@ public:
     [[nodiscard]] bool validateConfig() const override;
     /// The PLL of domain 0 to 3; other indices print "Index out of range\n" and give an empty text.
     [[nodiscard]] std::string getPllNameByIndex(unsigned index) const override;
-
-private:
-    [[nodiscard]] CombinationList buildCombos(const StepCandidates& candidates);
 };
 
 } // namespace hbs_clocking

@@ -3,8 +3,9 @@
 #include <array>
 #include <iostream>
 #include <utility>
+#include <vector>
 
-#include "clocking/search/ComboSearch.h"
+#include "clocking/run/NocRun.h"
 
 namespace hbs_clocking {
 
@@ -22,6 +23,30 @@ namespace {
     if (hasTwo && plls == 1)
         return "Only one PLL added to power domain, expected two PLLs.\n";
     return nullptr;
+}
+
+[[nodiscard]] CombinationList buildPairs(const CombinationBuilder& step) {
+    // Unlike in a tree of four PLLs, the main PLL covers its domain alone where it can.
+    const std::vector<unsigned> own = step.filterMultipliersForDomain(0, 0);
+    const std::vector<unsigned> noc = step.nocMultipliers();
+    if (noc.empty())
+        return {};
+    return own.empty() ? step.buildPairsForDomain(noc, 0) : step.buildFreePairs(own, noc);
+}
+
+[[nodiscard]] CombinationList buildCombos(const CombinationBuilder& step) {
+    // Pairs of both domains are built, and lock their tolerance, even when they aren't needed.
+    const CombinationList pairs = buildPairs(step);
+    const CombinationList own2 = step.buildOrderedPairsForDomain(2);
+    CombinationList quads;
+    if (!pairs.isEmpty())
+        quads = own2.isEmpty() ? step.extendCombosWithPairsForDomain(pairs, 2)
+                               : step.appendPairsToCombos(pairs, own2);
+    const CombinationList own3 = step.buildUnorderedPairsForDomain(3);
+    if (quads.isEmpty())
+        return {};
+    return own3.isEmpty() ? step.extendCombosWithCrossCheck(quads, 3)
+                          : step.appendPairsToCombos(quads, own3);
 }
 
 } // namespace
@@ -57,33 +82,7 @@ std::string HBSClockingAlgo6Pll::getPllNameByIndex(unsigned index) const {
 }
 
 bool HBSClockingAlgo6Pll::runSolution() {
-    return runLadder(kSixPllShape,
-                     [this](const StepCandidates& candidates) { return buildCombos(candidates); });
-}
-
-CombinationList HBSClockingAlgo6Pll::buildPairs(const StepCandidates& candidates) {
-    // Unlike in a tree of four PLLs, the main PLL covers its domain alone where it can.
-    const std::vector<unsigned> own = filterMultipliersForDomain(
-        allowedMultipliers(0, candidates.multipliers), candidates.bits, 0);
-    const std::vector<unsigned> noc = allowedMultipliers(1, candidates.nocMultipliers);
-    if (noc.empty())
-        return {};
-    return own.empty() ? buildPairsForDomain(candidates, noc, 0) : buildFreePairs(own, noc);
-}
-
-CombinationList HBSClockingAlgo6Pll::buildCombos(const StepCandidates& candidates) {
-    // Pairs of both domains are built, and lock their tolerance, even when they aren't needed.
-    const CombinationList pairs = buildPairs(candidates);
-    const CombinationList own2 = buildOrderedPairsForDomain(candidates, 2);
-    CombinationList quads;
-    if (!pairs.isEmpty())
-        quads = own2.isEmpty() ? extendCombosWithPairsForDomain(candidates, pairs, 2)
-                               : appendPairsToCombos(pairs, own2);
-    const CombinationList own3 = buildUnorderedPairsForDomain(candidates, 3);
-    if (quads.isEmpty())
-        return {};
-    return own3.isEmpty() ? extendCombosWithCrossCheck(candidates, quads, 3)
-                          : appendPairsToCombos(quads, own3);
+    return NocRun(*this, kSixPllShape, buildCombos).solve();
 }
 
 } // namespace hbs_clocking

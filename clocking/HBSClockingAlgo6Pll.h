@@ -32,10 +32,6 @@ public:
     [[nodiscard]] bool validateConfig() const override;
     /// PLLs 0 to 5; other indices print "Index out of range\n" and give an empty text.
     [[nodiscard]] std::string getPllNameByIndex(unsigned index) const override;
-
-private:
-    [[nodiscard]] CombinationList buildCombos(const StepCandidates& candidates);
-    [[nodiscard]] CombinationList buildPairs(const StepCandidates& candidates);
 };
 
 } // namespace hbs_clocking

@@ -7,7 +7,7 @@
 // Cost: a search per PLL and combination, and at most 15,552 sums for each combination.
 #pragma once
 
-#include "clocking/search/RunTerms.h"
+#include "clocking/run/RunTerms.h"
 #include "clocking/search/SourceTable.h"
 #include "clocking/search/TupleSearch.h"
 

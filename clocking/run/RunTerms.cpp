@@ -1,4 +1,4 @@
-#include "clocking/search/RunTerms.h"
+#include "clocking/run/RunTerms.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "clocking/search/SavedResults.h"
+#include "clocking/run/SavedResults.h"
 
 #include <utility>
 
@@ -6,7 +6,8 @@ namespace hbs_clocking {
 
 SavedResults::SavedResults(HBSClockingAlgo& algo)
     : m_algo(algo), m_resultFound(algo.m_resultFound), m_toleranceFactor(algo.m_toleranceFactor),
-      m_totalRelativeError(algo.m_totalRelativeError), m_statistics(algo.m_searchStatistics) {
+      m_totalRelativeError(algo.m_totalRelativeError), m_statistics(algo.m_searchStatistics),
+      m_settings(algo.m_settings) {
     for (const auto& domain : algo.m_powerDomains)
         m_errorLimits.push_back(domain->getErrorLimit());
     for (HBSPll* pll : algo.getAllPlls())
@@ -21,6 +22,7 @@ void SavedResults::restore() {
     m_algo.m_toleranceFactor = m_toleranceFactor;
     m_algo.m_totalRelativeError = m_totalRelativeError;
     m_algo.m_searchStatistics = m_statistics;
+    m_algo.m_settings = std::move(m_settings);
     for (std::size_t i = 0; i < m_errorLimits.size(); ++i)
         m_algo.m_powerDomains[i]->setErrorLimit(m_errorLimits[i]);
     for (const auto& [pll, mul, div, cross, freqMhz] : m_plls)

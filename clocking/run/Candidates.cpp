@@ -6,6 +6,8 @@
 #include <iostream>
 
 #include "clocking/ClockingArithmetic.h"
+#include "clocking/run/DomainCover.h"
+#include "clocking/run/PllDividers.h"
 
 namespace hbs_clocking {
 
@@ -80,7 +82,7 @@ void HBSClockingAlgo::collectPeripheralMultipliers(const std::vector<HBSPeripher
         if (!isVcoInRange(vcoHz))
             continue;
         for (unsigned i = 0; i < pllHzByDomain.size(); ++i)
-            pllHzByDomain[i] = vcoHz / static_cast<float>(computeClkoutDiv(mul, i));
+            pllHzByDomain[i] = vcoHz / static_cast<float>(computeClkoutDiv(*this, mul, i));
         for (Request& request : requests) {
             if (!isServedBy(request, pllHzByDomain[request.domainIndex]))
                 continue;
@@ -121,7 +123,7 @@ void HBSClockingAlgo::collectNocMultipliers(const std::vector<HBSPeripheral*>& p
         }
     }
     if (!allMultipliers.empty())
-        lockTolerance(static_cast<unsigned>(domain->getIndex()));
+        lockTolerance(*this, static_cast<unsigned>(domain->getIndex()));
 }
 
 } // namespace hbs_clocking

@@ -33,6 +33,7 @@ private:
     float m_toleranceFactor;
     float m_totalRelativeError;
     SearchStatistics m_statistics;
+    std::vector<ClockSetting> m_settings;
     std::vector<float> m_errorLimits;
     std::vector<Pll> m_plls;
     std::vector<Peripheral> m_peripherals;
