@@ -34,9 +34,9 @@ private:
 
 std::string runProgram(std::initializer_list<std::string> words) {
     CLI::App app("", "hbs");
-    int status = host::kSuccess;
-    host::declareCdo(app, status);
-    host::declareHandoff(app, status);
+    tq::Outcome outcome = tq::Outcome::Found;
+    host::declareCdo(app, outcome);
+    host::declareHandoff(app, outcome);
     // CLI11 takes the words from the back.
     std::vector<std::string> reversed(words);
     std::reverse(reversed.begin(), reversed.end());

@@ -16,16 +16,16 @@ struct Options {
     bool json = false;
 };
 
-int run(const Options& options) {
+Outcome run(const Options& options) {
     tq::SequenceScript script = tq::SequenceScript::read(options.script);
     script.run();
     std::cout << (options.json ? script.json() : script.table());
-    return script.failures() == 0 ? kSuccess : kNoResult;
+    return script.failures() == 0 ? Outcome::Found : Outcome::Nothing;
 }
 
 } // namespace
 
-void declareCdo(CLI::App& app, int& status) {
+void declareCdo(CLI::App& app, Outcome& outcome) {
     auto options = std::make_shared<Options>();
     CLI::App* word = app.add_subcommand("cdo", "Runs a script of sequence commands");
     word->add_option("SCRIPT", options->script,
@@ -33,7 +33,7 @@ void declareCdo(CLI::App& app, int& status) {
                      "delete S, for a sequence S and a marker M")
         ->required();
     word->add_flag("--json", options->json, "Prints JSON for programs");
-    word->callback([options, &status] { status = run(*options); });
+    word->callback([options, &outcome] { outcome = run(*options); });
 }
 
 } // namespace host

@@ -1,14 +1,18 @@
 // What the words of `hbs` share: how they are declared, how they end.
 #pragma once
 
+#include <functional>
+#include <memory>
+
 #include <CLI/CLI.hpp>
 
-#include "diagnostics/Diagnostic.h"
 #include "workbench/files/InputError.h"
+#include "workbench/requests/Console.h"
 
 namespace host {
 
 using tq::InputError;
+using tq::Outcome;
 
 /// Exit statuses of the program.
 enum ExitStatus {
@@ -17,23 +21,26 @@ enum ExitStatus {
     kBadInput = 2, ///< bad command line or bad file
 };
 
-/// A person reads the first findings; the rest is counted.
-inline constexpr std::size_t kMostFindings = 20;
+/// The program's own standard streams.
+[[nodiscard]] tq::Console console();
 
-/// Writes findings to the standard error stream as compilers do, and the count of those left out.
-void printFindings(const tq::DiagnosticList& findings);
+/// Gives a word its work: runs the request, which its options were bound to, when it was given.
+template <class Request>
+void bindRequest(CLI::App& word, const std::shared_ptr<Request>& request, Outcome& outcome) {
+    word.callback([request, &outcome] { outcome = request->run(console()); });
+}
 
-// Each declares its word with its options on `app`. The word's callback does the work, leaves the
-// exit status in `status` and raises `InputError` where the input can't be used.
-void declareClocks(CLI::App& app, int& status);
-void declareDefine(CLI::App& app, int& status);
-void declareCdo(CLI::App& app, int& status);
-void declareHardblock(CLI::App& app, int& status);
-void declareHandoff(CLI::App& app, int& status);
-void declareAddressing(CLI::App& app, int& status);
-void declareRegisters(CLI::App& app, int& status);
-void declareIpxact(CLI::App& app, int& status);
-void declareImport(CLI::App& app, int& status);
+// Each declares its word with its options on `app`. The word's callback does the work, leaves its
+// outcome in `outcome` and raises `InputError` where the input can't be used.
+void declareClocks(CLI::App& app, Outcome& outcome);
+void declareDefine(CLI::App& app, Outcome& outcome);
+void declareCdo(CLI::App& app, Outcome& outcome);
+void declareHardblock(CLI::App& app, Outcome& outcome);
+void declareHandoff(CLI::App& app, Outcome& outcome);
+void declareAddressing(CLI::App& app, Outcome& outcome);
+void declareRegisters(CLI::App& app, Outcome& outcome);
+void declareIpxact(CLI::App& app, Outcome& outcome);
+void declareImport(CLI::App& app, Outcome& outcome);
 
 /// The whole program: gives its exit status, and raises nothing.
 int runProgram(int argc, char** argv) noexcept;

@@ -19,8 +19,8 @@ struct Options {
     bool json = false;
 };
 
-int runDefine(const Options& options) {
-    tq::DiagnosticList findings(options.json ? tq::DiagnosticList::kMost : kMostFindings);
+Outcome runDefine(const Options& options) {
+    tq::DiagnosticList findings(options.json ? tq::DiagnosticList::kMost : tq::kMostFindings);
     tq::CompiledDefinition definition =
         tq::compileDefinition(options.directory, options.name, findings.sink());
     if (options.write)
@@ -28,13 +28,13 @@ int runDefine(const Options& options) {
     std::cout << (options.json ? tq::definitionJson(definition, findings.all())
                                : tq::definitionTables(definition, options.registers));
     if (!options.json)
-        printFindings(findings);
-    return kSuccess;
+        console().print(findings);
+    return Outcome::Found;
 }
 
 } // namespace
 
-void declareDefine(CLI::App& app, int& status) {
+void declareDefine(CLI::App& app, Outcome& outcome) {
     auto options = std::make_shared<Options>();
     CLI::App* word = app.add_subcommand(
         "define", "Compiles the tables of a hard block and tells what became of them");
@@ -44,7 +44,7 @@ void declareDefine(CLI::App& app, int& status) {
     word->add_flag("--write", options->write, "Writes DIR/NAME/NAME.bmj");
     word->add_flag("--registers", options->registers, "Shows each register");
     word->add_flag("--json", options->json, "Prints JSON for programs");
-    word->callback([options, &status] { status = runDefine(*options); });
+    word->callback([options, &outcome] { outcome = runDefine(*options); });
 }
 
 } // namespace host

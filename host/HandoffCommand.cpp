@@ -1,124 +1,16 @@
 // hbs handoff: writes a hardware handoff and reports on it, checks it, shows its maps and nets, and
 // compares documents.
 
-#include <iostream>
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "host/Command.h"
 #include "workbench/addressing/export/MapExport.h"
-#include "workbench/files/OutputFile.h"
-#include "workbench/handoff/HandoffDiff.h"
-#include "workbench/handoff/HandoffJob.h"
-#include "workbench/handoff/HandoffMap.h"
-#include "workbench/handoff/HandoffNet.h"
-#include "workbench/text/DiagnosticText.h"
-#include "workbench/text/Text.h"
+#include "workbench/requests/HandoffRequest.h"
 
 namespace host {
 
-namespace {
-
-struct Options {
-    std::string job;
-    std::string output;
-    std::string net;
-    std::string master;
-    std::vector<std::string> exports;
-    std::vector<std::string> documents;
-    bool noTimeStamp = false;
-    bool check = false;
-    bool map = false;
-    bool json = false;
-};
-
-int reportIncomplete(const tq::HandoffJob& job) {
-    std::cerr << "hbs: " << tq::printable(job.connectivity)
-              << R"(: "metadata", its cell, "slaves" or "masters" is missing, )"
-              << "so the handoff isn't complete\n";
-    return kNoResult;
-}
-
-int writeHandoff(const Options& options) {
-    const tq::HandoffJob job = tq::readHandoffJob(options.job);
-    tq::refuseInput(options.output, {options.job, job.connectivity});
-    const tq::HandoffReport report = tq::runHandoff(job, options.output, !options.noTimeStamp);
-    std::cout << (options.json ? tq::handoffJson(report) : tq::handoffTables(report));
-    return report.isComplete ? kSuccess : reportIncomplete(job);
-}
-
-/// A person who asks for the findings gets them all.
-int checkHandoff(const Options& options) {
-    tq::DiagnosticList findings;
-    const tq::HandoffJob job = tq::readHandoffJob(options.job, findings.sink());
-    (void)tq::decideHandoff(job, findings.sink());
-    if (options.json)
-        std::cout << tq::diagnosticsJson(findings.all());
-    else
-        printFindings(findings);
-    if (!options.json)
-        std::cout << tq::printable(options.job) << ": findings: " << findings.count() << '\n';
-    return findings.count() == 0 ? kSuccess : kNoResult;
-}
-
-void exportMaps(const Options& options, const tq::HandoffJob& job,
-                const std::vector<tq::HandoffMap>& maps, const std::string& name) {
-    tq::DiagnosticList findings(kMostFindings);
-    for (const std::string& path : options.exports) {
-        tq::refuseInput(path, {options.job, job.connectivity});
-        tq::writeOutput(path,
-                        tq::exportMapAs(path, tq::handoffMapModel(maps, name, findings.sink()),
-                                        findings.sink()));
-    }
-    printFindings(findings);
-}
-
-int showMap(const Options& options) {
-    const tq::HandoffJob job = tq::readHandoffJob(options.job);
-    const auto handoff = tq::decideHandoff(job);
-    const auto maps = tq::handoffMaps(*handoff, options.master);
-    std::cout << (options.json ? tq::handoffMapJson(maps) : tq::handoffMapTables(maps));
-    exportMaps(options, job, maps, handoff->topName());
-    return maps.empty() ? kNoResult : kSuccess;
-}
-
-int showNet(const Options& options) {
-    const auto handoff = tq::decideHandoff(tq::readHandoffJob(options.job));
-    const tq::HandoffNet net = tq::findNet(*handoff, options.net);
-    std::cout << (options.json ? tq::netJson(net) : tq::netTables(net));
-    return kSuccess;
-}
-
-int showDifferences(const Options& options) {
-    const auto differences = tq::diffHandoffs(options.documents[0], options.documents[1]);
-    std::cout << (options.json ? tq::handoffDiffJson(differences)
-                               : tq::handoffDiffTable(differences));
-    return differences.empty() ? kSuccess : kNoResult;
-}
-
-int run(const Options& options) {
-    if (!options.documents.empty())
-        return showDifferences(options);
-    if (options.job.empty())
-        throw InputError("JOB.json or --diff A B is required");
-    if (options.check)
-        return checkHandoff(options);
-    if (options.map)
-        return showMap(options);
-    if (!options.net.empty())
-        return showNet(options);
-    if (options.output.empty())
-        throw InputError("-o FILE, --check, --map or --net is required");
-    return writeHandoff(options);
-}
-
-} // namespace
-
-void declareHandoff(CLI::App& app, int& status) {
+void declareHandoff(CLI::App& app, Outcome& outcome) {
     auto* command = app.add_subcommand("handoff", "Writes the hardware handoff document, or shows "
                                                   "what is in it");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<tq::HandoffRequest>();
     auto* job = command->add_option(
         "job", options->job,
         "JSON file with \"connectivity\" (a path), \"system\" and \"design\" (texts by "
@@ -154,7 +46,7 @@ void declareHandoff(CLI::App& app, int& status) {
             alternatives[i]->excludes(alternatives[j]);
     diff->excludes(job);
     command->add_flag("--json", options->json, "Prints JSON for programs");
-    command->callback([options, &status] { status = run(*options); });
+    bindRequest(*command, options, outcome);
 }
 
 } // namespace host

@@ -17,21 +17,21 @@ struct Options {
     tq::ipxact::ImportOptions import;
 };
 
-int runImport(const Options& options) {
-    tq::DiagnosticList findings(kMostFindings);
+Outcome runImport(const Options& options) {
+    tq::DiagnosticList findings(tq::kMostFindings);
     for (const std::string& file : options.files) {
         tq::ipxact::ImportSummary summary;
         const std::string written =
             tq::ipxact::importFile(file, options.import, summary, findings.sink());
         std::cout << written << ": " << tq::ipxact::importText(summary) << '\n';
     }
-    printFindings(findings);
-    return kSuccess;
+    console().print(findings);
+    return Outcome::Found;
 }
 
 } // namespace
 
-void declareImport(CLI::App& app, int& status) {
+void declareImport(CLI::App& app, Outcome& outcome) {
     auto options = std::make_shared<Options>();
     CLI::App* const word = app.add_subcommand(
         "import", "Makes definitions of IP-XACT components and designs and of CMSIS-SVD devices");
@@ -42,7 +42,7 @@ void declareImport(CLI::App& app, int& status) {
     word->add_option("--library", options->import.libraries, "Folder of components and designs");
     word->add_flag("--tables", options->import.asTables,
                    "Writes the tables that hbs define compiles, not the compiled file");
-    word->callback([options, &status] { status = runImport(*options); });
+    word->callback([options, &outcome] { outcome = runImport(*options); });
 }
 
 } // namespace host

@@ -18,21 +18,21 @@ struct Options {
     bool json = false;
 };
 
-int runMap(const Options& options) {
-    tq::DiagnosticList findings(options.json ? tq::DiagnosticList::kMost : kMostFindings);
+Outcome runMap(const Options& options) {
+    tq::DiagnosticList findings(options.json ? tq::DiagnosticList::kMost : tq::kMostFindings);
     const tq::ipxact::Design design =
         tq::ipxact::readDesign(options.file, options.libraries, findings.sink());
     const auto spaces = tq::ipxact::mapDesign(design, findings.sink());
     std::cout << (options.json ? tq::ipxact::designMapJson(spaces, findings.all())
                                : tq::ipxact::designMapTable(spaces));
     if (!options.json)
-        printFindings(findings);
-    return spaces.empty() ? kNoResult : kSuccess;
+        console().print(findings);
+    return spaces.empty() ? Outcome::Nothing : Outcome::Found;
 }
 
 } // namespace
 
-void declareIpxact(CLI::App& app, int& status) {
+void declareIpxact(CLI::App& app, Outcome& outcome) {
     auto options = std::make_shared<Options>();
     CLI::App* const word = app.add_subcommand("ipxact", "Designs of IP-XACT components");
     word->require_subcommand(1);
@@ -42,7 +42,7 @@ void declareIpxact(CLI::App& app, int& status) {
         ->required();
     map->add_option("--library", options->libraries, "Folder of components and designs");
     map->add_flag("--json", options->json, "Prints JSON for programs");
-    map->callback([options, &status] { status = runMap(*options); });
+    map->callback([options, &outcome] { outcome = runMap(*options); });
 }
 
 } // namespace host

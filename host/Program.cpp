@@ -1,5 +1,7 @@
 // What the program does from its command line to its exit status.
 
+#include <unistd.h>
+
 #include <exception>
 #include <iostream>
 #include <new>
@@ -15,6 +17,17 @@
 namespace host {
 
 namespace {
+
+ExitStatus statusOf(Outcome outcome) {
+    switch (outcome) {
+    case Outcome::Found:
+        return kSuccess;
+    case Outcome::Nothing:
+        return kNoResult;
+    default:
+        return kBadInput;
+    }
+}
 
 /// The status to exit with: output that got lost is no result.
 int finishOutput(int status) {
@@ -76,16 +89,16 @@ int parseAndRun(int argc, char** argv) {
     CLI::App app("Knows the hard blocks of a programmable device.", "hbs");
     app.require_subcommand(1);
     app.set_version_flag("--version", TQ_VERSION_STRING);
-    int exitStatus = kSuccess;
-    declareClocks(app, exitStatus);
-    declareDefine(app, exitStatus);
-    declareCdo(app, exitStatus);
-    declareHardblock(app, exitStatus);
-    declareHandoff(app, exitStatus);
-    declareAddressing(app, exitStatus);
-    declareRegisters(app, exitStatus);
-    declareIpxact(app, exitStatus);
-    declareImport(app, exitStatus);
+    Outcome outcome = Outcome::Found;
+    declareClocks(app, outcome);
+    declareDefine(app, outcome);
+    declareCdo(app, outcome);
+    declareHardblock(app, outcome);
+    declareHandoff(app, outcome);
+    declareAddressing(app, outcome);
+    declareRegisters(app, outcome);
+    declareIpxact(app, outcome);
+    declareImport(app, outcome);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -98,10 +111,14 @@ int parseAndRun(int argc, char** argv) {
             std::cout << tq::errorJson(error.diagnostic()) << std::flush;
         throw;
     }
-    return finishOutput(exitStatus);
+    return finishOutput(statusOf(outcome));
 }
 
 } // namespace
+
+tq::Console console() {
+    return {std::cout, std::cerr, isatty(STDERR_FILENO) != 0};
+}
 
 int runProgram(int argc, char** argv) noexcept {
     std::set_new_handler(noteOutOfMemory);

@@ -65,7 +65,7 @@ void ConfiguredMap::check(const DiagnosticSink& sink) const {
 void refuseDefinition(const std::string& output) {
     namespace fs = std::filesystem;
     std::error_code error;
-    if (!fs::is_regular_file(output, error))
+    if (output == kStandardOutput || !fs::is_regular_file(output, error))
         return;
     std::vector<std::string> files;
     for (fs::recursive_directory_iterator entry(hardblockFolder(), error), end;

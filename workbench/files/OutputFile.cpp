@@ -10,6 +10,8 @@
 namespace tq {
 
 void refuseInput(const std::string& output, const std::vector<std::string>& inputs) {
+    if (output.empty() || output == kStandardOutput)
+        return;
     for (const std::string& input : inputs) {
         std::error_code error;
         if (std::filesystem::equivalent(output, input, error))
@@ -18,6 +20,10 @@ void refuseInput(const std::string& output, const std::vector<std::string>& inpu
 }
 
 void writeOutput(const std::string& path, std::string_view text) {
+    if (path == kStandardOutput)
+        std::cout << text;
+    if (path.empty() || path == kStandardOutput)
+        return;
     std::cout.flush(); // the path may lead to the same place
     if (const std::string reason = base::writeOutputFile(path, text); !reason.empty())
         throw fileError(path, "can't be written: " + reason);

@@ -9,13 +9,17 @@
 
 namespace tq {
 
+/// The path that means the standard output.
+inline constexpr const char* kStandardOutput = "-";
+
 /// Raises `InputError` if a file to be written is one of the inputs, under any name: writing
-/// it would lose the input. Paths without a file are accepted.
+/// it would lose the input. Paths without a file are accepted, and the standard output.
 TQ_WORKBENCH_EXPORT void refuseInput(const std::string& output,
                                      const std::vector<std::string>& inputs);
 
 /// Writes a whole text or raises `InputError`; the file that was there before stays then. What
-/// isn't a file, such as a FIFO or /dev/stdout, is written to directly.
+/// isn't a file, such as a FIFO or /dev/stdout, is written to directly. "-" is the standard output;
+/// an empty path, of an output that nobody asked for, is passed over.
 TQ_WORKBENCH_EXPORT void writeOutput(const std::string& path, std::string_view text);
 
 } // namespace tq
