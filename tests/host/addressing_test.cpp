@@ -181,6 +181,11 @@ TEST(AddressingWord, EndsWithoutAResultWhereAStubStaysAStub) {
                                         "version [91-45]\n"));
     EXPECT_THAT(result.error, HasSubstr("error: one [HBS.TCL]\nnote: two\n"));
     EXPECT_THAT(result.error, HasSubstr("expected no\\x1Bne/no\\x1Bne.bmj in mirrel/hardblocks"));
+    const auto checked = addressing("--check", "v:l:holder:1.0");
+    EXPECT_THAT(checked.error, HasSubstr("[unresolved-stub:no\\x1Bne]\n"));
+    EXPECT_THAT(checked.error, Not(HasSubstr("\x1B")));
+    EXPECT_THAT(addressing("--check --allow 'unresolved-stub:no\\x1Bne'", "v:l:holder:1.0").error,
+                Not(HasSubstr("no\\x1Bne")));
 }
 
 TEST(AddressingWord, ChecksForContinuousIntegration) {
@@ -197,6 +202,7 @@ TEST(AddressingWord, ChecksForContinuousIntegration) {
     EXPECT_EQ("", overlap.error);
     EXPECT_THAT(overlap.output, HasSubstr("\"id\": \"overlap:uart0/uart1\""));
     EXPECT_THAT(overlap.output, HasSubstr("\"severity\": \"error\""));
+    EXPECT_THAT(overlap.output, HasSubstr("\"counts\": {\n    \"error\": 1,"));
     EXPECT_THAT(overlap.output, HasSubstr("\"line\": 2,\n      \"column\": 48,"));
     EXPECT_EQ(0, check(twice, "--allow overlap:uart0/uart1").status);
 

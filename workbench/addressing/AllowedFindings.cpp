@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "workbench/addressing/MapChecks.h"
+#include "workbench/text/Text.h"
 
 namespace tq {
 
@@ -30,7 +31,7 @@ DiagnosticSink AllowedFindings::filter(DiagnosticSink sink) {
 }
 
 bool AllowedFindings::takesOut(const std::string& id) {
-    for (const std::string& name : {id, swapped(id), id.substr(0, id.find(':'))})
+    for (const std::string& name : {id, swapped(id), id.substr(0, id.find(':')), printable(id)})
         if (m_known.contains(name)) {
             m_used.insert(name);
             return true;

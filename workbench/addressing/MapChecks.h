@@ -62,7 +62,8 @@ TQ_WORKBENCH_EXPORT void checkMap(const CheckedMap& checked, const DiagnosticSin
 ///     allowed.reportUnused(findings.sink());
 class TQ_WORKBENCH_EXPORT AllowedFindings {
 public:
-    /// Each is a whole id, in which the two names of a pair may come in either order, or a kind.
+    /// Each is a whole id, in which the two names of a pair may come in either order, or an id as
+    /// `headline` prints it, or a kind.
     explicit AllowedFindings(std::vector<std::string> ids);
 
     /// Passes on what isn't allowed. This object must outlive the result.

@@ -67,7 +67,7 @@ std::string headline(const Diagnostic& diagnostic) {
     if (!diagnostic.expected.empty())
         text += ", expected " + printable(diagnostic.expected);
     if (!diagnostic.id.empty())
-        text += " [" + diagnostic.id + "]";
+        text += " [" + printable(diagnostic.id) + "]";
     return text;
 }
 
