@@ -66,7 +66,7 @@ TQ_WORKBENCH_EXPORT void printReason(std::ostream& out, const MapReason& reason)
 
 /// What was asked, for one JSON object.
 struct TQ_WORKBENCH_EXPORT MapAnswers {
-    const std::vector<Diagnostic>* findings = nullptr; ///< null: not asked for, as below
+    const DiagnosticList* findings = nullptr; ///< null: not asked for, as below
     const std::vector<MapMatch>* matches = nullptr;
     const MapReason* reason = nullptr;
     bool hasMap = false; ///< the members of `addressMapJson` too
@@ -74,7 +74,8 @@ struct TQ_WORKBENCH_EXPORT MapAnswers {
 };
 
 /// One JSON object with "findings" (objects with "id", "kind", "severity", "file", "line",
-/// "column", "text", "expected"), "matches" (objects with "from", "space", "block", "register",
+/// "column", "text", "expected"), "counts" (of all findings, also those beyond the list's bound, by
+/// severity), "matches" (objects with "from", "space", "block", "register",
 /// "address", "offset", "block_offset", "width", "access", "reset", "value", "assign" and "way")
 /// and "why" (an object with "path", "on", "reason", "condition", "scripts" and "registers").
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string mapAnswersJson(const ConfiguredMap& map,

@@ -165,9 +165,13 @@ std::string mapAnswersJson(const ConfiguredMap& map, const MapAnswers& answers) 
         writeMembers(json, map.map(), answers.hasRegisters);
     if (answers.findings != nullptr) {
         json.beginArray("findings");
-        for (const Diagnostic& finding : *answers.findings)
+        for (const Diagnostic& finding : answers.findings->all())
             write(json, finding);
         json.endArray();
+        json.beginObject("counts");
+        for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Remark})
+            json.member(severityName(severity), answers.findings->count(severity));
+        json.endObject();
     }
     if (answers.matches != nullptr) {
         json.beginArray("matches");

@@ -111,9 +111,9 @@ Outcome AddressingRequest::answer(const Console& console, const ConfiguredMap& c
     if (!why.empty())
         reason = findReason(configured, why);
     if (isJson) {
-        console.out << mapAnswersJson(configured, {isCheck ? &findings.all() : nullptr,
-                                                   isSearch ? &matches : nullptr,
-                                                   why.empty() ? nullptr : &reason, false});
+        console.out << mapAnswersJson(configured,
+                                      {isCheck ? &findings : nullptr, isSearch ? &matches : nullptr,
+                                       why.empty() ? nullptr : &reason, false});
     } else {
         if (!matches.empty())
             printMatches(console.out, configured, matches);
@@ -138,8 +138,7 @@ Outcome AddressingRequest::show(const Console& console, const ConfiguredMap& con
     if (usesOutput()) {
         // The standard output holds what was asked for there.
     } else if (isJson) {
-        console.out << mapAnswersJson(configured,
-                                      {&checked.all(), nullptr, nullptr, true, hasRegisters});
+        console.out << mapAnswersJson(configured, {&checked, nullptr, nullptr, true, hasRegisters});
     } else {
         printAddressMap(console.out, configured.map(), hasRegisters);
         console.out << "\nChecked: " << countsText(checked) << '\n';
