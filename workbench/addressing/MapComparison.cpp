@@ -1,11 +1,12 @@
 #include "workbench/addressing/MapComparison.h"
 
 #include <algorithm>
+#include <cctype>
+#include <iterator>
 #include <map>
 #include <ostream>
 #include <utility>
 
-#include "workbench/addressing/AddressMapJson.h"
 #include "workbench/text/JsonWriter.h"
 #include "workbench/text/Table.h"
 
@@ -15,18 +16,75 @@ namespace {
 
 /// What is compared of one map.
 struct Content {
+    struct Register {
+        std::string offset;
+        std::string width;
+        std::string value;
+    };
     struct Block {
         std::string base;
         std::string size;
         std::string interfaces;
         bool isOn = true;
-        std::map<std::string, std::string> values; ///< of registers, by name
+        bool hasRegisters = false;
+        std::map<std::string, Register> registers; ///< by name
     };
 
     std::map<std::string, Block> blocks;
     std::map<std::string, std::string> assigned;   ///< "SPACE: BLOCK" to the ranges
     std::map<std::string, std::string> conditions; ///< of what is off, by path
+
+    void addAssigned(const std::string& key, const std::string& range) {
+        std::string& ranges = assigned[key];
+        ranges += (ranges.empty() ? "" : ", ") + range;
+    }
 };
+
+std::string joined(const std::string& interfaces, const std::string& ports) {
+    return interfaces + (ports.empty() ? "" : " from " + ports);
+}
+
+/// "?" for what can't be computed.
+std::string textOf(const HABMAddrValue& value) {
+    return value.isValid() ? value.getPrettyHexStringValue(0) : "?";
+}
+
+std::string namesOf(const std::vector<const HABMInterface*>& interfaces) {
+    std::string all;
+    for (const HABMInterface* const interface : interfaces)
+        all += (all.empty() ? "" : ", ") + interface->getInterfaceName();
+    return all;
+}
+
+Content::Block contentOf(const AddressMap& map, const AddressMap::Block& block) {
+    Content::Block made;
+    made.base = textOf(block.base);
+    made.size = textOf(block.size);
+    made.isOn = block.instance != nullptr;
+    made.interfaces = joined(namesOf(block.access->interfaces), namesOf(block.access->ports));
+    made.hasRegisters = true;
+    for (const HABMRegister* const reg : AddressMap::registersOf(block))
+        made.registers[reg->getName()] = {textOf(reg->getOffset()), std::to_string(reg->getWidth()),
+                                          textOf(map.valueOf(block, *reg))};
+    return made;
+}
+
+/// The same as is read from the map's JSON, which has a bound on its values.
+Content contentOf(const AddressMap& map) {
+    Content made;
+    for (const AddressMap::Block& block : map.blocks())
+        made.blocks[block.path] = contentOf(map, block);
+    for (const AddressMap::Space& space : map.spaces())
+        for (const AddressMap::SpaceEntry& entry : space.assigned)
+            made.addAssigned(space.path + ": " + entry.name,
+                             textOf(entry.start) + " to " +
+                                 textOf(AddressMap::endOf(entry.start, entry.size)) + " " +
+                                 HABMAddrAssign::decodeAssignType(entry.assign->getAssignType()));
+    for (const AddressMap::Removed& item : map.removed())
+        made.conditions[item.path] = item.interface == nullptr ? item.block->getEnablement()
+                                                               : item.interface->getEnablement();
+    return made;
+}
 
 class ContentReader {
 public:
@@ -39,12 +97,10 @@ public:
             m_content.blocks[path] = block(node);
         }
         for (const JsonNode& space : m_file.array(m_file.require(root, "spaces")))
-            for (const JsonNode& entry : m_file.array(m_file.require(space, "assigned"))) {
-                std::string& ranges =
-                    m_content.assigned[text(space, "path") + ": " + text(entry, "name")];
-                ranges += (ranges.empty() ? "" : ", ") + text(entry, "start") + " to " +
-                          text(entry, "end") + " " + text(entry, "type");
-            }
+            for (const JsonNode& entry : m_file.array(m_file.require(space, "assigned")))
+                m_content.addAssigned(text(space, "path") + ": " + text(entry, "name"),
+                                      text(entry, "start") + " to " + text(entry, "end") + " " +
+                                          text(entry, "type"));
         for (const JsonNode& node : m_file.array(m_file.require(root, "removed")))
             m_content.conditions[text(node, "path")] = text(node, "condition");
         return std::move(m_content);
@@ -55,6 +111,12 @@ private:
     [[nodiscard]] std::string text(const JsonNode& object, const char* key) const {
         const JsonNode& node = m_file.require(object, key);
         return node.kind == JsonNode::Kind::Null ? "?" : m_file.string(node);
+    }
+
+    [[nodiscard]] std::string width(const JsonNode& reg) const {
+        const JsonNode& node = m_file.require(reg, "width");
+        static_cast<void>(m_file.number(node));
+        return node.text;
     }
 
     [[nodiscard]] std::string names(const JsonNode& object, const char* key) const {
@@ -69,11 +131,13 @@ private:
         made.base = text(node, "base");
         made.size = text(node, "size");
         made.isOn = m_file.boolean(m_file.require(node, "on"));
-        const std::string ports = names(node, "ports");
-        made.interfaces = names(node, "interfaces") + (ports.empty() ? "" : " from " + ports);
-        if (const JsonNode* const registers = node.find("registers"))
+        made.interfaces = joined(names(node, "interfaces"), names(node, "ports"));
+        if (const JsonNode* const registers = node.find("registers")) {
+            made.hasRegisters = true;
             for (const JsonNode& reg : m_file.array(*registers))
-                made.values[text(reg, "name")] = text(reg, "value");
+                made.registers[text(reg, "name")] = {text(reg, "offset"), width(reg),
+                                                     text(reg, "value")};
+        }
         return made;
     }
 
@@ -108,12 +172,14 @@ public:
         forEachPair(
             m_before.blocks, m_after.blocks,
             [this](const std::string& path, const Content::Block* a, const Content::Block* b) {
-                if (a != nullptr && b != nullptr)
-                    compareValues(path, *a, *b);
+                if (a != nullptr && b != nullptr && a->hasRegisters && b->hasRegisters)
+                    compareRegisters(path, *a, *b);
             });
-        std::vector<MapDifference> values;
-        values.swap(m_differences);
-        m_values = &values;
+        std::vector<MapDifference> registers;
+        registers.swap(m_differences);
+        for (const MapDifference& difference : registers)
+            if (difference.kind == "value")
+                m_values.emplace(difference.path, &difference);
         forEachPair(m_before.blocks, m_after.blocks,
                     [this](const std::string& path, const Content::Block* a,
                            const Content::Block* b) { compare(path, a, b); });
@@ -121,7 +187,7 @@ public:
                     [this](const std::string& path, const std::string* a, const std::string* b) {
                         add("assign", path, a == nullptr ? "" : *a, b == nullptr ? "" : *b);
                     });
-        std::move(values.begin(), values.end(), std::back_inserter(m_differences));
+        std::move(registers.begin(), registers.end(), std::back_inserter(m_differences));
         return std::move(m_differences);
     }
 
@@ -147,12 +213,23 @@ private:
             add("interfaces", path, a->interfaces, b->interfaces);
     }
 
-    void compareValues(const std::string& path, const Content::Block& a, const Content::Block& b) {
-        const std::string prefix = path + "/";
-        for (const auto& [name, value] : a.values)
-            if (const auto found = b.values.find(name);
-                found != b.values.end() && found->second != value)
-                add("value", std::string(prefix).append(name), value, found->second);
+    void compareRegisters(const std::string& path, const Content::Block& a,
+                          const Content::Block& b) {
+        forEachPair(a.registers, b.registers,
+                    [&](const std::string& name, const Content::Register* before,
+                        const Content::Register* after) {
+                        compare(std::string(path).append("/").append(name), before, after);
+                    });
+    }
+
+    void compare(const std::string& path, const Content::Register* a, const Content::Register* b) {
+        if (a == nullptr)
+            return add("appeared", path, "", b->offset);
+        if (b == nullptr)
+            return add("gone", path, a->offset, "");
+        add("moved", path, a->offset, b->offset);
+        add("resized", path, a->width, b->width);
+        add("value", path, a->value, b->value);
     }
 
     /// The condition of the block, or of one around it, and the registers it names that differ.
@@ -165,17 +242,32 @@ private:
         }
         const std::string& condition = off.conditions.at(path);
         std::string reason = condition.empty() ? "" : "stays if " + condition;
-        for (const MapDifference& value : *m_values) {
-            const std::string name = value.path.substr(value.path.rfind('/') + 1);
-            if (value.path.starts_with(path + "/") && condition.find(name) != std::string::npos)
-                reason += "; " + name + " is " + value.before + " and " + value.after;
+        const std::string below = path + "/";
+        for (auto at = m_values.lower_bound(below);
+             at != m_values.end() && at->first.starts_with(below); ++at) {
+            const std::string name = at->first.substr(at->first.rfind('/') + 1);
+            if (isNamed(name, condition))
+                reason += "; " + name + " is " + at->second->before + " and " + at->second->after;
         }
         return reason;
     }
 
+    /// True if the name stands in the text, not as a part of a longer one.
+    static bool isNamed(const std::string& name, const std::string& text) {
+        const auto isPart = [&](std::size_t at) {
+            return at < text.size() &&
+                   (std::isalnum(static_cast<unsigned char>(text[at])) != 0 || text[at] == '_');
+        };
+        for (std::size_t at = text.find(name); at != std::string::npos;
+             at = text.find(name, at + 1))
+            if ((at == 0 || !isPart(at - 1)) && !isPart(at + name.size()))
+                return true;
+        return false;
+    }
+
     const Content& m_before;
     const Content& m_after;
-    const std::vector<MapDifference>* m_values = nullptr;
+    std::map<std::string, const MapDifference*> m_values; ///< that differ, by path
     std::vector<MapDifference> m_differences;
 };
 
@@ -188,8 +280,9 @@ std::vector<MapDifference> compareMaps(const JsonFile& before, const JsonFile& a
 }
 
 std::vector<MapDifference> compareMaps(const AddressMap& before, const AddressMap& after) {
-    return compareMaps(JsonFile::parse("", addressMapJson(before, true)),
-                       JsonFile::parse("", addressMapJson(after, true)));
+    const Content a = contentOf(before);
+    const Content b = contentOf(after);
+    return Comparison(a, b).run();
 }
 
 void printDifferences(std::ostream& out, const std::vector<MapDifference>& differences) {

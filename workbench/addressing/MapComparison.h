@@ -19,7 +19,9 @@ namespace tq {
 ///   other values that it names;
 /// - "moved", "resized", "interfaces": a block's address, size, or the interfaces that offer it;
 /// - "assign": what an address space has of a block: "SPACE: BLOCK";
-/// - "value": a register's value.
+/// - "gone", "appeared", "moved" (its offset), "resized" (its bits), "value": a register, if both
+/// maps
+///   have registers and the block.
 struct TQ_WORKBENCH_EXPORT MapDifference {
     std::string kind;
     std::string path;
@@ -28,9 +30,8 @@ struct TQ_WORKBENCH_EXPORT MapDifference {
     std::string reason;
 };
 
-/// Compares two maps in the form of `addressMapJson`, which may be saved files. Register values are
-/// compared if both have them. Raises `InputError` with the place for a file of another form.
-/// The time is that of sorting.
+/// Compares two maps in the form of `addressMapJson`, which may be saved files. Raises `InputError`
+/// with the place for a file of another form. The time is that of sorting.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::vector<MapDifference> compareMaps(const JsonFile& before,
                                                                          const JsonFile& after);
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::vector<MapDifference> compareMaps(const AddressMap& before,
