@@ -264,6 +264,10 @@ TEST(AddressingWord, AnswersWhatLiesWhereAndWhy) {
     EXPECT_EQ(1, addressing(sampleConfig("linux") + " --at 0xFF010004").status);
     EXPECT_THAT(addressing("--at 0 --from cpu").error, HasSubstr("did you mean \"cpu0\"?"));
     EXPECT_EQ(2, addressing("--at 0xG").status);
+    // As where a variable of a script is empty.
+    for (const char* empty : {"--at ''", "--why ''", "--config ''"})
+        EXPECT_EQ(2, addressing(empty).status) << empty;
+    EXPECT_EQ(1, addressing("--find ''").status);
 
     EXPECT_THAT(addressing("--find 'uart*/UART_MODE' --from S_AXI_LPD").output,
                 testing::ContainsRegex("S_AXI_LPD +0xFF000004 .*\n.* 0xFF010004 "));

@@ -85,12 +85,15 @@ private:
     }
 
     void writeRemoved(const ConfiguredMap& map) {
+        MapReasons reasons(map);
         m_json.beginArray("off");
         for (const AddressMap::Removed& removed : map.map().removed()) {
             m_json.beginArray();
             m_json.value(removed.path);
-            const MapReason reason = findReason(map, removed.path);
+            const MapReason reason = reasons.of(removed.path);
             std::string text = reason.text;
+            for (const std::string& script : reason.scripts)
+                text += "; computed by the script " + script;
             for (const MapReason::Register& reg : reason.registers)
                 text += "; " + reg.path + " from " + reg.source;
             m_json.value(text);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <map>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -98,15 +99,31 @@ private:
     std::vector<MapMatch> m_matches;
 };
 
+} // namespace
+
+/// What explanations of one map have in common.
+struct MapReasons::Lookup {
+    explicit Lookup(const ConfiguredMap& configured)
+        : map(configured), places(configured.hardblocks()) {
+        for (const HBSDecision& decision : configured.decisions())
+            decisions.emplace(decision.path, &decision);
+    }
+
+    const ConfiguredMap& map;
+    DefinitionPlaces places;
+    std::unordered_map<std::string_view, const HBSDecision*> decisions; ///< by path
+    std::map<std::string, std::unordered_set<std::string>> words;       ///< of scripts, by file
+};
+
 /// Explains one block or interface.
-class Explanation {
+class MapReasons::Explanation {
 public:
-    Explanation(const ConfiguredMap& map, const std::string& path)
-        : m_map(map), m_places(map.hardblocks()) {
+    Explanation(Lookup& lookup, const std::string& path)
+        : m_map(lookup.map), m_lookup(lookup), m_places(lookup.places) {
         m_reason.path = path.substr(path.starts_with("/") ? 1 : 0);
         const std::string full = "/" + m_reason.path;
-        const HABMBlock* const block = HABMPath::findBlock(map.definition(), full);
-        const HABMInterface* const interface = HABMPath::findInterface(map.definition(), full);
+        const HABMBlock* const block = HABMPath::findBlock(m_map.definition(), full);
+        const HABMInterface* const interface = HABMPath::findInterface(m_map.definition(), full);
         if (block == nullptr && interface == nullptr)
             throw InputError("the definition has no sub-block or interface \"" + m_reason.path +
                              "\", " + nearestOf(m_reason.path, names()));
@@ -142,16 +159,13 @@ private:
 
     void explain(const std::string& path, const std::string& expression) {
         m_reason.expression = expression;
-        const auto& decisions = m_map.decisions();
-        const auto found =
-            std::find_if(decisions.begin(), decisions.end(),
-                         [&](const HBSDecision& decision) { return decision.path == path; });
+        const auto found = m_lookup.decisions.find(path);
         if (expression.empty())
             m_reason.text = "it has no condition";
-        else if (found == decisions.end())
+        else if (found == m_lookup.decisions.end())
             m_reason.text = "conditions are decided on the first two levels of sub-blocks alone";
         else
-            explain(*found);
+            explain(*found->second);
     }
 
     void explain(const HBSDecision& decision) {
@@ -203,30 +217,33 @@ private:
     void addScript(const HABMBlock& block) {
         const std::string name = definitionNameOf(block);
         const std::string file = m_map.hardblocks() + "/" + name + "/" + name + ".tcl";
-        constexpr std::size_t kMostBytes = std::size_t{1} << 20;
-        const base::FileContent script = base::readFile(file, kMostBytes);
-        if (!script.isWhole())
+        const std::unordered_set<std::string>& words = wordsOf(file);
+        if (words.empty())
             return;
         if (std::find(m_reason.scripts.begin(), m_reason.scripts.end(), file) ==
             m_reason.scripts.end())
             m_reason.scripts.push_back(file);
-        const std::unordered_set<std::string_view> words = wordsOf(script.text);
         for (const HABMRegister* const reg :
              block.findRegisters(block.getInstancePath() + "*", false))
             if (words.contains(reg->getName()))
                 addRegister(&block, reg->getName());
     }
 
-    static std::unordered_set<std::string_view> wordsOf(std::string_view text) {
-        std::unordered_set<std::string_view> words;
+    /// Empty for a file that can't be read.
+    const std::unordered_set<std::string>& wordsOf(const std::string& file) {
+        constexpr std::size_t kMostBytes = std::size_t{1} << 20;
+        const auto [entry, isNew] = m_lookup.words.try_emplace(file);
+        if (!isNew)
+            return entry->second;
+        const std::string text = base::readFile(file, kMostBytes).text;
         for (std::size_t at = 0; at < text.size();) {
             const std::size_t start = at;
             while (at < text.size() && isWord(text[at]))
                 ++at;
-            words.insert(text.substr(start, at - start));
+            entry->second.insert(text.substr(start, at - start));
             at += at == start ? 1 : 0;
         }
-        return words;
+        return entry->second;
     }
 
     static bool isWord(char c) {
@@ -280,12 +297,11 @@ private:
     }
 
     const ConfiguredMap& m_map;
-    DefinitionPlaces m_places;
+    Lookup& m_lookup;
+    DefinitionPlaces& m_places;
     std::unordered_set<std::string> m_named; ///< registers that the reason has
     MapReason m_reason;
 };
-
-} // namespace
 
 std::vector<MapMatch> findAt(const ConfiguredMap& map, const HABMAddrValue& address,
                              const std::string& from) {
@@ -306,8 +322,16 @@ std::vector<MapMatch> findNamed(const ConfiguredMap& map, const std::string& pat
     return NameSearch(map, pattern, from).take();
 }
 
+MapReasons::MapReasons(const ConfiguredMap& map) : m_lookup(std::make_unique<Lookup>(map)) {}
+
+MapReasons::~MapReasons() = default;
+
+MapReason MapReasons::of(const std::string& path) {
+    return Explanation(*m_lookup, path).take();
+}
+
 MapReason findReason(const ConfiguredMap& map, const std::string& path) {
-    return Explanation(map, path).take();
+    return MapReasons(map).of(path);
 }
 
 } // namespace tq

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -56,7 +57,25 @@ struct TQ_WORKBENCH_EXPORT MapReason {
     std::vector<Register> registers;
 };
 
-/// Raises `InputError` if the definition has no such sub-block or interface.
+/// The reasons of many, each found in constant time on average. The map must outlive this.
+class TQ_WORKBENCH_EXPORT MapReasons {
+public:
+    explicit MapReasons(const ConfiguredMap& map);
+    ~MapReasons();
+    MapReasons(const MapReasons&) = delete;
+    MapReasons& operator=(const MapReasons&) = delete;
+
+    /// Raises `InputError` if the definition has no such sub-block or interface.
+    [[nodiscard]] MapReason of(const std::string& path);
+
+private:
+    struct Lookup;
+    class Explanation;
+
+    std::unique_ptr<Lookup> m_lookup;
+};
+
+/// The reason of one; see `MapReasons::of`.
 [[nodiscard]] TQ_WORKBENCH_EXPORT MapReason findReason(const ConfiguredMap& map,
                                                        const std::string& path);
 

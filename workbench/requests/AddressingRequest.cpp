@@ -28,19 +28,19 @@ namespace {
 
 [[nodiscard]] std::vector<MapMatch> matchesOf(const AddressingRequest& request,
                                               const ConfiguredMap& configured) {
-    if (request.at.empty())
-        return request.find.empty() ? std::vector<MapMatch>()
-                                    : findNamed(configured, request.find, request.from);
-    const HABMAddrValue address(request.at);
+    if (!request.at)
+        return request.find ? findNamed(configured, *request.find, request.from)
+                            : std::vector<MapMatch>();
+    const HABMAddrValue address(*request.at);
     if (!address.isValid())
-        throw InputError("\"" + request.at + "\" isn't an address such as 0xFF010004");
+        throw InputError("\"" + *request.at + "\" isn't an address such as 0xFF010004");
     return findAt(configured, address, request.from);
 }
 
 } // namespace
 
 bool AddressingRequest::isQuestion() const {
-    return isCheck || !at.empty() || !find.empty() || !why.empty();
+    return isCheck || at || find || why;
 }
 
 std::vector<std::string> AddressingRequest::outputs() const {
@@ -61,6 +61,8 @@ void AddressingRequest::refuse() const {
         refuseInput(output, saved);
         refuseDefinition(output);
     }
+    if (std::find(configs.begin(), configs.end(), "") != configs.end())
+        throw InputError("--config needs a file");
     if (configs.size() > 1 && isQuestion())
         throw InputError("questions and --check take one --config");
     if (configs.size() > 2 && html.empty())
@@ -106,20 +108,20 @@ void AddressingRequest::writeFiles(const ConfiguredMap& configured,
 Outcome AddressingRequest::answer(const Console& console, const ConfiguredMap& configured,
                                   const DiagnosticList& findings) const {
     const std::vector<MapMatch> matches = matchesOf(*this, configured);
-    const bool isSearch = !at.empty() || !find.empty();
+    const bool isSearch = at || find;
     MapReason reason;
-    if (!why.empty())
-        reason = findReason(configured, why);
+    if (why)
+        reason = findReason(configured, *why);
     if (isJson) {
         console.out << mapAnswersJson(configured,
                                       {isCheck ? &findings : nullptr, isSearch ? &matches : nullptr,
-                                       why.empty() ? nullptr : &reason, false});
+                                       why ? &reason : nullptr, false});
     } else {
         if (!matches.empty())
             printMatches(console.out, configured, matches);
         else if (isSearch)
             console.note("nothing is there");
-        if (!why.empty())
+        if (why)
             printReason(console.out, reason);
         if (isCheck)
             console.out << countsText(findings) << '\n';

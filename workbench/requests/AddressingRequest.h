@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,10 +31,10 @@ struct TQ_WORKBENCH_EXPORT AddressingRequest {
     bool isCheck = false;
     std::vector<std::string> allowed; ///< see `AllowedFindings`
     // Questions; see `findAt`, `findNamed` and `findReason`.
-    std::string at;
-    std::string from;
-    std::string find;
-    std::string why;
+    std::optional<std::string> at;
+    std::string from; ///< one initiator; empty for all
+    std::optional<std::string> find;
+    std::optional<std::string> why;
 
     /// Raises `InputError`.
     [[nodiscard]] Outcome run(const Console& console) const;
