@@ -2,6 +2,7 @@
 
 #include <iostream>
 #include <mutex>
+#include <new>
 #include <streambuf>
 #include <utility>
 
@@ -64,6 +65,17 @@ public:
         m_output.remove();
     }
 
+    // Around a fork. Threads that listened in the parent aren't there in the child.
+    void lock() { m_mutex.lock(); }
+    void unlock() { m_mutex.unlock(); }
+    void beginChild() {
+        new (&m_mutex) std::mutex;
+        if (m_listeners == 0 || Listening::current() != nullptr)
+            return;
+        m_listeners = 1;
+        remove();
+    }
+
 private:
     void deliver(const ComMsg& message) const {
         if (Listening* listening = Listening::current()) {
@@ -103,6 +115,18 @@ Listening::~Listening() {
 
 Listening* Listening::current() {
     return t_current;
+}
+
+void Listening::beforeFork() {
+    switchboard().lock();
+}
+
+void Listening::afterForkInParent() {
+    switchboard().unlock();
+}
+
+void Listening::afterForkInChild() {
+    switchboard().beginChild();
 }
 
 void Listening::add(Diagnostic message) {

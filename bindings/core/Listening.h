@@ -23,6 +23,11 @@ public:
     void add(Diagnostic message);
     void addText(const char* text, std::size_t size);
 
+    // Handlers of forks.
+    static void beforeFork();
+    static void afterForkInParent();
+    static void afterForkInChild();
+
     /// That of this thread, or null.
     static Listening* current();
 

@@ -8,16 +8,25 @@
 #include <new>
 
 #include "bindings/core/ClassInfo.h"
+#include "bindings/core/Listening.h"
 #include "bindings/core/Search.h"
 
 namespace tq::bindings {
 
 /// A fork takes only the forking thread along: it holds the lock meanwhile, so that the tables are
-/// whole in the child, and the child starts with a fresh lock and without a search.
+/// whole in the child, and the child starts with fresh locks, without a search, and with the
+/// standard streams as they were.
 struct ForkHandlers {
-    static void before() { Registry::get().m_mutex.lock(); }
-    static void inParent() { Registry::get().m_mutex.unlock(); }
+    static void before() {
+        Registry::get().m_mutex.lock();
+        Listening::beforeFork();
+    }
+    static void inParent() {
+        Listening::afterForkInParent();
+        Registry::get().m_mutex.unlock();
+    }
     static void inChild() {
+        Listening::afterForkInChild();
         new (&Registry::get().m_mutex) std::recursive_mutex;
         forgetSearch();
     }

@@ -105,10 +105,15 @@ private:
     std::thread m_thread;
 };
 
-void waitFor(Worker& worker, Waiting& waiting) {
+/// True if the user had enough meanwhile.
+bool waitFor(Worker& worker, Waiting& waiting) {
+    bool isInterrupted = false;
     while (!worker.endsWithin(kPatience))
-        if (waiting.isInterrupted())
+        if (waiting.isInterrupted()) {
             SearchInterruption::request();
+            isInterrupted = true;
+        }
+    return isInterrupted;
 }
 
 } // namespace
@@ -123,14 +128,17 @@ void runSearch(Object& root, Waiting& waiting, const std::function<void()>& work
         if (waiting.isInterrupted())
             throw SearchInterrupted();
     std::exception_ptr error;
+    bool isInterrupted = false;
     {
         Worker worker(work);
-        waitFor(worker, waiting);
+        isInterrupted = waitFor(worker, waiting);
         error = worker.error();
     }
     SearchInterruption::withdraw();
     if (error)
         std::rethrow_exception(error);
+    if (isInterrupted) // it was over before it noticed; the user's wish isn't lost
+        throw SearchInterrupted();
 }
 
 void endSearches() noexcept {

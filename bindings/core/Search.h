@@ -39,7 +39,8 @@ private:
 /// Runs `work` for a clock tree, on a thread of its own, while the calling thread waits. Until it
 /// ends, the tree can't be used by others. Called without the lock of the registry. Raises what
 /// `work` raises; `ScriptError` for a tree that is gone or searched already, and for a
-/// search within a search; `SearchInterrupted` once the user has enough.
+/// search within a search; `SearchInterrupted` once the user has enough, also where the work came
+/// to its end at that moment.
 TQ_BINDINGS_EXPORT void runSearch(Object& root, Waiting& waiting,
                                   const std::function<void()>& work);
 

@@ -70,22 +70,28 @@ struct Row {
 };
 
 bool addKind(PyObject* module, const Row& row) {
+    PyObject*& known = g_exceptions[static_cast<std::size_t>(row.kind)];
+    if (known != nullptr)
+        return PyModule_AddObjectRef(module, row.name, known) == 0;
     const Owned bases(row.builtin == nullptr ? PyTuple_Pack(1, g_error)
                                              : PyTuple_Pack(2, g_error, row.builtin));
     if (!bases)
         return false;
-    PyObject* const type = addException(module, row.name, row.doc, bases.get());
-    g_exceptions[static_cast<std::size_t>(row.kind)] = type;
-    return type != nullptr;
+    known = addException(module, row.name, row.doc, bases.get());
+    return known != nullptr;
 }
 
 } // namespace
 
 bool addExceptions(PyObject* module) {
-    g_error = addException(module, "Error",
-                           "Base of all exceptions of tq_hbs. file, line and column tell the place "
-                           "in an input, where there is one; diagnostics are all the findings.",
-                           PyExc_Exception);
+    if (g_error == nullptr)
+        g_error =
+            addException(module, "Error",
+                         "Base of all exceptions of tq_hbs. file, line and column tell the place "
+                         "in an input, where there is one; diagnostics are all the findings.",
+                         PyExc_Exception);
+    else if (PyModule_AddObjectRef(module, "Error", g_error) != 0)
+        return false;
     const Row rows[] = {
         {Failure::Kind::Deleted, "DeletedError", "The native object behind a handle is gone.",
          PyExc_ReferenceError},
@@ -104,6 +110,11 @@ bool addExceptions(PyObject* module) {
         if (!addKind(module, row))
             return false;
     return true;
+}
+
+void forgetExceptions() {
+    g_error = nullptr;
+    g_exceptions = {};
 }
 
 PyObject* raise(const Failure& failure) {

@@ -9,6 +9,8 @@ namespace tq::bindings::python {
 
 /// Makes the exceptions of the package, all derived from `Error`. False with an error.
 bool addExceptions(PyObject* module);
+/// For a new interpreter, after the one that had them ended.
+void forgetExceptions();
 
 /// Sets Python's error. Gives null, for callers to return.
 PyObject* raise(const Failure& failure);

@@ -204,12 +204,15 @@ PyObject* create(PyTypeObject* type, PyObject* objects, PyObject* names) {
 
 void destroyHandle(PyObject* self) {
     PyTypeObject* const type = Py_TYPE(self);
-    PyObject_ClearWeakRefs(self);
-    if (Object* object = reinterpret_cast<Handle*>(self)->object) {
+    // Ahead of the callbacks of weak references, which may ask for the same object again.
+    Object* const object = reinterpret_cast<Handle*>(self)->object;
+    if (object != nullptr) {
         Registry::get().unbindScript(*object, self, true);
         object->python = nullptr;
-        const ObjectRef last = ObjectRef::take(object);
     }
+    PyObject_ClearWeakRefs(self);
+    if (object != nullptr)
+        const ObjectRef last = ObjectRef::take(object);
     PyObject_Free(self);
     Py_DECREF(type);
 }
@@ -407,6 +410,9 @@ bool addMethods(PyObject* module, std::vector<PyMethodDef>* methods) {
 } // namespace
 
 bool addClass(PyObject* module, const ClassInfo& info) {
+    if (info.pythonType != nullptr) // imported again: handles of before stay what they are
+        return PyModule_AddObjectRef(module, info.name.c_str(),
+                                     static_cast<PyObject*>(info.pythonType)) == 0;
     if (Interface::get().memberCount() > kMostMembers) {
         PyErr_SetString(PyExc_ImportError, "tq_hbs has more members than this module was made for");
         return false;

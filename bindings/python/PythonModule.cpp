@@ -37,8 +37,21 @@ bool expectMainInterpreter() {
     return false;
 }
 
+/// Classes and exceptions go with the interpreter that they were made in.
+void forgetInterpreter() {
+    forgetExceptions();
+    for (const ClassInfo* info : Interface::get().classes())
+        info->pythonType = nullptr;
+}
+
+/// The module may be imported more than once; what belongs to the interpreter is made once.
 int fill(PyObject* module) {
-    if (!expectMainInterpreter() || !addExceptions(module) || !addOwnFunctions(module))
+    if (!expectMainInterpreter())
+        return -1;
+    if (beginWaiting())
+        forgetInterpreter();
+    const bool isFirst = Interface::get().classes().front()->pythonType == nullptr;
+    if (!addExceptions(module) || !addOwnFunctions(module))
         return -1;
     for (const ClassInfo* info : Interface::get().classes())
         if (!addClass(module, *info))
@@ -46,7 +59,11 @@ int fill(PyObject* module) {
     for (const auto& island : Interface::get().islands())
         if (!addFunctions(module, *island))
             return -1;
-    if (PyModule_AddStringConstant(module, "__version__", TQ_VERSION_STRING) != 0 || !callAtExit())
+    if (PyModule_AddStringConstant(module, "__version__", TQ_VERSION_STRING) != 0)
+        return -1;
+    if (!isFirst)
+        return 0;
+    if (!callAtExit())
         return -1;
     enterRuntime(true);
     return 0;

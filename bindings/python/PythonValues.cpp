@@ -105,6 +105,8 @@ std::optional<Value> dictFrom(PyObject* object, const Type& type, const char* na
     Dict dict;
     for (Py_ssize_t i = 0; i < PyList_Size(pairs.get()); ++i) {
         PyObject* const pair = PyList_GetItem(pairs.get(), i);
+        if (PyTuple_Check(pair) == 0 || PyTuple_Size(pair) != 2) // of a mapping of the script's own
+            return refuse(object, type, name);
         std::optional<std::string> key = bytesOf(PyTuple_GetItem(pair, 0));
         if (!key) {
             PyErr_Clear();

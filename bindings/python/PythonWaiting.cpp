@@ -10,6 +10,13 @@ namespace tq::bindings::python {
 namespace {
 
 std::atomic<bool> g_isEnding = false;
+/// The thread that ends the interpreter. It alone may still call, from finalizers, and keeps the
+/// lock then: there is nobody left who could run meanwhile.
+std::atomic<std::thread::id> g_endingThread;
+
+bool isEndingThread() {
+    return g_isEnding && g_endingThread.load() == std::this_thread::get_id();
+}
 
 /// Python ends a thread that asks for the lock of an ending interpreter in the middle of it, which
 /// C++ code doesn't survive.
@@ -26,16 +33,21 @@ PythonWaiting::~PythonWaiting() {
 }
 
 void PythonWaiting::letOthersRun() {
-    m_state = PyEval_SaveThread();
+    if (!isEndingThread())
+        m_state = PyEval_SaveThread();
 }
 
 void PythonWaiting::stopOthers() {
+    if (m_state == nullptr)
+        return;
     if (g_isEnding)
         sleepForever();
     PyEval_RestoreThread(m_state);
 }
 
 bool PythonWaiting::isInterrupted() {
+    if (m_state == nullptr)
+        return false;
     if (g_isEnding || m_error[0] != nullptr)
         return true;
     PyEval_RestoreThread(m_state);
@@ -55,10 +67,15 @@ bool PythonWaiting::restoreError() {
 }
 
 void endWaiting() {
+    g_endingThread = std::this_thread::get_id();
     g_isEnding = true;
     PyThreadState* const state = PyEval_SaveThread();
     endSearches();
     PyEval_RestoreThread(state);
+}
+
+bool beginWaiting() {
+    return g_isEnding.exchange(false);
 }
 
 } // namespace tq::bindings::python

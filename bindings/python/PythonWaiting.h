@@ -28,5 +28,7 @@ private:
 
 /// The interpreter is about to end: threads that wait then never come back.
 void endWaiting();
+/// An interpreter has begun. True if one ended before it in this process.
+[[nodiscard]] bool beginWaiting();
 
 } // namespace tq::bindings::python

@@ -30,6 +30,9 @@ struct Session {
 
 constexpr const char* kSession = "tq_hbs";
 
+/// Interpreters of this thread that have the package.
+thread_local unsigned t_sessions = 0;
+
 Session& sessionOf(Tcl_Interp* interp) {
     return *static_cast<Session*>(Tcl_GetAssocData(interp, kSession, nullptr));
 }
@@ -43,7 +46,8 @@ void endSession(ClientData data, Tcl_Interp* /*interp*/) {
         } catch (const ScriptError&) { // in a search on another thread, which holds it
         }
     }
-    forgetTexts();
+    if (--t_sessions == 0)
+        forgetTexts();
     if (session->messageCommand != nullptr)
         Tcl_DecrRefCount(session->messageCommand);
     leaveRuntime(false);
@@ -361,6 +365,7 @@ extern "C" DLLEXPORT int Tq_hbs_Init(Tcl_Interp* interp) {
         return TCL_ERROR;
     if (Tcl_GetAssocData(interp, tcl::kSession, nullptr) == nullptr) {
         enterRuntime(false);
+        ++tcl::t_sessions;
         Tcl_SetAssocData(interp, tcl::kSession, tcl::endSession, new tcl::Session);
     }
     tcl::makeCommands(interp);
