@@ -1,42 +1,32 @@
-# Checks the address map of a configured subsystem, for CI: exits with 1 if blocks overlap.
+# Checks the address map of a configured subsystem, for CI: exits with 1 for an error.
 #
-#     address_check.tcl DATA_AREA VENDOR:LIBRARY:NAME:VERSION ?CONFIG.json?
+#     address_check.tcl DATA_AREA VENDOR:LIBRARY:NAME:VERSION ?CONFIG.json ?ALLOWED ...??
+#
+# ALLOWED are findings that are left out: KIND, or KIND:NAME as they are printed.
 package require tq_hbs
 
-proc check {data vlnv {config ""}} {
+proc main {data vlnv {config ""} args} {
     set ::env(TQ_DATA_PATH) $data
-    set definition [tq::addressing createSubsystemDefinition $vlnv]
-    set instance [tq::addressing configureSubsystem $definition -configFile $config]
-    set map [tq::addressing map create $definition $instance]
-    set placed {}
-    foreach block [tq::addressing map blocks $map] {
-        dict with block {
-            if {$on && $base ne "" && $end ne ""} {lappend placed [list $base $end $path]}
+    set map [tq::addressing configuredmap create $vlnv -configFile $config]
+    set findings [tq::addressing configuredmap check $map -allow $args]
+    set errors 0
+    foreach finding $findings {
+        dict with finding {
+            set place [expr {$line ? "$file:$line: " : ""}]
+            puts "$place$severity: $text \[$id\]"
+            incr errors [expr {$severity eq "error"}]
         }
     }
-    tq::model block delete $instance
-    set faults 0
-    for {set i 0} {$i < [llength $placed]} {incr i} {
-        lassign [lindex $placed $i] base end path
-        foreach other [lrange $placed $i+1 end] {
-            lassign $other otherBase otherEnd otherPath
-            if {$base <= $otherEnd && $otherBase <= $end} {
-                puts [format "%s (0x%llX to 0x%llX) overlaps %s (0x%llX to 0x%llX)" \
-                    $path $base $end $otherPath $otherBase $otherEnd]
-                incr faults
-            }
-        }
-    }
-    puts "[llength $placed] blocks, $faults overlaps"
-    return [expr {$faults > 0}]
+    puts "[llength [tq::addressing configuredmap blocks $map]] blocks, [llength $findings] findings"
+    return [expr {$errors ? 1 : 0}]
 }
 
-if {$argc ni {2 3}} {
-    puts stderr "usage: address_check.tcl DATA_AREA VLNV ?CONFIG.json?"
+if {$argc < 2} {
+    puts stderr "usage: address_check.tcl DATA_AREA VLNV ?CONFIG.json ?ALLOWED ...??"
     exit 2
 }
 try {
-    exit [check {*}$argv]
+    exit [main {*}$argv]
 } trap TQ message {
     puts stderr "$argv0: $message"
     exit 1

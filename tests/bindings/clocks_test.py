@@ -1,10 +1,12 @@
 """Clock trees in Python: handles and what they outlive, searches, messages, errors."""
 
 import gc
+import importlib
 import logging
 import multiprocessing
 import os
 import signal
+import sys
 import threading
 import time
 import unittest
@@ -72,6 +74,52 @@ class Handles(unittest.TestCase):
         with self.assertRaisesRegex(tq_hbs.DeletedError, "^the PLL PLL0 of clock tree soc was del"):
             held[1].name
 
+    def test_a_callback_of_a_weak_reference_may_ask_for_the_same_object(self):
+        tree, found = small_tree(), []
+        pll = tree.getPll("PLL0")
+        gone = weakref.ref(pll, lambda _: found.append(tree.getPll("PLL0")))
+        del pll
+        self.assertIsNone(gone())
+        self.assertIs(found[0], tree.getPll("PLL0"))
+
+    def test_conversions_may_delete_the_object(self):
+        class Deletes:
+            def __fspath__(self):
+                tree.delete()
+                return "X"
+
+        tree = small_tree()
+        self.assertRaises(tq_hbs.DeletedError, tree.addPeripheral, Deletes(), "DOMAIN0", 1)
+
+    def test_a_second_import_gives_the_same_classes(self):
+        tree, names = small_tree(), [name for name in sys.modules if name.startswith("tq_hbs")]
+        before = {name: sys.modules.pop(name) for name in names}
+        try:
+            again = importlib.import_module("tq_hbs")
+            self.assertIs(tq_hbs.HBSPll, again.HBSPll)
+            self.assertIs(tq_hbs.Error, again.Error)
+            self.assertEqual("the clock tree soc", again.describe(tree))
+        finally:
+            sys.modules.update(before)
+
+    def test_touched_and_dropped_objects_leave_nothing(self):
+        def resident():
+            with open("/proc/self/statm") as file:
+                return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
+
+        def cycle(tree):
+            for pll in tree.allPlls:
+                pll.name
+            small_tree().report()
+
+        tree = small_tree()
+        for i in range(20_000):
+            if i == 10_000:
+                before = resident()
+            cycle(tree)
+        if "asan" not in os.environ.get("LD_PRELOAD", ""):  # keeps what was freed for a while
+            self.assertLess(resident() - before, 1 << 20)
+
     def test_with_deletes(self):
         with small_tree() as tree:
             uart = tree.getPeripheral("UART0")
@@ -137,6 +185,13 @@ class Searches(unittest.TestCase):
         self.assertRaises(tq_hbs.BusyError, trees[0].delete)
         self.assertTrue(small_tree().validateConfig())
         # They go with the process, which ends them.
+
+    def test_only_the_main_interpreter_has_the_package(self):
+        interpreters = importlib.import_module("_xxsubinterpreters")
+        other = interpreters.create()
+        with self.assertRaisesRegex(Exception, "main interpreter"):
+            interpreters.run_string(other, "import tq_hbs")
+        interpreters.destroy(other)
 
     def test_ctrl_c_ends_a_search_and_leaves_the_tree(self):
         tree = slow_tree()

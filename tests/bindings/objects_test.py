@@ -101,6 +101,22 @@ class Maps(unittest.TestCase):
         self.assertIsInstance(tq_hbs.generateSurfaceLevelAddressing(instance), dict)
 
 
+class Arguments(unittest.TestCase):
+    def test_mappings_are_refused_unless_they_have_pairs(self):
+        class Odd(dict):
+            def items(self):
+                return [1, ("a",)]
+
+        for odd in (Odd(), {"a": 1}, {1: "a"}, [("a", "b")], None, "ab"):
+            self.assertRaises(TypeError, tq_hbs.HBSHandoff, odd, {}, "x")
+
+    def test_texts_of_any_bytes_come_back(self):
+        for name in ("\udcff\xe9", "a\0b", "\U0001f600", ""):
+            self.assertEqual(name, tq_hbs.HBSClockingAlgo(name, plls=1).name)
+        self.assertRaises(TypeError, tq_hbs.HBSClockingAlgo, "\ud800", plls=1)
+        self.assertRaises(tq_hbs.InputError, tq_hbs.readClockTree, __file__ + "\0")
+
+
 class Others(unittest.TestCase):
     def test_registers(self):
         registers = tq_hbs.parseFile(os.path.join(DEVICE, "registers.xml"))

@@ -1,6 +1,7 @@
 """The packages as a shell's user meets them: examples, Ctrl-C in Tcl, a quiet process."""
 
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -50,6 +51,12 @@ assert tree.runSolution()
 assert state() == before, (state(), before)
 cycle = [uart, tree]
 cycle.append(cycle)
+class Last:
+    def __del__(self):
+        assert self.tree.runSolution() and self.tree.tables()
+last = Last()
+last.tree = tree
+last.cycle = last
 """
 
 
@@ -96,6 +103,38 @@ class Shell(unittest.TestCase):
             ]
             self.assertEqual(done[0].stdout, done[1].stdout)
             self.assertEqual([0, 0], [d.returncode for d in done])
+            self.assertIn("config_linux.json:17: warning: the assign", done[0].stdout)
+
+    def test_what_the_documents_show_runs(self):
+        with tempfile.TemporaryDirectory() as folder:
+            device = shutil.copytree(
+                os.path.join(ROOT, "examples", "device"), os.path.join(folder, "device")
+            )
+            blocks = os.path.join(device, "mirrel", "hardblocks")
+            for name in os.listdir(blocks):
+                tq_hbs.buildHardblockDefinition(blocks, name, write=True)
+            os.symlink(os.path.join(ROOT, "examples"), os.path.join(folder, "examples"))
+            environment = dict(os.environ, TQ_DATA_PATH=device)
+            count = 0
+            for document in ("README.md", os.path.join("docs", "scripting.md")):
+                with open(os.path.join(ROOT, document)) as file:
+                    shown = re.findall(r"^```(python|tcl)\n(.*?)^```", file.read(), re.M | re.S)
+                for language, text in shown:
+                    shell = sys.executable if language == "python" else TCLSH
+                    with self.subTest(document=document, text=text):
+                        done = subprocess.run(
+                            [shell, "-"] if language == "python" else [shell],
+                            input=text + "\n",
+                            cwd=folder,
+                            env=environment,
+                            capture_output=True,
+                            text=True,
+                            timeout=120,
+                        )
+                        self.assertEqual((0, ""), (done.returncode, done.stderr))
+                        self.assertTrue(done.stdout)
+                        count += 1
+            self.assertGreater(count, 5)
 
     def test_sessions_run(self):
         for shell, suffix in LANGUAGES:

@@ -11,6 +11,7 @@ import inspect
 import logging
 import os
 import random
+import shutil
 import sys
 import tempfile
 
@@ -18,10 +19,19 @@ import tq_hbs
 
 STEPS = int(sys.argv[1]) if len(sys.argv) > 1 else 20_000
 SEED = int(sys.argv[2]) if len(sys.argv) > 2 else 1
-DEVICE = os.path.join(os.environ["TQ_SOURCE_DIR"], "examples", "device")
+EXAMPLES = os.path.join(os.environ["TQ_SOURCE_DIR"], "examples")
+VLNV = "kestrom:hardblock:sorrel_ps:1.0"
 MOST_HELD = 300
 # Files and searches have tests of their own; here they would only take time.
-LEFT_OUT = {"writeTopBlock", "readTopBlock", "buildHardblockDefinition", "generateHWH"}
+LEFT_OUT = {
+    "writeTopBlock",
+    "readTopBlock",
+    "buildHardblockDefinition",
+    "generateHWH",
+    "writeDocument",
+    "runHandoff",
+    "importFile",
+}
 
 logging.getLogger("tq_hbs").setLevel(logging.CRITICAL)
 dice = random.Random(SEED)
@@ -47,11 +57,30 @@ def argument():
     return dice.choice((0, 1, 2, -1, 4096, 33.5, 2**70, True, None, ["a"], {"a": "b"}, float("nan")))
 
 
+WORDS = {
+    "path": ("dma.xml", "registers.xml", "device/sequence.cdo", "tree.json"),
+    "jobFile": ("device/handoff_job.json",),
+    "vlnv": (VLNV,),
+    "configFile": ("device/config_linux.json", "device/config_bare_metal.json"),
+    "sweep": ("a.mhz=1,2", "reference=10:30:10"),
+    "format": ("csv", "h", "sdc"),
+    "address": (0xFF000004, 0, "0xF1000000"),
+    "pattern": ("*", "uart0/*"),
+    "end": ("cpu1.clk",),
+    "master": ("cpu0", ""),
+    "initiator": ("cpu0", "noc0"),
+}
+
+
 def sensible(name):
     """Arguments that often fit, by the parameter's name."""
+    if name in WORDS:
+        return dice.choice(WORDS[name])
+    if name == "maps":
+        return [thing for thing in held if isinstance(thing, tq_hbs.ConfiguredMap)][:2]
     if name in ("freq", "value", "offset", "range", "kind", "plls"):
         return dice.choice((1, 2, 100, 4096))
-    if name in ("definition", "instance", "config", "block", "addrBlock", "addrSegment", "other"):
+    if name in ("definition", "instance", "config", "block", "addrBlock", "addrSegment", "other", "child"):
         return dice.choice(held) if held else None
     return dice.choice(("a", "b", "c", "DOMAIN0"))
 
@@ -71,7 +100,19 @@ def call(function):
     keep(function(*chosen))
 
 
+READERS = (
+    lambda: tq_hbs.readClockTree("tree.json"),
+    lambda: tq_hbs.ConfiguredMap(VLNV, dice.choice(WORDS["configFile"])),
+    lambda: tq_hbs.decideHandoff("device/handoff_job.json"),
+    lambda: tq_hbs.readDescription("dma.xml"),
+    lambda: tq_hbs.readDesign(os.path.join(EXAMPLES, "soc", "two_timers.xml")),
+)
+
+
 def make():
+    if dice.random() < 0.02:
+        keep(dice.choice(READERS)())
+        return
     kind = dice.randrange(5)
     if kind == 0:
         keep(tq_hbs.HBSClockingAlgo(dice.choice("ab"), plls=dice.choice((1, 2))))
@@ -119,7 +160,16 @@ FUNCTIONS = [
     for name, function in vars(tq_hbs).items()
     if type(function).__name__ == "builtin_function_or_method" and name not in LEFT_OUT
 ]
-os.chdir(tempfile.mkdtemp())
+folder = tempfile.TemporaryDirectory()
+os.chdir(folder.name)
+shutil.copytree(os.path.join(EXAMPLES, "device"), "device")
+for name in ("dma.xml", "registers.xml"):
+    shutil.copy(os.path.join("device", name), name)
+shutil.copy(os.path.join(EXAMPLES, "clocks", "serial_buses.json"), "tree.json")
+os.environ["TQ_DATA_PATH"] = os.path.abspath("device")
+blocks = os.path.join("device", "mirrel", "hardblocks")
+for name in sorted(os.listdir(blocks)):
+    tq_hbs.buildHardblockDefinition(blocks, name, write=True).delete()
 raised = {}
 for i in range(STEPS):
     try:

@@ -20,14 +20,50 @@ set namespaces {
     HABMInterface model::interface HABMMemoryMap model::memorymap HABMAddrBlock model::addrblock
     HABMRegister model::register HABMAddrSpace model::addrspace HABMAddrSegment model::addrsegment
     HABMAddrAssign model::addrassign AddressMap addressing::map
-    HBSCdoSequenceWrapper cdo::sequence
+    HBSCdoSequenceWrapper cdo::sequence ConfiguredMap addressing::configuredmap
+    ClockReport clock::report ClockSweep clock::sweep HBSHandoff handoff::document
+    Component ipxact::component Design ipxact::design HBSRegistersMap registers::map
+    HBSRegister registers::register
+}
+
+set examples [file join $env(TQ_SOURCE_DIR) examples]
+set folder [file tempfile name]
+close $folder
+file delete $name
+file mkdir $name
+cd $name
+file copy [file join $examples device] device
+set env(TQ_DATA_PATH) [file normalize device]
+foreach block [glob device/mirrel/hardblocks/*] {
+    tq::model block delete [tq::addressing buildHardblockDefinition [file dirname $block] \
+        [file tail $block] -write 1]
+}
+set readers [list \
+    "tq::clock readClockTree $examples/clocks/serial_buses.json" \
+    "tq::addressing configuredmap create kestrom:hardblock:sorrel_ps:1.0 \
+        -configFile device/config_linux.json" \
+    "tq::handoff decideHandoff device/handoff_job.json" \
+    "tq::ipxact readDescription device/dma.xml" \
+    "tq::ipxact readDesign $examples/soc/two_timers.xml" \
+    "tq::registers parseFile device/registers.xml"]
+
+# How many arguments a command needs beside the handle, by its own words.
+proc neededBy command {
+    global needed
+    if {![info exists needed($command)]} {
+        catch $command message
+        regexp {should be "(.*)"} $message all usage
+        regsub -all {\?[^?]*\?} $usage {} usage
+        set needed($command) [expr {max(0, [llength $usage] - 2)}]
+    }
+    return $needed($command)
 }
 
 proc commandsOf handle {
     set name [lindex [split $handle #] 0]
     if {![dict exists $::namespaces $name]} {return {}}
     set commands [info commands ::tq::[dict get $::namespaces $name]::*]
-    return [lsearch -all -inline -not -regexp $commands {TopBlock$}]
+    return [lsearch -all -inline -not -regexp $commands {(TopBlock|writeDocument)$}]
 }
 
 proc keep value {
@@ -46,12 +82,17 @@ proc argument {} {
         # A copy of the text half of the time.
         return [expr {rand() < 0.5 ? $handle : [string range " $handle" 1 end]}]
     }
-    return [pick {a b c {} a/b DOMAIN0 PLL0 0 1 2 100 4096 4K -1 33.5 NaN opens {a b} HBSPll#1}]
+    return [pick {
+        a b c {} a/b DOMAIN0 PLL0 0 1 2 100 4096 4K -1 33.5 NaN opens {a b} HBSPll#1 csv sdc
+        reference=10:30:10 uart0/* 0xFF000004 cpu1.clk
+    }]
 }
 
 proc step {} {
     set dice [expr {rand()}]
-    if {$dice < 0.1 || [llength $::held] == 0} {
+    if {$dice < 0.002} {
+        keep [list [{*}[pick $::readers]]]
+    } elseif {$dice < 0.1 || [llength $::held] == 0} {
         keep [{*}[pick {
             {tq::clock tree create a 1} {tq::clock tree create b 2} {tq::model block create a}
             {tq::clock addClockingAlgo a 1} {tq::cdo createCdoSequenceWrapper a}
@@ -68,8 +109,9 @@ proc step {} {
         set handle [pick $::held]
         set command [pick [commandsOf $handle]]
         if {[string match *::delete $command] && rand() < 0.7} return
+        set count [expr {rand() < 0.9 ? [neededBy $command] : int(rand() * 4)}]
         set arguments {}
-        for {set i [expr {int(rand() * 4)}]} {$i > 0} {incr i -1} {lappend arguments [argument]}
+        while {[llength $arguments] < $count} {lappend arguments [argument]}
         keep [$command $handle {*}$arguments]
     }
 }
@@ -82,5 +124,7 @@ for {set i 0} {$i < $steps} {incr i} {
         }
     }
 }
+cd /
+file delete -force $name
 puts "$steps steps, raised: $raised"
 exit [expr {![dict exists $raised {TQ DELETED}]}]

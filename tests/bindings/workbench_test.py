@@ -105,6 +105,46 @@ class Clocks(unittest.TestCase):
                 tree.runClockSweep("I2C0.mhz=0.001:10:0.001")
 
 
+class Threads(unittest.TestCase):
+    def test_threads_work_on_objects_of_their_own(self):
+        def work(number):
+            for i in range(500):
+                with tq_hbs.HBSClockingAlgo(f"tree{number}", plls=1) as tree:
+                    pll = tree.createPllConfig(f"PLL{i}", "D")
+                    tree.addPeripheral("UART0", "D", 100)
+                    if i % 100 == 0:
+                        tree.runSolution()
+                    names.append((number, pll.name, tree.name))
+
+        names = []
+        threads = [threading.Thread(target=work, args=(number,)) for number in range(4)]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+        self.assertEqual(2000, len(names))
+        self.assertEqual({(n, f"tree{n}") for n in range(4)}, {(n, tree) for n, _, tree in names})
+
+    def test_children_of_a_fork_beside_busy_threads_search(self):
+        def work():
+            while not done.is_set():
+                tq_hbs.readClockTree(path).runClockTree()
+
+        path, done = os.path.join(EXAMPLES, "clocks", "serial_buses.json"), threading.Event()
+        threads = [threading.Thread(target=work) for _ in range(2)]
+        for thread in threads:
+            thread.start()
+        for _ in range(20):
+            child = os.fork()
+            if child == 0:
+                signal.alarm(60)
+                os._exit(0 if tq_hbs.readClockTree(path).runSolution() else 1)
+            self.assertEqual(0, os.waitpid(child, 0)[1])
+        done.set()
+        for thread in threads:
+            thread.join()
+
+
 class Maps(unittest.TestCase):
     def make(self, config="config_linux.json"):
         return tq_hbs.ConfiguredMap(VLNV, os.path.join("device", config))
