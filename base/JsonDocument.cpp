@@ -4,10 +4,10 @@
 #include <charconv>
 #include <clocale>
 #include <cstdlib>
-#include <functional>
 #include <new>
 #include <string>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -35,7 +35,7 @@ public:
     TokenStarts(std::string_view text, const Stream& stream, bool isKept)
         : m_text(text), m_stream(stream), m_isKept(isKept) {}
 
-    [[nodiscard]] const std::vector<std::uint32_t>& offsets() const { return m_offsets; }
+    [[nodiscard]] std::vector<std::uint32_t> takeOffsets() { return std::move(m_offsets); }
 
     void addBefore(std::size_t bytes) {
         if (m_isKept)
@@ -63,7 +63,7 @@ private:
     std::string_view m_text;
     const Stream& m_stream;
     bool m_isKept;
-    std::vector<std::uint32_t> m_offsets; ///< of values and names, in the order of the text
+    std::vector<std::uint32_t> m_offsets;
 };
 
 /// Passes the reader's events to the document, counts the levels and the values and reads the
@@ -144,21 +144,6 @@ rapidjson::ParseResult parse(Stream& stream, Guard& guard) {
     return reader.Parse<kFlags>(stream, guard);
 }
 
-/// Calls `visit` for each value and each name below a value, in the order of the text. As deep as
-/// the document has levels.
-template <class Visit>
-void forEachInOrder(const JsonValue& value, Visit& visit) {
-    visit(value);
-    if (value.IsArray())
-        for (const JsonValue& element : value.GetArray())
-            forEachInOrder(element, visit);
-    if (value.IsObject())
-        for (const auto& member : value.GetObject()) {
-            visit(member.name);
-            forEachInOrder(member.value, visit);
-        }
-}
-
 /// The end of the number or string that starts at `from`, a quote, a "-" or a digit.
 std::size_t endOfToken(std::string_view text, std::size_t from) {
     if (text[from] != '"')
@@ -208,7 +193,7 @@ void JsonAllocator::Free(void* memory) {
 JsonDocument::JsonDocument(rapidjson::Type type) : GenericDocument(type) {}
 
 JsonDocument& JsonDocument::Parse(std::string_view text, const Options& options) {
-    m_places.clear();
+    m_offsets.clear();
     if (text.size() > kMostBytes) {
         m_result.Set(rapidjson::kParseErrorUnspecificSyntaxError, kMostBytes);
         return *this;
@@ -233,24 +218,6 @@ JsonDocument& JsonDocument::Parse(std::string_view text, const Options& options)
             return Parse(cleared, options);
     }
     if (options.keepsPlaces && !m_result.IsError())
-        assignPlaces(starts.offsets());
+        m_offsets = starts.takeOffsets();
     return *this;
-}
-
-void JsonDocument::assignPlaces(const std::vector<std::uint32_t>& offsets) {
-    m_places.reserve(offsets.size());
-    auto add = [&](const JsonValue& value) {
-        m_places.emplace_back(&value, offsets[m_places.size()]);
-    };
-    forEachInOrder(*this, add);
-    std::sort(m_places.begin(), m_places.end(),
-              [](const Place& a, const Place& b) { return std::less<>()(a.first, b.first); });
-}
-
-std::size_t JsonDocument::offsetOf(const JsonValue& value) const {
-    const auto place = std::lower_bound(m_places.begin(), m_places.end(), &value,
-                                        [](const Place& candidate, const JsonValue* asked) {
-                                            return std::less<>()(candidate.first, asked);
-                                        });
-    return place == m_places.end() || place->first != &value ? 0 : place->second;
 }

@@ -47,7 +47,7 @@ public:
         std::size_t mostLevels = kMostLevels; ///< at most `kMostLevels`
         std::size_t mostValues = kMostBytes;  ///< more are a `kParseErrorTermination`, too
         bool validatesEncoding = false;       ///< text that isn't UTF-8 is then a parse error
-        bool keepsPlaces = false;             ///< for `offsetOf`
+        bool keepsPlaces = false;             ///< for `offsets`
     };
 
     explicit JsonDocument(rapidjson::Type type = rapidjson::kNullType);
@@ -64,19 +64,15 @@ public:
     /// Whether the parse ended at `Options::mostValues`; names count, too.
     [[nodiscard]] bool hasTooManyValues() const { return m_hasTooManyValues; }
 
-    /// The byte of the text at which a value or the name of a member starts. `value` is one of this
-    /// document's own, which was parsed with `keepsPlaces` and not changed since; for any other the
-    /// result is 0.
-    [[nodiscard]] std::size_t offsetOf(const JsonValue& value) const;
+    /// The bytes of the text at which the values and the names of members start, in the order of
+    /// the text: an array or an object ahead of what it holds, a name ahead of its value. Empty
+    /// unless the text was parsed with `keepsPlaces`, and after a parse error.
+    [[nodiscard]] const std::vector<std::uint32_t>& offsets() const { return m_offsets; }
 
 private:
-    using Place = std::pair<const JsonValue*, std::uint32_t>;
-
-    void assignPlaces(const std::vector<std::uint32_t>& offsets);
-
     rapidjson::ParseResult m_result;
     bool m_hasTooManyValues = false;
-    std::vector<Place> m_places; ///< ordered by address
+    std::vector<std::uint32_t> m_offsets;
 };
 
 /// The text with the exponents of all zeros cleared, from a place outside any string on. RapidJSON

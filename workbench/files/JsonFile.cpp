@@ -1,7 +1,7 @@
 #include "workbench/files/JsonFile.h"
 
 #include <algorithm>
-#include <map>
+#include <cstdint>
 #include <utility>
 
 #include "base/JsonAccess.h"
@@ -36,10 +36,10 @@ const char* kindName(JsonNode::Kind kind) {
 class TreeBuilder {
 public:
     TreeBuilder(std::string_view content, const JsonDocument& document)
-        : m_content(content), m_document(document) {}
+        : m_content(content), m_nextOffset(document.offsets().begin()) {}
 
-    void build(const JsonValue& value, JsonNode& node) const {
-        node.offset = m_document.offsetOf(value);
+    void build(const JsonValue& value, JsonNode& node) {
+        node.offset = *m_nextOffset++;
         if (value.IsObject())
             buildMembers(value, node);
         else if (value.IsArray())
@@ -66,17 +66,17 @@ private:
         set(node, JsonNode::Kind::Number, rest.substr(0, rest.find_first_not_of(kNumberBytes)));
         node.number = value;
     }
-    void buildMembers(const JsonValue& object, JsonNode& node) const {
+    void buildMembers(const JsonValue& object, JsonNode& node) {
         node.kind = JsonNode::Kind::Object;
         node.members.reserve(object.MemberCount());
         for (const auto& member : object.GetObject()) {
             auto& built = node.members.emplace_back();
             built.name = base::textOf(member.name);
-            built.offset = m_document.offsetOf(member.name);
+            built.offset = *m_nextOffset++;
             build(member.value, built.value);
         }
     }
-    void buildItems(const JsonValue& array, JsonNode& node) const {
+    void buildItems(const JsonValue& array, JsonNode& node) {
         node.kind = JsonNode::Kind::Array;
         node.items.reserve(array.Size());
         for (const JsonValue& element : array.GetArray())
@@ -86,7 +86,7 @@ private:
     static constexpr const char* kNumberBytes = "+-.0123456789Ee";
 
     std::string_view m_content;
-    const JsonDocument& m_document;
+    std::vector<std::uint32_t>::const_iterator m_nextOffset; ///< values and names come in order
 };
 
 } // namespace
@@ -160,18 +160,20 @@ Diagnostic JsonFile::unknownKey(const JsonNode::Member& member,
 
 void JsonFile::expectKeys(const JsonNode& object,
                           std::initializer_list<std::string_view> known) const {
-    std::map<std::string_view, std::size_t> seen;
-    for (const auto& member : this->object(object)) {
-        const auto [first, isNew] = seen.try_emplace(member.name, member.offset);
-        if (!isNew) {
+    const auto& members = this->object(object);
+    for (auto member = members.begin(); member != members.end(); ++member) {
+        // All before it are known and different, so they are few.
+        const auto first = std::find_if(members.begin(), member,
+                                        [&](const auto& m) { return m.name == member->name; });
+        if (first != member) {
             Diagnostic finding =
-                makeDiagnostic(Severity::Error, "duplicate-key", placeOf(member.offset),
-                               "a second key \"" + member.name + "\"");
-            finding.notes.push_back({placeOf(first->second), "first defined here"});
+                makeDiagnostic(Severity::Error, "duplicate-key", placeOf(member->offset),
+                               "a second key \"" + member->name + "\"");
+            finding.notes.push_back({placeOf(first->offset), "first defined here"});
             throw InputError(std::move(finding));
         }
-        if (std::find(known.begin(), known.end(), member.name) == known.end())
-            throw InputError(unknownKey(member, known, Severity::Error));
+        if (std::find(known.begin(), known.end(), member->name) == known.end())
+            throw InputError(unknownKey(*member, known, Severity::Error));
     }
 }
 
