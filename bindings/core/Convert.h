@@ -251,8 +251,9 @@ private:
     static Value convert(const F& value, Call& call) {
         return Convert<F>::to(value, call);
     }
-    template <class F>
-    static Type::Field describeField(const Field<T, F>& field) {
+    /// The owner may be a base of the record.
+    template <class Owner, class F>
+    static Type::Field describeField(const Field<Owner, F>& field) {
         return {field.name, &Convert<F>::type()};
     }
     static Type describe() {

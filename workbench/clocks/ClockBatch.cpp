@@ -12,11 +12,10 @@
 
 #include "HPAParamMgr.h"
 #include "clocking/SearchInterruption.h"
-#include "workbench/clocks/ClockReport.h"
+#include "workbench/clocks/ClockOutcomeJson.h"
 #include "workbench/clocks/ClockRun.h"
 #include "workbench/files/InputError.h"
 #include "workbench/text/CellText.h"
-#include "workbench/text/JsonWriter.h"
 #include "workbench/text/Table.h"
 #include "workbench/text/Text.h"
 
@@ -33,20 +32,10 @@ constexpr int kBarWidth = 30;
 
 std::atomic<bool> g_isInterrupted = false;
 
-void solve(const ClockTree& tree, hbs_clocking::HBSClockingAlgo& solver, Line& line) {
+/// No report of a tree without a solution is made: it would take longer than the search.
+[[nodiscard]] ClockOutcome solve(const ClockTree& tree, hbs_clocking::HBSClockingAlgo& solver) {
     solver.setSharesSolutions(false);
-    line.found = solver.runSolution();
-    if (!line.found)
-        return;
-    line.tolerance = solver.getToleranceFector();
-    const ClockReport report = makeClockReport(tree, solver);
-    for (const ClockReport::Peripheral& peripheral : report.peripherals) {
-        line.sumPpm += peripheral.countedPpm();
-        if (line.worst.empty() || peripheral.countedPpm() > line.worstPpm) {
-            line.worstPpm = peripheral.countedPpm();
-            line.worst = peripheral.request.name;
-        }
-    }
+    return solver.runSolution() ? outcomeOf(makeClockReport(tree, solver)) : ClockOutcome();
 }
 
 /// What the threads of a batch share.
@@ -121,7 +110,7 @@ private:
                     fault += (fault.empty() ? "" : "; ") + said;
                 file.fail(file.require(file.root(), "domains").offset, fault);
             }
-            solve(tree, *solver, line);
+            static_cast<ClockOutcome&>(line) = solve(tree, *solver);
             static_cast<void>(m_texts.takeLines());
         } catch (const InputError& error) {
             line.error = error.what();
@@ -246,15 +235,9 @@ void printClockBatchJson(const ClockBatch& batch, std::ostream& out) {
     for (const Line& line : batch.lines) {
         json.beginObject();
         json.member("file", line.path);
-        json.member("solved", line.found);
         if (!line.error.empty())
             json.member("error", line.error);
-        if (line.found) {
-            json.member("tolerance", static_cast<double>(line.tolerance));
-            json.member("sum_ppm", line.sumPpm);
-            json.member("worst_ppm", line.worstPpm);
-            json.member("worst", line.worst);
-        }
+        writeOutcome(line, json);
         json.endObject();
     }
     json.endArray();

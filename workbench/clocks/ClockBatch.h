@@ -7,18 +7,14 @@
 #include <vector>
 
 #include "tq_workbench_export.h"
+#include "workbench/clocks/ClockReport.h"
 
 namespace tq {
 
 struct ClockBatch {
-    struct Line {
+    struct Line : ClockOutcome {
         std::string path;
-        std::string error;  ///< why the file can't be used; empty for a tree that was solved
-        bool found = false; ///< the rest is set for a solution
-        float tolerance = 0.0F;
-        double sumPpm = 0.0;
-        double worstPpm = 0.0;
-        std::string worst; ///< the peripheral of the largest error
+        std::string error; ///< why the file can't be used; empty for a tree that was solved
     };
     /// The worst first: files that can't be used, trees without a solution, then by the sum. What
     /// was interrupted isn't here.

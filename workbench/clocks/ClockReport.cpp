@@ -112,6 +112,21 @@ ClockReport::Summary ClockReport::summary() const {
     return summary;
 }
 
+ClockOutcome outcomeOf(const ClockReport& report) {
+    ClockOutcome outcome;
+    outcome.found = report.found;
+    outcome.tolerance = report.tolerance;
+    for (const ClockReport::Peripheral& line : report.peripherals) {
+        const double ppm = line.countedPpm();
+        outcome.sumPpm += ppm;
+        if (outcome.worst.empty() || ppm > outcome.worstPpm) {
+            outcome.worstPpm = ppm;
+            outcome.worst = line.request.name;
+        }
+    }
+    return outcome;
+}
+
 void addSearch(ClockReport& report, const HBSClockingAlgo& solver, unsigned pllCount) {
     // Three output dividers for each PLL but the NOC's, and three cross-domain dividers of 1 to 4.
     constexpr unsigned ofFour = 3 * 3 * 3 * 4 * 4 * 4;

@@ -108,9 +108,20 @@ struct ClockReport {
     [[nodiscard]] TQ_WORKBENCH_EXPORT Summary summary() const;
 };
 
+/// What a run came to, in a few numbers: for lists of many runs.
+struct ClockOutcome {
+    bool found = false;
+    float tolerance = 0.0F; ///< the rest is set for a solution
+    double sumPpm = 0.0;
+    double worstPpm = 0.0;
+    std::string worst; ///< the peripheral of the largest error, the first of equals
+};
+
 /// The report of a solver that was built from the tree and has run.
 [[nodiscard]] TQ_WORKBENCH_EXPORT ClockReport
 makeClockReport(const ClockTree& tree, const hbs_clocking::HBSClockingAlgo& solver);
+
+[[nodiscard]] TQ_WORKBENCH_EXPORT ClockOutcome outcomeOf(const ClockReport& report);
 
 /// Adds how the tree's solver searched.
 TQ_WORKBENCH_EXPORT void addSearch(ClockReport& report, const hbs_clocking::HBSClockingAlgo& solver,

@@ -6,7 +6,7 @@
 #include <ostream>
 
 #include "base/JsonWriter.h"
-#include "workbench/clocks/ClockReport.h"
+#include "workbench/clocks/ClockOutcomeJson.h"
 
 namespace tq {
 
@@ -188,6 +188,16 @@ private:
 };
 
 } // namespace
+
+void writeOutcome(const ClockOutcome& outcome, JsonWriter& json) {
+    json.member("solved", outcome.found);
+    if (!outcome.found)
+        return;
+    json.member("tolerance", static_cast<double>(outcome.tolerance));
+    json.member("sum_ppm", outcome.sumPpm);
+    json.member("worst_ppm", outcome.worstPpm);
+    json.member("worst", outcome.worst);
+}
 
 void printClockJson(const ClockReport& report, std::ostream& out) {
     ReportWriter(out).write(report);

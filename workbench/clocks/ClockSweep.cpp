@@ -6,10 +6,9 @@
 
 #include "clocking/SearchInterruption.h"
 #include "workbench/clocks/ClockNames.h"
-#include "workbench/clocks/ClockReport.h"
+#include "workbench/clocks/ClockOutcomeJson.h"
 #include "workbench/clocks/ClockRun.h"
 #include "workbench/files/InputError.h"
-#include "workbench/text/JsonWriter.h"
 #include "workbench/text/Table.h"
 #include "workbench/text/Text.h"
 
@@ -124,21 +123,9 @@ void apply(const ClockSweep& sweep, double value, ClockTree& tree) {
 
 [[nodiscard]] SweepPoint solvePoint(const ClockTree& tree, double value, LibraryTexts& texts) {
     const ClockRun run = runClockTree(tree, {}, &texts);
-    SweepPoint point;
-    point.value = value;
-    point.found = run.solver->is_result_found();
-    if (!point.found)
-        return point;
-    point.tolerance = run.solver->getToleranceFector();
-    const ClockReport report = makeClockReport(tree, *run.solver);
-    for (const ClockReport::Peripheral& line : report.peripherals) {
-        point.sumPpm += line.countedPpm();
-        if (line.countedPpm() > point.worstPpm || point.worst.empty()) {
-            point.worstPpm = line.countedPpm();
-            point.worst = line.request.name;
-        }
-    }
-    return point;
+    if (!run.solver->is_result_found())
+        return {{}, value};
+    return {outcomeOf(makeClockReport(tree, *run.solver)), value};
 }
 
 /// Up to three decimals, and more where they are needed.
@@ -226,13 +213,7 @@ void printClockSweepJson(const ClockSweep& sweep, const std::vector<SweepPoint>&
     for (const SweepPoint& point : points) {
         json.beginObject();
         json.member("value", point.value);
-        json.member("solved", point.found);
-        if (point.found) {
-            json.member("tolerance", static_cast<double>(point.tolerance));
-            json.member("sum_ppm", point.sumPpm);
-            json.member("worst_ppm", point.worstPpm);
-            json.member("worst", point.worst);
-        }
+        writeOutcome(point, json);
         json.endObject();
     }
     json.endArray();

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tq_workbench_export.h"
+#include "workbench/clocks/ClockReport.h"
 #include "workbench/clocks/ClockTree.h"
 
 namespace tq {
@@ -28,13 +29,8 @@ struct ClockSweep {
 [[nodiscard]] TQ_WORKBENCH_EXPORT ClockSweep readClockSweep(const ClockTree& tree,
                                                             const std::string& text);
 
-struct SweepPoint {
+struct SweepPoint : ClockOutcome {
     double value = 0.0;
-    bool found = false;
-    float tolerance = 0.0F; ///< the rest is set for a solution
-    double sumPpm = 0.0;
-    double worstPpm = 0.0;
-    std::string worst; ///< the peripheral of the largest error
 };
 
 /// One point for each value. Each is the answer of its own tree, whatever was solved before. Raises
