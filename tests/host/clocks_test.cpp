@@ -70,6 +70,11 @@ TEST(ClockPicture, IsWellFormedAndNamesAllOfALargeTree) {
     tq::printClockPicture(tq::makeClockReport(tree, *solver), tree.referenceMhz, picture);
     pugi::xml_document document;
     ASSERT_TRUE(document.load_string(picture.str().c_str()));
+    // A page that shows it smaller scales it by this.
+    const pugi::xml_node svg = document.child("svg");
+    EXPECT_EQ(std::string("0 0 ") + svg.attribute("width").value() + " " +
+                  svg.attribute("height").value(),
+              svg.attribute("viewBox").value());
     const auto names = [&](const std::string& name) {
         return !document.select_nodes(("//text[.='" + name + "']").c_str()).empty();
     };

@@ -14,7 +14,7 @@ constexpr const char* kStyle = R"(
 :root { color-scheme: light dark; --ink: #1b1f24; --paper: #fff; --line: #d0d7de; --lit: #fff3c4;
   --bad: #b3261e; --soft: #57606a; }
 @media (prefers-color-scheme: dark) {
-  :root { --ink: #e6edf3; --paper: #0d1117; --line: #3a424c; --lit: #4a3b00; --bad: #ff8a80;
+  :root { --ink: #e6edf3; --paper: #121212; --line: #3a424c; --lit: #4a3b00; --bad: #ff8a80;
     --soft: #9aa4af; }
   .picture svg { filter: invert(0.93) hue-rotate(180deg); }
 }
@@ -22,6 +22,8 @@ body { font: 14px/1.45 Helvetica, Arial, sans-serif; color: var(--ink); backgrou
   margin: 0 auto; max-width: 1500px; padding: 16px; }
 .parts { display: flex; flex-wrap: wrap; gap: 24px; align-items: flex-start; }
 .picture, .wide { overflow-x: auto; max-width: 100%; }
+.picture { flex: 1 1 760px; min-width: 0; }
+.picture svg { min-width: 760px; max-width: 100%; height: auto; }
 .side { flex: 1 1 320px; min-width: 0; }
 table { border-collapse: collapse; font-variant-numeric: tabular-nums; }
 th, td { border-bottom: 1px solid var(--line); padding: 3px 10px; text-align: left;
@@ -40,7 +42,12 @@ h1, li { overflow-wrap: anywhere; }
 li { margin-bottom: 8px; }
 .soft { color: var(--soft); }
 @media print { input { display: none; } body { max-width: none; padding: 0; }
-  .picture svg { max-width: 100%; height: auto; } tr { break-inside: avoid; } }
+  .parts { display: block; } .picture, .wide { overflow: visible; }
+  .picture svg { min-width: 0; max-height: 94vh; break-inside: avoid; filter: none; }
+  table { width: 100%; font-size: 10px; } th, td { padding: 2px 4px; white-space: normal;
+    overflow-wrap: anywhere; }
+  td.number, th.number { white-space: nowrap; }
+  h2 { break-after: avoid; } tr, li { break-inside: avoid; } }
 )";
 
 constexpr const char* kScript = R"(
@@ -124,12 +131,15 @@ public:
         m_out << "<div class=\"parts\">\n";
         if (m_report.found)
             writePicture(referenceMhz);
-        m_out << "<div class=\"side\">\n";
-        if (m_report.conflicts)
-            writeConflicts();
-        if (!m_report.alternatives.empty())
-            writeAlternatives();
-        m_out << "</div>\n</div>\n";
+        if (m_report.conflicts || !m_report.alternatives.empty()) {
+            m_out << "<div class=\"side\">\n";
+            if (m_report.conflicts)
+                writeConflicts();
+            if (!m_report.alternatives.empty())
+                writeAlternatives();
+            m_out << "</div>\n";
+        }
+        m_out << "</div>\n";
         m_report.found ? writeRequests() : writeAlone();
         m_out << "<script>" << kScript << "</script>\n</body>\n</html>\n";
     }
@@ -195,12 +205,18 @@ private:
         m_out << "</ol>\n";
     }
 
-    void writeHead(std::initializer_list<const char*> columns) {
+    struct Column {
+        const char* title;
+        bool hasNumbers = true;
+    };
+
+    void writeHead(std::initializer_list<Column> columns) {
         m_out << "<input id=\"filter\" type=\"search\" placeholder=\"Filter\" "
                  "aria-label=\"Filter\">\n<div class=\"wide\"><table "
                  "id=\"requests\">\n<thead><tr>";
-        for (const char* column : columns)
-            m_out << "<th><button>" << column << "</button></th>";
+        for (const Column& column : columns)
+            m_out << "<th" << (column.hasNumbers ? " class=\"number\"" : "") << "><button>"
+                  << column.title << "</button></th>";
         m_out << "</tr></thead>\n<tbody>\n";
     }
 
@@ -211,8 +227,15 @@ private:
     void mhz(double value) { number(fixedText(value, 4)); }
 
     void writeRequests() {
-        writeHead({"Peripheral", "Domain", "Request MHz", "PLL", "PLL MHz", "÷ cross", "÷ own",
-                   "Gets MHz", "ppm"});
+        writeHead({{"Peripheral", false},
+                   {"Domain", false},
+                   {"Request MHz"},
+                   {"PLL", false},
+                   {"PLL MHz"},
+                   {"÷ cross"},
+                   {"÷ own"},
+                   {"Gets MHz"},
+                   {"ppm"}});
         constexpr double tenthOfPercent = 1000.0; // ppm
         for (const ClockReport::Peripheral& line : m_report.peripherals) {
             if (!line.given)
@@ -234,7 +257,11 @@ private:
     }
 
     void writeAlone() {
-        writeHead({"Peripheral", "Domain", "Request MHz", "Nearest MHz", "Allowed %"});
+        writeHead({{"Peripheral", false},
+                   {"Domain", false},
+                   {"Request MHz"},
+                   {"Nearest MHz"},
+                   {"Allowed %"}});
         for (const ClockReport::Alone& alone : m_report.alone) {
             m_out << "<tr" << (alone.allowed ? "" : " class=\"far\"") << ">";
             cell(alone.request.name);

@@ -70,6 +70,9 @@ public:
         addReference(y - kGap);
         set(m_svg, "width", kWidth);
         set(m_svg, "height", heightOfAll());
+        // What shows it smaller scales it instead of cutting it off.
+        set(m_svg, "viewBox",
+            ("0 0 " + std::to_string(kWidth) + " " + std::to_string(heightOfAll())).c_str());
         m_document.save(out, "  ");
     }
 
