@@ -1,6 +1,8 @@
 // hbs clocks: solves clock tree files.
 
+#include <atomic>
 #include <csignal>
+#include <ctime>
 
 #include "host/Command.h"
 #include "workbench/clocks/ClockBatch.h"
@@ -11,15 +13,30 @@ namespace host {
 
 namespace {
 
-/// Ctrl-C ends the batch with what is done.
+/// Ctrl-C ends the batch with what is done, and the program where that takes too long for its user.
+/// One key may come as two signals, from the terminal and from a parent that hands it on. A shell
+/// that starts the program in the background has the signal ignored, which stays so.
 class InterruptsBatch {
 public:
-    InterruptsBatch() {
-        std::signal(SIGINT, [](int) { tq::interruptClockBatch(); });
+    InterruptsBatch() : m_before(std::signal(SIGINT, SIG_IGN)) {
+        if (m_before != SIG_IGN)
+            std::signal(SIGINT, interrupt);
     }
-    ~InterruptsBatch() { std::signal(SIGINT, SIG_DFL); }
+    ~InterruptsBatch() { std::signal(SIGINT, m_before); }
     InterruptsBatch(const InterruptsBatch&) = delete;
     InterruptsBatch& operator=(const InterruptsBatch&) = delete;
+
+private:
+    static void interrupt(int signal) {
+        const std::time_t now = std::time(nullptr);
+        std::time_t first = 0;
+        if (!s_first.compare_exchange_strong(first, now) && now - first > 1)
+            std::signal(signal, SIG_DFL), std::raise(signal);
+        tq::interruptClockBatch();
+    }
+
+    void (*m_before)(int);
+    static inline std::atomic<std::time_t> s_first = 0;
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <sstream>
 
 #include "support/support.h"
@@ -64,6 +65,26 @@ TEST(ClockBatch, EndsAtOnceWithWhatIsDone) {
     EXPECT_THAT(table.str(), HasSubstr(" left when it was interrupted.\n"));
     // The next one isn't affected.
     EXPECT_FALSE(tq::runClockBatch({paths[0]}).isInterrupted);
+}
+
+/// What a user's Ctrl-C does to the program.
+TEST(ClockBatch, EndsOnASignalWithTheTableAndTheFileOfWhatIsDone) {
+    const support::TempDir dir;
+    const support::RunResult run =
+        support::run("timeout --preserve-status -s INT 1 " HBS_PROGRAM " clocks $(yes " +
+                     std::string(kExamples) + "/programmable_soc.json | head -n 20000) --export " +
+                     dir.file("done.csv"));
+    EXPECT_EQ(1, run.status);
+    EXPECT_EQ("", run.error);
+    const std::string summary = run.output.substr(run.output.rfind("20000 trees: "));
+    const long solved = std::stol(summary.substr(13));
+    EXPECT_LT(solved, 20000);
+    EXPECT_EQ("20000 trees: " + std::to_string(solved) +
+                  " solved, 0 without a solution, 0 that can't be used, " +
+                  std::to_string(20000 - solved) + " left when it was interrupted.\n",
+              summary);
+    const std::string csv = support::readFile(dir.file("done.csv"));
+    EXPECT_EQ(solved + 1, std::count(csv.begin(), csv.end(), '\n'));
 }
 
 TEST(ClockBatch, DrawsItsProgressOnlyWhereItIsAskedFor) {

@@ -154,6 +154,17 @@ private:
     std::exception_ptr m_failure;
 };
 
+/// An interruption is over when the batch is that it ended.
+struct InterruptionEnd {
+    InterruptionEnd() = default;
+    ~InterruptionEnd() {
+        g_isInterrupted = false;
+        SearchInterruption::withdraw();
+    }
+    InterruptionEnd(const InterruptionEnd&) = delete;
+    InterruptionEnd& operator=(const InterruptionEnd&) = delete;
+};
+
 [[nodiscard]] std::string resultText(const Line& line) {
     return line.error.empty() ? "no solution" : "can't be used";
 }
@@ -191,14 +202,12 @@ std::vector<std::string> findTrees(const std::vector<std::string>& paths) {
 ClockBatch runClockBatch(const std::vector<std::string>& paths, std::ostream* progress,
                          unsigned threads) {
     HPAParamMgr::getParamMgr()->setValue("general.maxThreads", "1");
-    g_isInterrupted = false;
-    SearchInterruption::withdraw();
+    const InterruptionEnd end;
     if (threads == 0)
         threads = std::max(1U, std::thread::hardware_concurrency());
     threads = static_cast<unsigned>(std::clamp<std::size_t>(paths.size(), 1, threads));
     Batch batch(paths);
     batch.run(threads, progress);
-    SearchInterruption::withdraw();
     return batch.result();
 }
 

@@ -38,8 +38,8 @@ findTrees(const std::vector<std::string>& paths);
 [[nodiscard]] TQ_WORKBENCH_EXPORT ClockBatch runClockBatch(const std::vector<std::string>& paths,
                                                            std::ostream* progress = nullptr,
                                                            unsigned threads = 0);
-/// Ends the batch that runs in this process, if any, at once and with what is done. May be called
-/// in a signal handler.
+/// Ends the batch that runs in this process, or the next one, at once and with what is done. May be
+/// called in a signal handler.
 TQ_WORKBENCH_EXPORT void interruptClockBatch() noexcept;
 
 /// A line for each tree and a summary.
