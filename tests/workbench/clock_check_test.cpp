@@ -34,6 +34,10 @@ TEST(ClockCheck, AcceptsWhatTheSolversFind) {
         EXPECT_NEAR(*result.bestSum, result.sum, 1e-5 * (1 + result.sum)) << seed;
     }
     EXPECT_GT(solved, 190U);
+    // Numbers of which single precision and the file's text keep few digits.
+    tq::ClockTree tree = clock_trees::generate(1, 4, 4);
+    tree.peripherals.back().mhz = 1e-45F;
+    EXPECT_TRUE(check(tree, clock_trees::solutionJson(tree)).holds());
 }
 
 /// Values that make a field of a solution wrong, whatever the others are.

@@ -334,8 +334,9 @@ private:
         if (request <= 0.0)
             return;
         const double signedError = (mhz - request) / request;
-        checkStatedNumber(node, "error_percent", signedError * 100.0, kStatedMargin * 100.0);
-        checkStatedNumber(node, "error_ppm", signedError * 1e6, kStatedMargin * 1e6);
+        const double margin = kStatedMargin * std::max(1.0, std::fabs(signedError));
+        checkStatedNumber(node, "error_percent", signedError * 100.0, margin * 100.0);
+        checkStatedNumber(node, "error_ppm", signedError * 1e6, margin * 1e6);
         if (isLarge() && peripheral.noc && mhz > request * (1 + kNocMargin))
             error(m_file.require(node, "divider"), "noc-ceiling",
                   peripheral.name + " gets " + mhzText(mhz), "at most " + mhzText(request));
@@ -364,7 +365,9 @@ private:
         const JsonNode* node = object.find(key);
         if (node == nullptr || node->kind == JsonNode::Kind::Null || !std::isfinite(right))
             return;
-        if (!(std::fabs(m_file.number(*node) - right) <= margin))
+        // Below this, single precision has few digits.
+        constexpr auto least = static_cast<double>(std::numeric_limits<float>::min());
+        if (!(std::fabs(m_file.number(*node) - right) <= margin + least))
             error(*node, "stated-value",
                   std::string("the file states ") + quoted(key) + " as " +
                       fixedText(node->number, 6),

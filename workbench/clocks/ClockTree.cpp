@@ -103,7 +103,8 @@ private:
         const std::string& name = m_file.string(node);
         const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20U; };
         if (name.empty() || std::any_of(name.begin(), name.end(), isControl))
-            m_file.fail(node.offset, "expected a name without control characters");
+            m_file.fail(node.offset,
+                        "expected a name that isn't empty, without control characters");
         if (!names.insert(name).second)
             m_file.fail(node.offset, "a second one named \"" + name + "\"");
         return name;
