@@ -70,10 +70,11 @@ TEST(ClockBatch, EndsAtOnceWithWhatIsDone) {
 /// What a user's Ctrl-C does to the program.
 TEST(ClockBatch, EndsOnASignalWithTheTableAndTheFileOfWhatIsDone) {
     const support::TempDir dir;
-    const support::RunResult run =
-        support::run("timeout --preserve-status -s INT 1 " HBS_PROGRAM " clocks $(yes " +
-                     std::string(kExamples) + "/programmable_soc.json | head -n 20000) --export " +
-                     dir.file("done.csv"));
+    const support::RunResult run = support::run(
+        "timeout --foreground --preserve-status -s INT 1 env --default-signal=INT " HBS_PROGRAM
+        " clocks $(yes " +
+        std::string(kExamples) + "/programmable_soc.json | head -n 20000) --export " +
+        dir.file("done.csv"));
     EXPECT_EQ(1, run.status);
     EXPECT_EQ("", run.error);
     const std::string summary = run.output.substr(run.output.rfind("20000 trees: "));

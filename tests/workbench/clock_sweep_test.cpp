@@ -104,6 +104,10 @@ TEST(ClockSweep, IsAnOptionOfTheWord) {
     EXPECT_EQ(100.0, json.number(json.require(json.root(), "best")));
     EXPECT_EQ(1, support::run(word + "reference=1").status);
     EXPECT_EQ(2, support::run(word + "ETHER.mhz=1").status);
+    EXPECT_THAT(support::run(word + "reference=24 --html page.html").error,
+                HasSubstr("--sweep reference=24: takes --json and --svg only"));
+    EXPECT_THAT(support::run(word + "reference=24 --check setting.json").error,
+                HasSubstr("--check setting.json: takes --json only"));
 }
 
 } // namespace

@@ -40,6 +40,12 @@ void writeFile(const std::string& path, Print print) {
     return tree;
 }
 
+/// Whether an option is given that shapes or shows a single answer.
+[[nodiscard]] bool asksForAnswer(const ClockRequest& request) {
+    return request.explain || request.alternatives != 0 || !request.pins.empty() ||
+           !request.weights.empty() || !request.pagePath.empty();
+}
+
 [[nodiscard]] hbs_clocking::SearchTerms termsOf(const ClockRequest& request,
                                                 const ClockTree& tree) {
     hbs_clocking::SearchTerms terms;
@@ -90,6 +96,8 @@ void ClockRequest::checkOutputs() const {
 }
 
 Outcome ClockRequest::runCheck(const Console& console, const ClockTree& tree) const {
+    if (asksForAnswer(*this) || !sweep.empty() || !picturePath.empty() || !exports.empty())
+        throw InputError("--check " + settingPath + ": takes --json only");
     ClockCheck result = checkClockSetting(tree, JsonFile::read(settingPath));
     addBestSum(result, tree);
     if (json) {
@@ -102,6 +110,8 @@ Outcome ClockRequest::runCheck(const Console& console, const ClockTree& tree) co
 }
 
 Outcome ClockRequest::runSweep(const Console& console, const ClockTree& tree) const {
+    if (asksForAnswer(*this) || !exports.empty())
+        throw InputError("--sweep " + sweep + ": takes --json and --svg only");
     const ClockSweep values = readClockSweep(tree, sweep);
     const std::vector<SweepPoint> points = runClockSweep(tree, values);
     if (json)
@@ -113,8 +123,7 @@ Outcome ClockRequest::runSweep(const Console& console, const ClockTree& tree) co
 }
 
 Outcome ClockRequest::runBatch(const Console& console) const {
-    if (!settingPath.empty() || !sweep.empty() || alternatives != 0 || !pins.empty() ||
-        !weights.empty() || !picturePath.empty() || !pagePath.empty())
+    if (asksForAnswer(*this) || !settingPath.empty() || !sweep.empty() || !picturePath.empty())
         throw InputError("several trees take --json and --export FILE.csv only");
     for (const std::string& path : exports)
         if (clockFormatOf(path) != ClockFormat::Csv)
