@@ -7,7 +7,9 @@
 
 #include "support/support.h"
 #include "workbench/clocks/ClockReport.h"
+#include "workbench/clocks/ClockRun.h"
 #include "workbench/clocks/ClockTree.h"
+#include "workbench/clocks/export/ClockExport.h"
 
 using testing::HasSubstr;
 
@@ -123,6 +125,23 @@ TEST(ClockReport, GivesNoNumberForTheInfiniteClockOfANocRequestBeyondThePlls) {
         const auto& noc = items[list == std::string("plls") ? 1 : 0];
         EXPECT_EQ(tq::JsonNode::Kind::Null, parsed.require(noc, "mhz").kind) << list;
     }
+    const tq::ClockReport report = tq::makeClockReport(tree, *solver);
+    EXPECT_EQ("N asks for 9704.0000 MHz and gets no clock, as the output divider of Q is 0",
+              tq::warningsOf(report).at(0).text);
+    EXPECT_THROW((void)tq::exportClocks(report, 40.0F, tq::ClockFormat::Devicetree),
+                 tq::InputError);
+}
+
+TEST(ClockReport, CountsWhatTheLargestDividerGivesAsItIs) {
+    const tq::ClockTree tree = read(with("100}", "0.5}"));
+    const tq::ClockRun run = tq::runClockTree(tree);
+    const tq::ClockReport report = tq::makeClockReport(tree, *run.solver);
+    EXPECT_EQ(0.0, report.peripherals[0].countedPpm());
+    EXPECT_EQ(1U, report.summary().worse);
+    std::ostringstream table;
+    tq::printClockTables(report, table);
+    EXPECT_THAT(table.str(), HasSubstr("  <-- above 0.1 %\n"));
+    EXPECT_THAT(table.str(), HasSubstr("the largest, counts as no error in the sum.\n"));
 }
 
 TEST(ClockReport, NamesTheRequestThatIsOutOfReach) {

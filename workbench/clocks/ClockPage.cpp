@@ -241,7 +241,7 @@ private:
             if (!line.given)
                 continue;
             m_out << "<tr data-pll=\"" << html(line.pll) << "\""
-                  << (line.countedPpm() > tenthOfPercent ? " class=\"far\"" : "") << ">";
+                  << (line.offPpm() > tenthOfPercent ? " class=\"far\"" : "") << ">";
             cell(line.request.name);
             cell(line.request.domain);
             mhz(static_cast<double>(line.request.mhz));

@@ -82,12 +82,14 @@ solveAlone(const ClockTree& tree, const ClockTree::Peripheral& peripheral, float
 
 } // namespace
 
-double ClockReport::Peripheral::countedPpm() const {
+double ClockReport::Peripheral::offPpm() const {
     constexpr double ppmPerPercent = 1e4;
+    return given ? std::fabs(given->errorPercent.value_or(0.0)) * ppmPerPercent : 0.0;
+}
+
+double ClockReport::Peripheral::countedPpm() const {
     constexpr unsigned largestDivider = 1023;
-    if (!given || !given->errorPercent || divider == largestDivider)
-        return 0.0;
-    return std::fabs(*given->errorPercent) * ppmPerPercent;
+    return divider == largestDivider ? 0.0 : offPpm();
 }
 
 bool ClockReport::Peripheral::isBeyondAllowed() const {
@@ -102,7 +104,7 @@ ClockReport::Summary ClockReport::summary() const {
     for (const Peripheral& line : peripherals) {
         if (!line.given)
             continue;
-        const double ppm = line.countedPpm();
+        const double ppm = line.offPpm();
         ++(ppm <= 0.1      ? summary.exact
            : ppm <= 10.05  ? summary.within10ppm
            : ppm <= 1000.0 ? summary.within1000ppm
@@ -126,6 +128,18 @@ ClockOutcome outcomeOf(const ClockReport& report) {
     }
     return outcome;
 }
+
+namespace {
+
+[[nodiscard]] std::string outcomeText(const ClockReport::Peripheral& line) {
+    if (!std::isfinite(line.given->mhz))
+        return "gets no clock, as the output divider of " + line.pll + " is 0";
+    return "gets " + fixedText(line.given->mhz, 4) + " (" +
+           fixedText(*line.given->errorPercent, 1) + " %); its allowed error is " +
+           fixedText(static_cast<double>(line.request.maxErrorPercent), 1) + " %";
+}
+
+} // namespace
 
 void addSearch(ClockReport& report, const HBSClockingAlgo& solver, unsigned pllCount) {
     // Three output dividers for each PLL but the NOC's, and three cross-domain dividers of 1 to 4.
@@ -155,14 +169,12 @@ std::vector<Diagnostic> warningsOf(const ClockReport& report) {
     constexpr double farOffPpm = 1e5;
     std::vector<Diagnostic> warnings;
     for (const ClockReport::Peripheral& line : report.peripherals)
-        if (line.countedPpm() > farOffPpm)
-            warnings.push_back(makeDiagnostic(
-                Severity::Warning, "far-off-request", {},
-                line.request.name + " asks for " +
-                    fixedText(static_cast<double>(line.request.mhz), 4) + " MHz and gets " +
-                    fixedText(line.given->mhz, 4) + " (" + fixedText(*line.given->errorPercent, 1) +
-                    " %); its allowed error is " +
-                    fixedText(static_cast<double>(line.request.maxErrorPercent), 1) + " %"));
+        if (line.offPpm() > farOffPpm)
+            warnings.push_back(
+                makeDiagnostic(Severity::Warning, "far-off-request", {},
+                               line.request.name + " asks for " +
+                                   fixedText(static_cast<double>(line.request.mhz), 4) +
+                                   " MHz and " + outcomeText(line)));
     return warnings;
 }
 

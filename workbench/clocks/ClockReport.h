@@ -36,8 +36,9 @@ struct ClockReport {
         double pllMhz = 0.0;             ///< what leaves the PLL
         unsigned crossDivider = 0;       ///< that the clock passes on its way; 0 means none
 
-        /// The error in parts per million, without its sign. 0 for a request of 0 and for the
-        /// largest divider, which counts as a perfect match.
+        /// The error in parts per million, without its sign. 0 for a request of 0.
+        [[nodiscard]] TQ_WORKBENCH_EXPORT double offPpm() const;
+        /// The same as a search counts it: with the largest divider it is 0, a perfect match.
         [[nodiscard]] TQ_WORKBENCH_EXPORT double countedPpm() const;
         /// Whether the error is larger than the allowed one.
         [[nodiscard]] TQ_WORKBENCH_EXPORT bool isBeyondAllowed() const;
@@ -51,7 +52,7 @@ struct ClockReport {
         };
         std::vector<Without> members;
     };
-    /// How many enabled requests are met how well; each counts once.
+    /// How many enabled requests are met how well, whatever their dividers; each counts once.
     struct Summary {
         unsigned exact = 0; ///< as far as single precision can tell: within 0.1 ppm
         unsigned within10ppm = 0;

@@ -36,7 +36,7 @@ constexpr unsigned kLargestDivider = 1023;
     if (line.isBeyondAllowed())
         return "<-- beyond the allowed " +
                fixedText(static_cast<double>(line.request.maxErrorPercent), 4) + " %";
-    return line.countedPpm() > tenthOfPercent ? "<-- above 0.1 %" : "";
+    return line.offPpm() > tenthOfPercent ? "<-- above 0.1 %" : "";
 }
 
 void printPlls(const ClockReport& report, std::ostream& out) {
@@ -215,7 +215,8 @@ void printClockTables(const ClockReport& report, std::ostream& out) {
     printSummary(report.summary(), out);
     if (std::any_of(report.peripherals.begin(), report.peripherals.end(),
                     [](const auto& line) { return line.divider == kLargestDivider; }))
-        out << "A divider of " << kLargestDivider << ", the largest, counts as no error.\n";
+        out << "A divider of " << kLargestDivider
+            << ", the largest, counts as no error in the sum.\n";
     if (report.search)
         printSearch(*report.search, out);
     if (report.conflicts)

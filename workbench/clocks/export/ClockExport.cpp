@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "workbench/clocks/export/ClockWriters.h"
+#include "workbench/files/InputError.h"
 #include "workbench/text/CellText.h"
 #include "workbench/text/Text.h"
 
@@ -123,6 +124,10 @@ std::string clockFormatEndings() {
 
 std::string exportClocks(const ClockReport& report, float referenceMhz, ClockFormat format,
                          const DiagnosticSink& sink) {
+    for (const ClockReport::Pll& pll : report.plls)
+        if (pll.outputDivider == 0)
+            throw InputError("the output divider of " + pll.name +
+                             " is 0, expected a clock that can be exported");
     switch (format) {
     case ClockFormat::Devicetree:
         return clock_export::writeDevicetree(report, referenceMhz, sink);

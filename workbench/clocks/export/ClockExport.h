@@ -27,7 +27,8 @@ enum class ClockFormat {
 
 /// The whole file, of a report with a solution. Frequencies in Hz are rounded to whole ones. Names
 /// are made legal in the format; the sink gets a remark for names that fall together then
-/// ("name-clash"). Disabled peripherals are left out.
+/// ("name-clash"). Disabled peripherals are left out. Raises `InputError` where a PLL's output
+/// divider is 0, as that of a NOC clock beyond every PLL is.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string exportClocks(const ClockReport& report,
                                                            float referenceMhz, ClockFormat format,
                                                            const DiagnosticSink& sink = {});
