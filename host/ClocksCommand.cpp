@@ -44,6 +44,10 @@ private:
 void declareClocks(CLI::App& app, Outcome& outcome) {
     CLI::App* word = app.add_subcommand("clocks", "Solves a clock tree file");
     const auto options = std::make_shared<tq::ClockRequest>();
+    // An empty value, of a variable that isn't set, mustn't look like an option that isn't given.
+    const auto isGiven = [](const std::string& value) {
+        return value.empty() ? std::string("expected a value") : std::string();
+    };
     word->add_option("TREE.json", options->paths,
                      "The clock tree; several, or a folder, are solved on all cores")
         ->required();
@@ -54,10 +58,12 @@ void declareClocks(CLI::App& app, Outcome& outcome) {
         ->check(CLI::Range(1, 1024))
         ->capture_default_str();
     word->add_option("--check", options->settingPath,
-                     "Checks the setting of this file, as --json prints one, against every rule");
+                     "Checks the setting of this file, as --json prints one, against every rule")
+        ->check(isGiven);
     word->add_option("--sweep", options->sweep,
                      "Solves the tree for several values: SUBJECT=VALUE,FIRST:LAST:STEP,... of "
-                     "reference, max_cross, PLL.max, PERIPHERAL.mhz or PERIPHERAL.max_error");
+                     "reference, max_cross, PLL.max, PERIPHERAL.mhz or PERIPHERAL.max_error")
+        ->check(isGiven);
     word->add_option("--alternatives", options->alternatives,
                      "Lists the best settings that differ in a multiplier or a source")
         ->check(CLI::Range(1, 100));
@@ -73,9 +79,11 @@ void declareClocks(CLI::App& app, Outcome& outcome) {
                          tq::clockFormatEndings() + "; may be repeated")
         ->allow_extra_args(false);
     word->add_option("--svg", options->picturePath,
-                     "Draws the solved tree, or what a sweep found, into a file");
+                     "Draws the solved tree, or what a sweep found, into a file")
+        ->check(isGiven);
     word->add_option("--html", options->pagePath,
-                     "Writes a page with the picture, the table and the conflicts or alternatives");
+                     "Writes a page with the picture, the table and the conflicts or alternatives")
+        ->check(isGiven);
     word->callback([options, &outcome] {
         // A single search ends with the process.
         const std::unique_ptr<InterruptsBatch> interrupts =

@@ -227,6 +227,10 @@ TEST(ClocksWord, ExitsTwoForWhatItCanNotUseAndSaysItOnStandardError) {
                             ":1:49: error: Clocking object expects two plls with this config\n"));
     EXPECT_EQ(2, support::run(program + " clocks " + dir.file("none.json")).status);
     EXPECT_EQ(2, support::run(program + " clocks").status);
+    const support::RunResult unset =
+        support::run(program + " clocks " + kSmallTree + " --check ''");
+    EXPECT_EQ(2, unset.status);
+    EXPECT_THAT(unset.error, HasSubstr("--check: expected a value\n"));
 }
 
 TEST(ClocksWord, KeepsItsTreeAndTheOldPictureWhereItCanNotWrite) {

@@ -110,6 +110,8 @@ TEST(ClockTerms, SayWhatTheyExpected) {
         {"PLL_IO.multiplier=64", "expected a whole number from 65 to 129, which keeps the VCO"},
         {"PLL_IO.multiplier=90.5", "expected a whole number from 65"},
         {"PLL_I0.multiplier=90", "there is no PLL \"PLL_I0\"; did you mean \"PLL_IO\"?"},
+        {"CLOCK.source=PLL_IO",
+         "there is no peripheral \"CLOCK\", expected one of: NOC, LOW_BUS, "},
         {"UART.source=PLL_IO", "there is no peripheral \"UART\"; did you mean \"UART0\"?"},
         {"UART0.source=PLL_NOC", "UART0 can't take a clock from \"PLL_NOC\", expected one of: "
                                  "PLL_LOW, PLL_CORE, PLL_IO, PLL_LINK"},

@@ -19,6 +19,8 @@ namespace {
     std::string text = context + ": there is no " + what + " \"" + std::string(name) + "\"";
     if (const std::string_view nearest = nearestName(name, known); !nearest.empty())
         text.append("; did you mean \"").append(nearest).append("\"?");
+    else
+        text.append(", expected ").append(oneOfNames(name, known));
     throw InputError(text);
 }
 
