@@ -145,6 +145,11 @@ TEST(HandoffWord, ComparesDocumentsByTheirMeaning) {
                                 "TIMESTAMP='now'");
     EXPECT_EQ(0, handoff("--diff " + a + " " + a).status);
     EXPECT_EQ("The documents say the same.\n", handoff("--diff " + a + " " + b).output);
+    // Names may fall together where the document can't hold their bytes.
+    const std::string twins = folder.write(
+        "t", "<LOMSYSTEM><MODULES><MODULE INSTANCE='m'><PORTS><PORT NAME='p'/></PORTS></MODULE>"
+             "<MODULE INSTANCE='m'/></MODULES></LOMSYSTEM>");
+    EXPECT_EQ(0, handoff("--diff " + twins + " " + twins).status);
     const std::string c = write("c", "<MODULE INSTANCE='y'><MEMORYMAP>" + range +
                                          "</MEMORYMAP></MODULE><MODULE INSTANCE='z' DIR='I'/>");
     const auto result = handoff("--diff " + a + " " + c + " --json");

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <deque>
 #include <iterator>
 #include <map>
 #include <optional>
@@ -164,12 +165,13 @@ private:
                 compareLists({}, elements, name, where, level);
     }
 
-    /// Elements that say the same belong together; those that are left, in their order.
+    /// Elements whose attributes say the same belong together, in their order; those that are left,
+    /// in theirs.
     static void matchEqual(std::vector<pugi::xml_node>& a, std::vector<pugi::xml_node>& b) {
         std::vector<pugi::xml_node> equal;
         std::vector<pugi::xml_node> rest;
         std::vector<pugi::xml_node> equalInB;
-        std::map<Meaning, std::vector<pugi::xml_node>> byMeaning;
+        std::map<Meaning, std::deque<pugi::xml_node>> byMeaning;
         for (const auto& element : b)
             byMeaning[meaningOf(element)].push_back(element);
         for (const auto& element : a) {
@@ -177,8 +179,8 @@ private:
             (same.empty() ? rest : equal).push_back(element);
             if (same.empty())
                 continue;
-            equalInB.push_back(same.back());
-            same.pop_back();
+            equalInB.push_back(same.front());
+            same.pop_front();
         }
         a = std::move(equal);
         b = std::move(equalInB);
