@@ -1,6 +1,7 @@
 #include "handoff/HWHDesignParams.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -79,13 +80,16 @@ std::optional<std::string_view> CompositeWords::find(std::string_view key) const
 
 DesignParams::DesignParams(const HWHTextMap& params) {
     m_entries.reserve(params.size());
-    m_index.reserve(params.size());
-    for (const auto& [name, text] : params) {
-        const auto number = static_cast<std::uint32_t>(m_entries.size());
-        m_index.insert(std::hash<std::string_view>()(name), number);
+    for (const auto& [name, text] : params)
         m_entries.push_back({name, &text});
+    m_index.reserve(params.size());
+    for (std::uint32_t number = 0; number < m_entries.size(); ++number) {
+        if (number + kPrefetched < m_entries.size())
+            __builtin_prefetch(m_entries[number + kPrefetched].name.data());
+        const Entry& entry = m_entries[number];
+        m_index.insert(std::hash<std::string_view>()(entry.name), number);
         // Without a blank there is a single word, which yields nothing.
-        if (text.find(' ') != std::string::npos)
+        if (entry.text->find(' ') != std::string::npos)
             addComposite(number);
     }
     std::sort(m_keyLengths.begin(), m_keyLengths.end());
@@ -119,6 +123,25 @@ void DesignParams::forEachFound(std::string_view name, Visitor&& visit) {
         if (found && !visit(*found))
             return;
     }
+}
+
+void DesignParams::prefetch(std::span<const std::string_view> names) const {
+    std::array<std::size_t, kPrefetched> hashes{};
+    std::array<const Entry*, kPrefetched> entries{};
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        hashes[i] = std::hash<std::string_view>()(names[i]);
+        m_index.prefetch(hashes[i]);
+    }
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const std::uint32_t number = m_index.firstCandidate(hashes[i]);
+        entries[i] = number == kNone ? nullptr : &m_entries[number];
+        __builtin_prefetch(entries[i]);
+    }
+    for (std::size_t i = 0; i < names.size(); ++i)
+        if (entries[i] != nullptr) {
+            __builtin_prefetch(entries[i]->name.data());
+            __builtin_prefetch(entries[i]->text);
+        }
 }
 
 DesignParams::Value DesignParams::resolve(std::string_view name) {

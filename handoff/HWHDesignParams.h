@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -85,6 +86,11 @@ public:
     };
 
     explicit DesignParams(const HWHTextMap& params);
+
+    /// Brings what at most so many names lead to into the cache. Each name of many in any order
+    /// would otherwise wait for memory four times.
+    static constexpr std::size_t kPrefetched = 16;
+    void prefetch(std::span<const std::string_view> names) const;
 
     /// The value that a parameter of the metadata gets: the design parameter of that name, else
     /// the pair of the shortest composite that yields it, else the name itself.

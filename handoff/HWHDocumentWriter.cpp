@@ -90,6 +90,7 @@ public:
     }
 
 private:
+    static constexpr std::uint32_t kPrefetched = 16;
     /// Bytes that are handed on to the file at once.
     static constexpr std::size_t kFlushedBytes = std::size_t{1} << 16U;
 
@@ -193,6 +194,9 @@ void DocumentWriter::writeModuleAttributes(const Module& module) {
 void DocumentWriter::writeParameters(const Module& module) {
     m_text.start(element::kParameters);
     for (std::uint32_t i = module.parameters.begin; i < module.parameters.end; ++i) {
+        // Values lie all over the design's parameters.
+        if (i + kPrefetched < module.parameters.end)
+            __builtin_prefetch(m_model.parameters[i + kPrefetched].value.data());
         m_text.start(element::kParameter);
         add(key::kName, m_model.text(m_model.parameters[i].name));
         add(key::kValue, m_model.parameters[i].value);

@@ -1,6 +1,7 @@
 #include "handoff/HWHModelBuilder.h"
 
 #include <algorithm>
+#include <array>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -111,6 +112,7 @@ private:
 
     // What a module holds.
     void addParameters(Module& module);
+    void addParameter(const Found& found, std::string_view asked);
     void addPorts(std::uint32_t module);
     void addPort(std::uint32_t module, const Found& found);
     void addConnections(Port& port);
@@ -219,15 +221,25 @@ void ModelBuilder::addParameters(Module& module) {
         m_found.size(), [&](std::uint32_t number) { return m_model.text(m_found[number].name); });
     reserveMore(m_model.parameters, order.size());
     module.parameters.begin = countOf(m_model.parameters.size());
-    for (const std::uint32_t number : order) {
-        const auto resolved = m_design.resolve(textOf(m_model.tape->node(m_found[number].node)));
-        std::string_view value = resolved.text;
-        if (resolved.isInMegahertz)
-            value = m_model.scaledValues.emplace_back(scaledToHz(std::string(resolved.text)));
-        m_model.parameters.push_back(
-            {m_found[number].name, {m_found[number].node}, value, resolved.source});
+    constexpr std::size_t most = DesignParams::kPrefetched;
+    std::array<std::string_view, most> asked;
+    for (std::size_t first = 0; first < order.size(); first += most) {
+        const auto numbers = order.subspan(first, std::min(most, order.size() - first));
+        for (std::size_t i = 0; i < numbers.size(); ++i)
+            asked[i] = textOf(m_model.tape->node(m_found[numbers[i]].node));
+        m_design.prefetch(std::span(asked).first(numbers.size()));
+        for (std::size_t i = 0; i < numbers.size(); ++i)
+            addParameter(m_found[numbers[i]], asked[i]);
     }
     module.parameters.end = countOf(m_model.parameters.size());
+}
+
+void ModelBuilder::addParameter(const Found& found, std::string_view asked) {
+    const auto resolved = m_design.resolve(asked);
+    std::string_view value = resolved.text;
+    if (resolved.isInMegahertz)
+        value = m_model.scaledValues.emplace_back(scaledToHz(std::string(resolved.text)));
+    m_model.parameters.push_back({found.name, {found.node}, value, resolved.source});
 }
 
 void ModelBuilder::addPorts(std::uint32_t module) {

@@ -34,6 +34,15 @@ public:
         }
     }
 
+    /// The number at which a search would begin, or `kNone`: what is worth bringing into the cache.
+    [[nodiscard]] std::uint32_t firstCandidate(std::size_t hash) const {
+        return m_slots.empty() ? kNone : m_slots[hash & m_mask].number;
+    }
+    void prefetch(std::size_t hash) const {
+        if (!m_slots.empty())
+            __builtin_prefetch(&m_slots[hash & m_mask]);
+    }
+
     /// Makes room for so many things in all.
     void reserve(std::size_t count) {
         while (count * 4 > m_slots.size() * 3)
