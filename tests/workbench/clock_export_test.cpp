@@ -1,5 +1,5 @@
 // Exported clock trees, read by the tools that they are for: the devicetree compiler, Tcl, a C
-// compiler.
+// compiler, Python's reader of tables.
 
 #include <gmock/gmock.h>
 
@@ -143,6 +143,17 @@ TEST(ClockExport, GivesRowsThatSpreadsheetsAndMarkdownTake) {
     EXPECT_THAT(csv, HasSubstr("\r\n\"'=1,2|*\",LOW_POWER,2.000000,PLL_LOW,90,4,749.992493,,375,"));
     EXPECT_THAT(csv, HasSubstr("\r\n\"low bus [0] $x \"\"}\\\",LOW_POWER,"));
     EXPECT_EQ(24, std::count(csv.begin(), csv.end(), '\n'));
+    const support::TempDir dir;
+    dir.write("clocks.csv", csv);
+    const support::RunResult read =
+        support::run("cd " + dir.path().string() +
+                     " && python3 -c 'import csv\n"
+                     "for row in csv.DictReader(open(\"clocks.csv\", newline=\"\")):\n"
+                     "    ratio = int(row[\"output_divider\"]) * int(row[\"own_divider\"]) * "
+                     "int(row[\"cross_divider\"] or 1)\n"
+                     "    print(33333000 * int(row[\"multiplier\"]) / ratio)'");
+    EXPECT_EQ("", read.error);
+    expectSame(givenHz(tree.report), numbers(read.output), 1e-6);
     const std::string markdown = exported(tree, ClockFormat::Markdown);
     EXPECT_THAT(markdown, HasSubstr("\n| =1,2\\|\\* | LOW\\_POWER | 2.000000 | PLL\\_LOW |"));
 }
