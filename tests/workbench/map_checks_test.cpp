@@ -107,6 +107,14 @@ TEST(MapChecks, SayThatNotEachOverlapIsListed) {
                             [](const std::string& id) { return id.ends_with("/b99"); }));
 }
 
+/// So that a list that ends early holds what matters.
+TEST(MapChecks, TellHintsLast) {
+    const auto row = makeRow({{0, 3}, {1, 3}, {8, 5}});
+    EXPECT_THAT(findingsOf(*row, *row),
+                testing::ElementsAre("overlap:b0/b1", "aperture-size:b0/m/r",
+                                     "aperture-size:b1/m/r", "aperture-size:b2/m/r"));
+}
+
 TEST(MapChecks, LeaveOutWhatIsAllowedAndTellOfAllowsThatDoNothing) {
     std::vector<std::string> ids;
     const tq::DiagnosticSink sink = [&](const tq::Diagnostic& finding) {

@@ -39,6 +39,7 @@ const type = text => { $('query').value = text; $('query').dispatchEvent(new Eve
 const choose = (id, value) => { $(id).value = value; $(id).dispatchEvent(new Event('change')); };
 (async () => {
   note('start');
+  seen.push('end: ' + [...document.querySelectorAll('.row')].at(-1).textContent);
   type('uart0 baud'); note('name');
   type('0xFF000004'); note('address');
   type('0xFF000000-0xFF000007'); note('range');
@@ -88,6 +89,7 @@ open "$work/acted.html" >"$work/dom"
 mv "$work/console" "$work/console.acted"
 sed -n '/<pre id="seen">/,/<\/pre>/p' "$work/dom" >"$work/seen"
 expect 'start: As seen from cpu0/data / 0x0ddr0/memory/ddr_low2G' "$work/seen"
+expect 'end: 0x980000000free26G' "$work/seen"
 expect '0xFF000018UART_BAUD32 bits' "$work/seen"
 expect 'address: Search for "0xFF000004" / 0xFF000000uart0/sorrel_uart/regs4Kregister' \
     "$work/seen"

@@ -60,20 +60,26 @@ public:
     void run() {
         checkStubs();
         checkVersions();
-        for (const AddressMap::Block& block : m_checked.map.blocks())
-            if (block.instance != nullptr) {
-                checkAperture(block);
-                checkRegisters(block);
-            }
+        forEachKept([this](const AddressMap::Block& block) { checkAddress(block); });
         for (const HABMAddrAssign* const assign : m_checked.instance.findAddrAssigns("", true))
             checkAssign(*assign);
         for (const AddressMap::Space& space : m_checked.map.spaces())
             checkSegments(space);
         for (const AddressViews::View& view : m_checked.views.views())
             checkOverlaps(view);
+        // What there may be most of comes last, the hints after all else: lists of findings end.
+        forEachKept([this](const AddressMap::Block& block) { checkRegisters(block); });
+        forEachKept([this](const AddressMap::Block& block) { hintAtAperture(block); });
     }
 
 private:
+    template <class Check>
+    void forEachKept(const Check& check) const {
+        for (const AddressMap::Block& block : m_checked.map.blocks())
+            if (block.instance != nullptr)
+                check(block);
+    }
+
     void tell(Severity severity, const std::string& kind, const std::string& subject, Place place,
               std::string text, std::string expected = {}) const {
         m_sink(makeDiagnostic(severity, kind + ":" + subject, std::move(place), std::move(text),
@@ -130,16 +136,24 @@ private:
 
     // --- blocks and registers ---
 
-    void checkAperture(const AddressMap::Block& block) {
+    static bool isPlaced(const AddressMap::Block& block) {
+        return block.base.isValid() && block.end.isValid();
+    }
+
+    void checkAddress(const AddressMap::Block& block) {
         if (block.size == kZero)
-            return tell(Severity::Warning, "no-size", block.path,
-                        m_places.of(*block.instance, "size"),
-                        "the block \"" + block.path + "\" has no size");
-        if (!block.base.isValid() || !block.end.isValid())
-            return tell(Severity::Error, "no-address", block.path,
-                        m_places.of(*block.instance, block.base.isValid() ? "size" : "offset"),
-                        "the address of the block \"" + block.path + "\" can't be computed",
-                        "an address of at most 127 bits");
+            tell(Severity::Warning, "no-size", block.path, m_places.of(*block.instance, "size"),
+                 "the block \"" + block.path + "\" has no size");
+        else if (!isPlaced(block))
+            tell(Severity::Error, "no-address", block.path,
+                 m_places.of(*block.instance, block.base.isValid() ? "size" : "offset"),
+                 "the address of the block \"" + block.path + "\" can't be computed",
+                 "an address of at most 127 bits");
+    }
+
+    void hintAtAperture(const AddressMap::Block& block) {
+        if (block.size == kZero || !isPlaced(block))
+            return;
         if (!isPowerOfTwo(block.size))
             tell(Severity::Remark, "aperture-size", block.path,
                  m_places.of(*block.instance, "size"),

@@ -70,6 +70,8 @@ private:
     void write(const AddressViews::View& view) {
         m_json.beginObject();
         m_json.member("path", view.path);
+        m_json.writeKey("range");
+        writeAddress(m_json, view.space == nullptr ? HABMAddrValue() : view.space->getRange());
         m_json.beginArray("regions");
         for (const auto& region : view.regions.all()) {
             m_json.beginArray();

@@ -187,15 +187,18 @@ const blockRow = (map, block, first, last, note, kind) => ({
 function viewRows(map, view) {
   const made = [];
   let end = 0n;
+  const addHole = to => {
+    if (to > end) made.push({cells: [hex(end), 'free', roughText(to - end), ''], kind: 'hole'});
+  };
   for (const region of view.regions) {
     const first = big(region[FIRST]), last = big(region[LAST]);
-    if (first > end)
-      made.push({cells: [hex(end), 'free', roughText(first - end), ''], kind: 'hole'});
+    addHole(first);
     const note = (region[ASSIGN] ? ', assign ' + region[ASSIGN] : '') +
       (first < end ? ', overlaps the one before' : '');
     made.push(blockRow(map, map.blocks[region[BLOCK]], first, last, note, first < end ? 'bad' : ''));
     if (last + 1n > end) end = last + 1n;
   }
+  if (view.range !== null) addHole(big(view.range));
   return made;
 }
 
