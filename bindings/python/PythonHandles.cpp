@@ -330,8 +330,12 @@ Tables* tablesOf(const ClassInfo& info) {
         tables->methods.push_back({"delete", deleteObject, METH_NOARGS,
                                    "delete($self)\n--\n\nDeletes the native object. All handles "
                                    "of it and of what it owns raise DeletedError from then on."});
-        tables->methods.push_back({"__enter__", enterContext, METH_NOARGS, nullptr});
-        tables->methods.push_back({"__exit__", leaveContext, METH_VARARGS, nullptr});
+        tables->methods.push_back(
+            {"__enter__", enterContext, METH_NOARGS, "__enter__($self)\n--\n\nThe object itself."});
+        tables->methods.push_back(
+            {"__exit__", leaveContext, METH_VARARGS,
+             "__exit__($self, *error)\n--\n\nDeletes the native object, if it "
+             "is still there."});
     }
     tables->methods.push_back({nullptr, nullptr, 0, nullptr});
     tables->properties.push_back({nullptr, nullptr, nullptr, nullptr, nullptr});
