@@ -13,7 +13,12 @@ PyObject* constantProperty(PyObject* /*self*/, void* /*closure*/) {
     return PyLong_FromLong(78);
 }
 
+PyObject* textProperty(PyObject* /*self*/, void* /*closure*/) {
+    return PyUnicode_FromStringAndSize("PLL0", 4);
+}
+
 PyGetSetDef g_properties[] = {{"constant", constantProperty, nullptr, nullptr, nullptr},
+                              {"text", textProperty, nullptr, nullptr, nullptr},
                               {nullptr, nullptr, nullptr, nullptr, nullptr}};
 PyMethodDef g_methods[] = {{"call", constant, METH_NOARGS, nullptr},
                            {nullptr, nullptr, 0, nullptr}};

@@ -37,29 +37,31 @@ proc main {count} {
     } $count] KiB more"
 }
 
-proc processorMs {} {
-    set file [open /proc/self/stat]
-    set fields [split [read $file]]
+# Nanoseconds of processor time of this thread.
+proc processorNs {} {
+    set file [open /proc/thread-self/schedstat]
+    set ns [lindex [read $file] 0]
     close $file
-    return [expr {([lindex $fields 13] + [lindex $fields 14]) * 10}]
+    return $ns
 }
 
-proc msOf {command pll} {
-    set start [processorMs]
+proc nsOf {command pll} {
+    set start [processorNs]
     $command $pll
-    return [expr {[processorMs] - $start}]
+    return [expr {[processorNs] - $start}]
 }
 
-# Nanoseconds of processor time. In a procedure, so that the call is compiled as a script's is.
+# Nanoseconds of a call. In a procedure, so that the call is compiled as a script's is.
 proc runBest {call pll} {
-    set loop "for {set i 0} {\$i < 500000} {incr i} {$call}"
-    proc timed pll $loop
-    proc empty pll {for {set i 0} {$i < 500000} {incr i} {}}
-    set least 1000000
-    for {set n 0} {$n < 5} {incr n} {
-        set least [expr {min($least, [msOf timed $pll] - [msOf empty $pll])}]
+    set count 500000
+    set loop "for {set i 0} {\$i < $count} {incr i}"
+    proc timed pll "$loop {$call}"
+    proc empty pll "$loop {}"
+    set least Inf
+    for {set n 0} {$n < 7} {incr n} {
+        set least [expr {min($least, [nsOf timed $pll] - [nsOf empty $pll])}]
     }
-    return [expr {$least * 2.0}]
+    return [expr {$least / double($count)}]
 }
 
 main [expr {[llength $argv] > 1 ? [lindex $argv 1] : 1000000}]

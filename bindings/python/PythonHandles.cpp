@@ -399,7 +399,10 @@ PyObject* describeFunction(PyObject* /*module*/, PyObject* argument) {
 
 PyObject* existsFunction(PyObject* /*module*/, PyObject* argument) {
     const Object* const object = anyHandle(argument);
-    return object == nullptr ? nullptr : PyBool_FromLong(object->native != nullptr ? 1 : 0);
+    if (object == nullptr)
+        return nullptr;
+    const auto held = Registry::get().lock();
+    return PyBool_FromLong(object->native != nullptr ? 1 : 0);
 }
 
 PyObject* handleCountFunction(PyObject* /*module*/, PyObject* /*unused*/) {
