@@ -130,23 +130,19 @@ PyObject* raise(const Failure& failure) {
     return nullptr;
 }
 
-void deliverMessages() {
-    const std::vector<Diagnostic> messages = takeMessages();
-    if (messages.empty())
-        return;
-    PyObject* type = nullptr;
-    PyObject* value = nullptr;
-    PyObject* trace = nullptr;
-    PyErr_Fetch(&type, &value, &trace);
-    for (const Diagnostic& message : messages) {
+bool deliverMessages() {
+    for (const Diagnostic& message : takeMessages()) {
         const Owned package(PyImport_ImportModule(kPackage));
         const Owned finding(package ? newDiagnostic(message) : nullptr);
         const Owned done(finding ? PyObject_CallMethod(package.get(), "_log", "(O)", finding.get())
                                  : nullptr);
-        if (!done)
-            PyErr_WriteUnraisable(package.get());
+        if (done)
+            continue;
+        if (PyErr_ExceptionMatches(PyExc_Exception) == 0)
+            return false;
+        PyErr_WriteUnraisable(package.get());
     }
-    PyErr_Restore(type, value, trace);
+    return true;
 }
 
 } // namespace tq::bindings::python

@@ -15,8 +15,8 @@ void forgetExceptions();
 /// Sets Python's error. Gives null, for callers to return.
 PyObject* raise(const Failure& failure);
 
-/// Hands what the library said in the last calls to the package's logger. Keeps Python's error, and
-/// sets none.
-void deliverMessages();
+/// Hands what the library said in the last calls to the package's logger, whose exceptions are
+/// printed. False with an error for one that isn't an `Exception`, such as that of Ctrl-C.
+[[nodiscard]] bool deliverMessages();
 
 } // namespace tq::bindings::python

@@ -36,12 +36,13 @@ PyObject* finish(const Member& member, Object* self, std::span<const Value> argu
     try {
         Call call(self, arguments);
         invoke(member, call, waiting);
-        if (member.mode != Mode::Quick)
-            deliverMessages();
+        if (member.mode != Mode::Quick && !deliverMessages())
+            return nullptr;
         return toPython(call.result);
     } catch (...) {
         const Failure failure = currentFailure();
-        deliverMessages();
+        if (!deliverMessages())
+            return nullptr;
         if (failure.kind == Failure::Kind::Interrupted && waiting.restoreError())
             return nullptr;
         return raise(failure);

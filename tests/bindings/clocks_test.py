@@ -10,6 +10,7 @@ import sys
 import threading
 import time
 import unittest
+import unittest.mock
 import weakref
 
 import tq_hbs
@@ -215,6 +216,21 @@ class Messages(unittest.TestCase):
         with self.assertLogs("tq_hbs", logging.WARNING) as logged:
             self.assertFalse(tree.runSolution())
         self.assertEqual(["WARNING:tq_hbs:No peripheral enabled"], logged.output)
+
+    def test_what_a_handler_raises_costs_no_result_but_ctrl_c_counts(self):
+        class Handler(logging.Handler):
+            def emit(self, record):
+                raise self.error
+
+        handler, tree = Handler(), tq_hbs.HBSClockingAlgo("empty", plls=1)
+        logging.getLogger("tq_hbs").addHandler(handler)
+        self.addCleanup(logging.getLogger("tq_hbs").removeHandler, handler)
+        handler.error = KeyError("a fault of the handler")
+        with unittest.mock.patch("sys.unraisablehook") as hook:
+            self.assertFalse(tree.runSolution())
+        hook.assert_called_once()
+        handler.error = KeyboardInterrupt()
+        self.assertRaises(KeyboardInterrupt, tree.runSolution)
 
     def test_errors_of_files_have_their_place(self):
         path = "tree.json"
