@@ -10,7 +10,7 @@ namespace hbs_clocking {
 HBSClockingAlgo::HBSClockingAlgo(const std::string& name) : m_name(name) {}
 
 HBSClockingAlgo::~HBSClockingAlgo() {
-    // Members would go in reverse order; the domains go first.
+    // The domains are destroyed before the peripherals, the reverse of the members' own order.
     m_powerDomains.clear();
     m_peripherals.clear();
 }

@@ -45,16 +45,16 @@ struct SearchStatistics {
 /// search, however good the sum at a looser step would be.
 ///
 /// Frequencies are MHz; errors are fractions, save the allowed error of a peripheral, a percentage.
-/// The solver owns its domains and peripherals; pointers stay valid as long as it lives. One
-/// thread at a time.
+/// The solver owns its domains and peripherals; pointers to them are valid as long as it
+/// exists. One thread at a time.
 ///
-/// Nothing is thrown but what the standard library throws. A tree that can't be solved as it
-/// stands is one line on standard output and false, with the earlier result left readable; a
-/// search that finds nothing is false without a word. A search of four or six PLLs that somebody
-/// ends raises `SearchInterrupted` (`clocking/SearchInterruption.h`). Requests and references that
-/// are negative, NaN or infinite are safe: quotients without an integer saturate. Trees of one and
-/// two PLLs find nothing for such a request; in larger ones it saturates the divider and counts as
-/// met.
+/// Nothing is thrown but what the standard library throws. For a tree of the wrong shape or
+/// without an enabled peripheral a run prints one line on standard output and returns false, with
+/// the earlier result left readable; a search that finds nothing returns false and prints nothing.
+/// A search of four or six PLLs that is interrupted raises `SearchInterrupted`
+/// (`clocking/SearchInterruption.h`). Requests and references that are negative, NaN or infinite
+/// are safe: quotients without an integer saturate. Trees of one and two PLLs find nothing for such
+/// a request; in larger ones it saturates the divider and counts as met.
 class TQ_EXPORT HBSClockingAlgo : public HATAttrObj {
 public:
     explicit HBSClockingAlgo(const std::string& name);
@@ -111,12 +111,12 @@ public:
     void setAllowCrossDomain(bool allow) { m_allowCrossDomain = allow; }
 
     /// Whether runs of four and six PLLs take part in the process's store of ten solutions, which
-    /// tells trees apart by names, frequencies and limits alone. True unless set. A caller of many
+    /// identifies trees by names, frequencies and limits alone. True unless set. A caller of many
     /// trees whose allowed errors or domains differ turns it off, to get each tree's own answer.
     [[nodiscard]] bool getSharesSolutions() const { return m_sharesSolutions; }
     void setSharesSolutions(bool shares) { m_sharesSolutions = shares; }
 
-    /// What the next runs must keep to. A run with terms neither takes from the process's store of
+    /// Conditions for the next runs. A run with terms neither takes from the process's store of
     /// solutions nor adds to it.
     void setTerms(SearchTerms terms) { m_terms = std::move(terms); }
     [[nodiscard]] const SearchTerms& getTerms() const { return m_terms; }

@@ -73,7 +73,7 @@ struct OfferTable {
     std::vector<DividerChoice> choices(enabled.size());
     for (const auto& [m0, m1] : pairs) {
         float total = 0.0F;
-        bool open = true; // errors only add up: a sum that can't win any more is given up
+        bool open = true; // errors aren't negative: a partial sum that can't win ends the pair
         for (std::size_t i = 0; i < enabled.size() && open; ++i) {
             BestOffer offer(run.tolerance());
             const RunTerms::Peripheral& own = terms.peripherals[i];

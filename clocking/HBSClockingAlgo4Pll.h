@@ -22,11 +22,11 @@ namespace hbs_clocking {
 /// domain are held under `getMaxCrossDomainFreq`.
 ///
 /// The result is that of trying all combinations of multipliers, output dividers (4, 2, 1 or 8) and
-/// cross-domain dividers (4 to 1) in their order, each having to beat the best by a relative margin
-/// of 1e-5. Those that can't win are left out: a tree of 24 peripherals takes milliseconds. More
-/// than 1000 combinations are split among threads, as many as the parameter "general.maxThreads"
-/// says and 8 at most; the number may decide between near ties, nothing else does. Two solvers must
-/// not run at once.
+/// cross-domain dividers (4 to 1) in their order, each of which must be better than the best by a
+/// relative margin of 1e-5. The search prunes those that can't win: a tree of 24 peripherals takes
+/// milliseconds. More than 1000 combinations are split among threads, as many as the parameter
+/// "general.maxThreads" says and 8 at most; the number may decide between near ties, nothing else
+/// does. Two solvers must not run at once.
 ///
 /// Ten solutions are kept for the life of the process, by reference, limits and requests: the same
 /// tree again is solved without a search.
@@ -37,7 +37,7 @@ public:
     ~HBSClockingAlgo4Pll() override;
 
     /// Refuses, with a line on standard output, a tree without an enabled NOC peripheral. With two
-    /// of them it goes on with a NOC divider of 1 and complains at every try.
+    /// of them it uses a NOC divider of 1 and prints a line at every try.
     bool runSolution() override;
     /// One to four domains with one PLL each, and a reference that isn't 0. A search needs all
     /// four domains, "NOC_DOMAIN" being the second; the order is only complained of.

@@ -39,7 +39,7 @@ public:
     [[nodiscard]] std::uint32_t getClkoutDiv() const { return m_clkoutDiv; }
     /// Cross-domain divider; 0 means none.
     [[nodiscard]] std::uint32_t getCrossDomainDiv() const { return m_crossDomainDiv; }
-    /// Frequency in MHz behind the output divider: reference × multiplier ÷ output divider,
+    /// Frequency in MHz after the output divider: reference × multiplier ÷ output divider,
     /// computed in single precision and then widened.
     [[nodiscard]] double getVcoFreq() const { return m_vcoFreq; }
 

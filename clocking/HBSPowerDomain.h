@@ -14,8 +14,8 @@ namespace hbs_clocking {
 
 class HBSPeripheral;
 
-/// Owned by its solver, made by `addPowerDomain` or `createPllConfig`; owns its PLLs. Which clocks
-/// of other domains its peripherals may take, and through which dividers, is told by each solver.
+/// Owned by its solver, made by `addPowerDomain` or `createPllConfig`; owns its PLLs. Each
+/// solver documents which clocks of other domains its peripherals may take, and by which dividers.
 /// The name "NOC_DOMAIN" marks the domain of the NOC clock.
 class TQ_EXPORT HBSPowerDomain {
 public:

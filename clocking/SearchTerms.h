@@ -1,4 +1,4 @@
-// What a caller may ask of a clock search beyond its tree, and the settings that it then lists.
+// Conditions of a clock search beyond its tree, and the settings that it can list.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +10,8 @@
 
 namespace hbs_clocking {
 
-/// Conditions that an answer must keep to, by the names of the tree; names that it hasn't got are
-/// ignored. Without any, a search is what it is without terms, bit for bit.
+/// Conditions on the answer, by the names of the tree; names that it doesn't have are ignored. With
+/// none set, the result is bit for bit that of a search without terms.
 struct SearchTerms {
     /// The feedback multiplier of a PLL. One that the VCO can't run with finds nothing.
     std::map<std::string, unsigned> multipliers;

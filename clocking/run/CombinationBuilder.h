@@ -1,4 +1,4 @@
-// The combinations of multipliers that cover the power domains: lists that aren't laid out.
+// The combinations of multipliers that cover the power domains, as implicit lists.
 #pragma once
 
 #include <span>
@@ -66,7 +66,8 @@ private:
     [[nodiscard]] CombinationStage pairStage(unsigned domainIndex, CombinationStage::Order order,
                                              std::vector<CoverNeed> needs,
                                              std::vector<std::uint8_t> places) const;
-    /// Ascending pairs, or all where the terms tell the domain's PLLs apart.
+    /// Ascending pairs, as the two PLLs of the domain can be swapped; both orders if the terms name
+    /// one of them.
     [[nodiscard]] CombinationStage::Order unorderedOf(unsigned domainIndex) const;
     [[nodiscard]] std::vector<std::uint8_t> candidatesOf(unsigned pll) const;
 

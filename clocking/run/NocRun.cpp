@@ -188,7 +188,8 @@ bool NocRun::searchCombos(const CombinationList& combos, StepResult& result) {
 }
 
 void NocRun::complainOfNocPeripherals(const CombinationList& combos) const {
-    // Every tuple of dividers asks for the NOC divider, and every time is told what is wrong.
+    // Users know this output: one line for every tuple of dividers, as trying each of them one by
+    // one would ask for the NOC divider and print it.
     const std::size_t crossTuples = buildCrossDivCombos().size();
     combos.forEach(0, combos.size(), [&](const Combination& combination) {
         SearchInterruption::raiseIfRequested();

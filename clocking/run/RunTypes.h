@@ -1,4 +1,4 @@
-// What the steps of a run hand to one another.
+// The types that the steps of a run exchange.
 #pragma once
 
 #include <array>

@@ -50,7 +50,8 @@ public:
     /// own one must be in the list.
     [[nodiscard]] std::vector<unsigned> allowedMultipliers(unsigned pll,
                                                            std::span<const unsigned> list) const;
-    /// Whether the terms name one of two PLLs, which can't be swapped then.
+    /// Whether the terms name one of two PLLs. If so, swapping their multipliers gives another
+    /// setting, and both orders must be tried.
     [[nodiscard]] bool tellsApart(unsigned pllA, unsigned pllB) const;
 
     // Solutions.

@@ -7,7 +7,7 @@ namespace hbs_clocking {
 
 namespace {
 
-/// Places behind the errors of a key for the multipliers of the head.
+/// Entries of a key after its errors: the multipliers of the head.
 constexpr std::size_t kHeadPlaces = 3;
 
 } // namespace
@@ -36,8 +36,10 @@ unsigned ChoiceTable::contextOf(const ErrorRow& errors, const ChoiceHead& head) 
 }
 
 void ChoiceTable::addFloors(unsigned context) {
-    // What an option or a setting of the front leaves is at least the smaller of price and error,
-    // so these are prices too, and better ones where the context serves well.
+    // At prices that aren't above the context's errors the context saves nothing, so the sum is at
+    // least the prices less the savings of the option and of the setting. Two rows of such prices
+    // give a bound each, of which the larger one counts: the fitted prices capped at these errors,
+    // which are better where the context serves well, and the errors themselves.
     PriceRow prices = m_prices;
     PriceRow before = m_prices;
     const float* const errors = m_contexts.at(context);
@@ -48,7 +50,8 @@ void ChoiceTable::addFloors(unsigned context) {
     constexpr double any = std::numeric_limits<double>::infinity();
     const double least = m_front.least(prices, any);
     const double leastBefore = m_front.least(before, any);
-    // The errors before may be far larger than the prices, for whose rounding the ceilings allow.
+    // Ceilings allow for the rounding of sums of the prices. The context's errors may be far larger
+    // than these, so their sums are widened by their own rounding here.
     const double larger = 1.0 + static_cast<double>(m_stride + kLanes) * 0x1p-23;
     for (const PllOption& option : m_options.all) {
         const auto saving = static_cast<double>(savingOf(prices, option.errors[m_domain]));
@@ -89,7 +92,8 @@ void ChoiceTable::setBefore(unsigned context, std::size_t option) {
     const PllOption& own = m_options.all[option];
     m_before.assign(key, key + m_stride);
     takeBetter(m_before, own.errors[m_domain]);
-    // In domain 2 the own multiplier is one of a pair; in domain 3 it may be one of the head.
+    // In domain 2 this multiplier decides which second ones go with it. In domain 3 it matters only
+    // where the list of combinations or a chunk's start depends on the head.
     const bool isKey = m_domain == 2 || key[m_stride] != 0.0F;
     m_before.insert(m_before.end(), key + m_stride, key + m_stride + 2);
     m_before.push_back(isKey ? static_cast<float>(own.mul) : 0.0F);
@@ -150,8 +154,8 @@ bool ChoiceTable::setErrors(const OwnSetting& setting) {
 }
 
 void ChoiceTable::keepLow(const OwnSetting& setting, unsigned segment, double room) {
-    // Segments follow one another in the order of places. The front gives the best settings first,
-    // so that most others end here.
+    // Segments are contiguous in the order of places. The front delivers settings of large saving
+    // first, so that most later ones are found to be dominated here.
     const Step own = {setting.place(), segment, exactSum(m_errors)};
     auto behind =
         std::upper_bound(m_steps.begin(), m_steps.end(), own.place,
@@ -199,8 +203,9 @@ void ChoiceTable::addLows(Entry& entry, double room) {
 }
 
 unsigned ChoiceTable::segmentOf(const OwnSetting& setting, const ChoiceHead& head) const {
-    // With a second PLL of domain 2 at the start's multiplier, the pair of domain 3 decides on
-    // which side a combination lies; below and above it, none does.
+    // In domain 2, where the second PLL has the same multiplier as the chunk's start, the pair of
+    // domain 3 decides on which side of the start a combination lies. Such choices therefore form a
+    // segment of their own, between those that lie before and those that lie behind with any pair.
     unsigned segment = 0;
     for (const Combination& start : head.chunkStarts) {
         if (m_domain == 2) {

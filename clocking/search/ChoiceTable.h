@@ -1,11 +1,12 @@
-// What the own PLLs of domain 2, or of domain 3, can do for its peripherals once the clocks that
-// come from elsewhere are known: a memo by these clocks' errors.
+// Memoised choices for the own PLLs of domain 2 or of domain 3, by the errors that the clocks from
+// elsewhere leave.
 //
-// A domain sees three things: the main and the NOC PLL (the context), the first own PLL of domain 2
-// (direct in domain 2, across in domain 3), and the PLLs that are its own alone: the second one of
-// domain 2, the two of domain 3. The first two leave the errors `before`. Many settings leave the
-// same ones, and what the rest can do depends on nothing else, except for the combinations that it
-// may be part of. Where these depend on the head, its multipliers are part of the key.
+// A peripheral's error depends on three groups of PLLs: the main and the NOC PLL (the context), the
+// first own PLL of domain 2 (direct in domain 2, across in domain 3), and the PLLs that only this
+// domain sees: the second one of domain 2, or the two of domain 3. The first two groups leave the
+// errors `before`. Many settings leave the same errors, and the best choice for the third group
+// depends on nothing else, so it is computed once per row of errors. The exception is a list of
+// combinations whose tails depend on the head: then the head's multipliers are part of the key.
 #pragma once
 
 #include <array>
@@ -18,7 +19,7 @@
 
 namespace hbs_clocking {
 
-/// A setting of a domain's own PLLs, and what its peripherals end up with.
+/// A setting of a domain's own PLLs, and the errors of its peripherals with it.
 struct OwnChoice {
     OwnSetting setting;
     double sum = 0.0; ///< exact
@@ -27,19 +28,20 @@ struct OwnChoice {
     unsigned segment = 0;
 };
 
-/// The settings before that a domain sees, as multipliers by role.
+/// The PLLs before the domain's own ones in the enumeration, as multipliers by role.
 struct ChoiceHead {
     Combination muls{}; ///< of the main, the NOC and the first own PLL of domain 2
-    bool isKey = false; ///< whether the context's part has to be told apart
-    /// Where chunks of the enumeration begin behind the head, as combinations by role. A choice
-    /// represents equal ones, or beats others, only within its segment between these.
+    bool isKey = false; ///< whether the context's multipliers belong to the key
+    /// The starts of chunks among the combinations with this head, by role. They divide the choices
+    /// into segments. Each chunk has a winner of its own, so a choice can replace equal ones and
+    /// dominate others in its own segment only.
     std::span<const Combination> chunkStarts;
 };
 
 struct ChoiceBudget {
-    double sum = 0.0;
-    /// What the rounding of tuples' sums may hide: so much may a choice be worse than one before
-    /// it.
+    double sum = 0.0; ///< choices above this are of no interest
+    /// Allowance for rounding. Tuples are compared by their rounded sums, so a choice is dominated
+    /// only if its exact sum exceeds that of an earlier choice by more than this.
     double room = 0.0;
 };
 
@@ -52,15 +54,16 @@ public:
 
     /// A number for the errors that a context leaves.
     [[nodiscard]] unsigned contextOf(const ErrorRow& errors, const ChoiceHead& head);
-    /// A number that no sum lies below behind a context and an option of domain 2's first PLL: the
-    /// Lagrangian bound with the context's errors for prices where they are lower.
+    /// A lower bound of the domain's sum with this context and this option of domain 2's first PLL,
+    /// looked up: the Lagrangian bound with the context's errors as prices where they are lower.
     [[nodiscard]] double floorOf(unsigned context, std::size_t option);
-    /// A better one, which costs more: the least sum, rounded, if that is within the budget.
+    /// A tighter bound, which costs a scan: the least sum, rounded, if that is within the budget.
     [[nodiscard]] double least(unsigned context, std::size_t option, double budget);
-    /// The settings that go with the head, serve the domain and give a sum within the budget, and
-    /// maybe more, in the order of the enumeration. With all else the same, only a choice that is
-    /// better than those before it in its segment can win: others are left out, and of those that
-    /// end in the same errors all but the first. Valid until the next call.
+    /// The settings in the list of combinations that serve the domain with a sum within the budget
+    /// (the result may hold some above it), in the order of the enumeration. Dominated ones are
+    /// left out: with all other PLLs the same, only a choice that is better than the earlier ones
+    /// of its segment can win. Of choices with the same errors the first one stays. Valid until the
+    /// next call.
     [[nodiscard]] std::span<const OwnChoice> choices(unsigned context, std::size_t option,
                                                      const ChoiceBudget& budget,
                                                      const ChoiceHead& head);
@@ -73,13 +76,14 @@ public:
 
 private:
     struct Entry {
-        double least = 0.0; ///< exact if within the budget that it was found for
+        double least = 0.0; ///< exact if within `leastBudget`, else a lower bound
         double leastBudget = -1.0;
-        double budget = -1.0; ///< that the list holds all choices for
+        double budget = -1.0; ///< the list holds all choices within this
         std::vector<OwnChoice> choices;
     };
 
-    /// The least sums so far by place: what has to be undercut.
+    /// A step of the staircase of least sums by place: a later choice must lie below the last step
+    /// before it.
     struct Step {
         std::array<unsigned, 4> place;
         unsigned segment;
@@ -113,7 +117,7 @@ private:
     std::size_t m_choicesKept = 0;
     ErrorRow m_before;
     ErrorRow m_errors;
-    std::vector<OwnChoice> m_lows; ///< of the list that is being filled
+    std::vector<OwnChoice> m_lows; ///< scratch: of the list that is being filled
     std::vector<Step> m_steps;
 };
 

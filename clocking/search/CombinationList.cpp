@@ -16,8 +16,8 @@ namespace {
            });
 }
 
-/// Counts the continuations of heads. Heads that leave the same needs open behave alike, so each
-/// kind of head is counted once.
+/// Counts the continuations of heads, memoised: heads that leave the same needs open have the same
+/// continuations, so each kind of head is counted once.
 class ContinuationCounter {
 public:
     explicit ContinuationCounter(std::span<const CombinationStage> stages)
@@ -107,7 +107,7 @@ bool CombinationStage::looksAt(unsigned place) const {
 }
 
 void CombinationStage::simplify() {
-    // Whoever serves the narrower need serves the wider one as well.
+    // A combination that covers a need covers every superset of it as well.
     std::vector<CoverNeed> kept;
     for (std::size_t i = 0; i < needs.size(); ++i) {
         bool implied = false;
@@ -207,7 +207,7 @@ Combination CombinationList::at(std::uint64_t index) const {
                        !skip(counter.count(stage + 1, combination, nextPlace));
             });
         };
-        // Stops at the one behind which the combination lies.
+        // Stops at the value of this stage that the wanted combination has.
         static_cast<void>(std::any_of(own.firsts.begin(), own.firsts.end(), place2));
         place = nextPlace;
     }
@@ -235,7 +235,7 @@ void CombinationList::forEach(std::uint64_t first, std::uint64_t last,
         for (const std::uint8_t value : own.firsts) {
             const MultiplierMask allowed = tails.seconds(value);
             combination[place] = value;
-            // What lies before the start altogether isn't entered.
+            // Skips subtrees that lie before the start as a whole.
             if (std::lexicographical_compare(combination.begin(), combination.begin() + place + 1,
                                              start.begin(), start.begin() + place + 1))
                 continue;

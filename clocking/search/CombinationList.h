@@ -1,5 +1,5 @@
-// The combinations of multipliers that a step of the search tries: lists that know their size and
-// their i-th element without being laid out.
+// The combinations of multipliers that a step of the search tries: implicit lists, which know their
+// size and their i-th element without storing the elements.
 #pragma once
 
 #include <array>
@@ -15,15 +15,15 @@ namespace hbs_clocking {
 /// One multiplier per PLL, in PLL order; unused places are 0.
 using Combination = std::array<std::uint8_t, 6>;
 
-/// What one peripheral asks of a combination: one of these multipliers.
+/// One peripheral's condition on a combination: one of these multipliers must be in it.
 struct CoverNeed {
     MultiplierMask served;
     bool headServes = true; ///< whether the multipliers before the stage may serve it too
     bool operator==(const CoverNeed&) const = default;
 };
 
-/// How the list grows by one or two places: each head is continued by all the tails that, together
-/// with the places of the head that count, cover the needs.
+/// How a list grows by one or two places: each head is continued by all tails that cover the needs
+/// together with the head's places in `headPlaces`.
 struct CombinationStage {
     /// How the two places of a tail are related; `Single` for tails of one place.
     enum class Order { Single, Any, Different, Ascending };
@@ -40,15 +40,15 @@ struct CombinationStage {
     void simplify();
 };
 
-/// The tails of a stage behind one head.
+/// The tails of a stage that continue one head.
 class CombinationTails {
 public:
     CombinationTails(const CombinationStage& stage, const Combination& head);
-    /// All tails that there are behind some head, and maybe more: heads serve what they may serve.
+    /// A superset of the tails of all heads: assumes that a head serves whatever it may serve.
     explicit CombinationTails(const CombinationStage& stage);
 
-    /// Second places that go with a first; for tails of one place it holds just 0, when the tail
-    /// belongs to the list.
+    /// The second places that go with a first. For tails of one place: {0} if the tail belongs to
+    /// the list, else empty.
     [[nodiscard]] MultiplierMask seconds(unsigned first) const;
     /// Tails that begin with `first`.
     [[nodiscard]] std::uint64_t count(unsigned first) const { return seconds(first).size(); }
@@ -62,10 +62,9 @@ private:
     std::vector<MultiplierMask> m_missing;
 };
 
-/// A list of combinations in stages, in ascending order of their places. Two products and a filter
-/// of 65 multipliers per place describe some 10^11 combinations; the list holds the places' values
-/// and needs only, and of the values those that occur. Counting the combinations costs about
-/// pairs × multipliers × needs.
+/// A list of combinations in stages, in ascending order of their places. A tree of six PLLs has up
+/// to some 10^11 combinations; the list holds only the values of each place (those that occur in a
+/// combination) and the needs. Counting the combinations costs about pairs × multipliers × needs.
 class CombinationList {
 public:
     CombinationList() = default;

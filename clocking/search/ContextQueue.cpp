@@ -16,7 +16,7 @@ namespace {
 
 using Masks = std::vector<ServiceMask>;
 
-/// What each option leaves unserved in a domain.
+/// The peripherals of a domain that each option leaves unserved.
 [[nodiscard]] Masks masksOf(const SearchProblem& problem, const SourceTable& table,
                             const PllOptions& options, unsigned domain) {
     Masks masks;

@@ -10,7 +10,7 @@ namespace hbs_clocking {
 
 namespace {
 
-/// Beyond this all that was remembered is forgotten, at the price of searching some of it again.
+/// Beyond this the memo tables are cleared; some of their content is computed again then.
 constexpr std::size_t kMostBytes = 3U << 20U;
 
 } // namespace
@@ -48,7 +48,7 @@ void ContextSearch::search(const PllOption& main, const PllOption& noc) {
     SearchInterruption::raiseIfRequested();
     forgetIfLarge();
     ++m_effort;
-    if (!enter(main, noc) || isDominated())
+    if (!enter(main, noc) || !recordContext())
         return;
     m_seen.clear();
     for (const OwnPlls::Group& group : m_own.groups)
@@ -71,8 +71,9 @@ bool ContextSearch::enter(const PllOption& main, const PllOption& noc) {
 }
 
 void ContextSearch::setLimit(double limit) {
-    // Bounds are rounded as the prices are, which may be far larger than the errors; sums of errors
-    // that are within the limit are rounded as the limit is.
+    // Two allowances for rounding. Bounds are differences of sums of prices, which may be far
+    // larger than the errors, so a bound's rounding follows from the prices. Sums of errors within
+    // the limit are off in proportion to the limit only.
     m_context.ceiling = m_bound.ceilingOf(limit);
     m_context.most = limit + m_bound.roundingOf(limit);
 }
@@ -101,7 +102,7 @@ float ContextSearch::floorOfSums() const {
     return sum;
 }
 
-bool ContextSearch::isDominated() {
+bool ContextSearch::recordContext() {
     const auto& [main, noc] = m_context.plls;
     const unsigned chunk = m_lows.chunkOf(m_context.head.muls, 2);
     m_context.head.isKey = chunk == ChunkLows::kSeveral;
@@ -110,13 +111,19 @@ bool ContextSearch::isDominated() {
     ErrorRow near = m_context.errors[0];
     near.insert(near.end(), m_context.errors[1].begin(), m_context.errors[1].end());
     m_context.nearNumber = m_nearRows.add(near.data());
-    // Why an earlier context's search makes this one unnecessary, though it may have pruned what
-    // this one would not: limits never rise, neither in the step nor within a context. The limit
-    // behind an earlier place was then at least what it is behind this place now, so whatever may
-    // matter here was within it there and was offered at an earlier place, and an equal sum later
-    // in the same chunk is no record low. The place is in the order of the enumeration for tuples
-    // that are the same in all else.
-    return !m_searched.isFirst(
+    // A context is dropped if one with the same errors, at an earlier place of the same chunk, was
+    // searched before. Proof: pair each tuple of this context with that of the earlier one that has
+    // the same own PLLs. Both have the same sum, and the partner comes first.
+    // - If the partner was offered, the tuple here is no record low of its chunk (an equal sum lies
+    //   before it) and can't win.
+    // - If the partner was pruned, its sum was above the limit at its place and time. Limits never
+    //   rise, neither over time nor from a place to a later one in a chunk, so the tuple's sum is
+    //   above the limit here and now as well, and would be pruned.
+    // The converse fails: a later context's search says nothing of an earlier one, for of equal
+    // sums the earlier one wins. Hence the memo keeps the earliest place of each key. The place
+    // lists the parts by which the enumeration orders tuples that agree in the own PLLs:
+    // multipliers before dividers before cross-domain dividers, dividers descending.
+    return m_searched.record(
         {m_context.nearNumber, m_context.numbers[0], m_context.numbers[1], chunk},
         {main->mul, noc->mul, 8U - main->div, 4U - main->cross, 4U - noc->cross});
 }
@@ -145,17 +152,18 @@ void ContextSearch::searchGroup(const OwnPlls::Group& group) {
     }
 }
 
-bool ContextSearch::isDominated(const OwnPlls::Group& group, std::size_t option) {
-    // The same argument as for contexts. Equal entries mean equal choices behind equal errors; that
-    // the first own PLL's multiplier bars the second one's is part of the entry of domain 2.
+bool ContextSearch::recordOption(const OwnPlls::Group& group, std::size_t option) {
+    // The same argument as for contexts, with the first own PLL of domain 2 as part of the head.
+    // Equal entry numbers mean equal errors before and thus equal choices; which second multipliers
+    // the first own PLL's one excludes is part of the key of domain 2's entries.
     const PllOption& own = m_table.options(Role::Own2First).all[option];
     const auto& [main, noc] = m_context.plls;
     const std::array<unsigned, 4> key = {m_context.nearNumber,
                                          m_choices2.entryNumber(m_context.numbers[0], group.begin),
                                          m_choices3.entryNumber(m_context.numbers[1], option),
                                          m_lows.chunkOf(m_context.head.muls, 3)};
-    return !m_combined.isFirst(key, {main->mul, noc->mul, own.mul, 8U - main->div, 8U - own.div,
-                                     4U - main->cross, 4U - noc->cross, 4U - own.cross});
+    return m_combined.record(key, {main->mul, noc->mul, own.mul, 8U - main->div, 8U - own.div,
+                                   4U - main->cross, 4U - noc->cross, 4U - own.cross});
 }
 
 void ContextSearch::combine(const OwnPlls::Group& group, std::size_t option, double least2,
@@ -166,7 +174,7 @@ void ContextSearch::combine(const OwnPlls::Group& group, std::size_t option, dou
     const double limit = m_lows.limitBehind(head.muls, 3);
     const double rounding = m_bound.roundingOf(limit);
     const double most = limit + rounding - m_context.nearSum;
-    if (least2 + least3 > most || isDominated(group, option))
+    if (least2 + least3 > most || !recordOption(group, option))
         return;
     m_effort += 10;
     head.chunkStarts = m_lows.startsWithin(head.muls, 3);
@@ -189,8 +197,9 @@ void ContextSearch::combine(const OwnPlls::Group& group, std::size_t option, dou
 void ContextSearch::offer(const PllOption& own, const OwnChoice& second, const OwnChoice& pair) {
     const Tuple tuple = tupleOf(own, second, pair);
     const unsigned chunk = m_lows.chunkOf(tuple.muls, kRoles);
-    // The same errors give the same sum, and of equal sums in a chunk only the first one counts. A
-    // sum that was above the limit when it was met first is above it still.
+    // The same rows of errors give the same sum, and of equal sums in a chunk only the first can
+    // win: a memo of the first tuple by rows and chunk. A sum that was above the limit when it was
+    // met first still is, as limits never rise.
     const std::uint64_t key =
         (std::uint64_t{second.row} << 36U) | (std::uint64_t{pair.row} << 8U) | chunk;
     const auto [entry, isNew] = m_seen.try_emplace(key);
@@ -224,7 +233,7 @@ float ContextSearch::sumOf(const OwnChoice& second, const OwnChoice& pair) const
     const std::array<const float*, kDomains> errors = {
         m_context.errors[0].data(), m_context.errors[1].data(), m_choices2.errors(second.row),
         m_choices3.errors(pair.row)};
-    float sum = 0.0F; // in the order of the peripherals, since each addition rounds
+    float sum = 0.0F; // in the peripherals' order: each addition rounds, so the order is part of it
     for (const auto& [domain, place] : m_places)
         sum += errors[domain][place];
     return sum;

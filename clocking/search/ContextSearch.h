@@ -1,10 +1,10 @@
-// The search behind one setting of the main and the NOC PLL, a context: the own PLLs of domains 2
-// and 3.
+// One node of the branch and bound search: the own PLLs of domains 2 and 3 for one setting of the
+// main and the NOC PLL, a context.
 //
-// A context's sum is that of domains 0 and 1, which is fixed, and of domains 2 and 3. The first own
-// PLL of domain 2 is the only one that both of them see. For each of its options the least sum of
-// each domain is looked up (`ChoiceTable`); where the two keep under the ceiling, the choices of
-// both are combined.
+// A context fixes the errors of domains 0 and 1. The first own PLL of domain 2 is the only one that
+// both domains 2 and 3 see, so for each of its options the two domains are independent problems.
+// The least sum of each is bounded, then looked up (`ChoiceTable`); only if the total stays under
+// the ceiling, the choices of both domains are combined.
 #pragma once
 
 #include <algorithm>
@@ -20,15 +20,16 @@
 
 namespace hbs_clocking {
 
-/// The earliest place at which each of some keys was met.
+/// A memo of the earliest place at which each key was met. Only the earliest counts: of equal sums
+/// the earlier one wins, so it may replace later ones but not the other way round.
 template <std::size_t N>
 class FirstPlaces {
 public:
     using Key = std::array<unsigned, 4>;
     using Place = std::array<std::uint8_t, N>;
 
-    /// Whether no earlier place had this key. Remembers the place if so.
-    [[nodiscard]] bool isFirst(const Key& key, const std::array<unsigned, N>& place) {
+    /// Records the place and returns true unless the key was met at this place or an earlier one.
+    [[nodiscard]] bool record(const Key& key, const std::array<unsigned, N>& place) {
         Place narrow;
         std::transform(place.begin(), place.end(), narrow.begin(),
                        [](unsigned part) { return static_cast<std::uint8_t>(part); });
@@ -68,8 +69,7 @@ public:
 
     /// Tuples whose sum was offered.
     [[nodiscard]] std::uint64_t evaluatedTuples() const { return m_evaluated; }
-    /// What was looked at so far: contexts, options of the first own PLL and choices, some 100 ns
-    /// each.
+    /// Work done so far: contexts, options of the first own PLL and choices, some 100 ns each.
     [[nodiscard]] std::uint64_t effort() const { return m_effort; }
 
 private:
@@ -81,8 +81,8 @@ private:
         unsigned nearNumber = 0;                ///< of the errors of domains 0 and 1
         std::array<unsigned, 2> numbers{};      ///< in the tables of domains 2 and 3
         ChoiceHead head;
-        double ceiling = 0.0; ///< bounds above this are of no interest
-        double most = 0.0;    ///< nor are sums of errors, in whatever order, above this
+        double ceiling = 0.0; ///< a bound above this prunes
+        double most = 0.0;    ///< as does a sum of errors above this, added in any order
     };
     /// Where a pair of rows of domains 2 and 3 was met first in the enumeration, and their sum.
     struct Seen {
@@ -94,16 +94,16 @@ private:
     void setLimit(double limit);
     [[nodiscard]] bool fillErrors();
     void fillLeast();
-    /// The sum of what each peripheral gets at least behind this context, rounded as a tuple's sum.
-    /// Since rounded addition is monotone, no tuple's sum is below it, and unlike a bound it is
-    /// exact where it is reached: it tells ties, which bounds with room for rounding can't.
+    /// The sum of the smallest error that each peripheral can have with this context, rounded as a
+    /// tuple's sum is. Rounded addition is monotone, so no tuple's sum lies below it. It needs no
+    /// allowance for rounding and so prunes exact ties with the limit, which the bounds can't.
     [[nodiscard]] float floorOfSums() const;
-    /// Whether an earlier context, already searched, has the same errors, and with them all sums
-    /// of this one at earlier places.
-    [[nodiscard]] bool isDominated();
+    /// Records the context in the memo. False if it is dominated: an earlier context, already
+    /// searched, has the same errors and thus every sum of this one at an earlier place.
+    [[nodiscard]] bool recordContext();
     void searchGroup(const OwnPlls::Group& group);
-    /// The same with an option of the first own PLL of domain 2.
-    [[nodiscard]] bool isDominated(const OwnPlls::Group& group, std::size_t option);
+    /// The same for the context with an option of the first own PLL of domain 2.
+    [[nodiscard]] bool recordOption(const OwnPlls::Group& group, std::size_t option);
     void combine(const OwnPlls::Group& group, std::size_t option, double least2, double least3);
     void offer(const PllOption& own, const OwnChoice& second, const OwnChoice& pair);
     [[nodiscard]] Tuple tupleOf(const PllOption& own, const OwnChoice& second,
@@ -123,11 +123,11 @@ private:
     ChoiceTable m_choices3;
     Context m_context;
     RowIndex m_nearRows; ///< errors of domains 0 and 1
-    /// By near errors, contexts of both tables and chunk: the earliest context that had them.
+    /// The earliest context by its near errors, its numbers in both tables and its chunk.
     FirstPlaces<5> m_searched;
-    /// By near errors, entries of both tables and chunk: the same with the first own PLL.
+    /// The earliest context and option by near errors, entry numbers in both tables and chunk.
     FirstPlaces<8> m_combined;
-    /// Of the context, by rows of domains 2 and 3 and chunk.
+    /// Sums of the present context by rows of domains 2 and 3 and chunk.
     std::unordered_map<std::uint64_t, Seen> m_seen;
     std::uint64_t m_evaluated = 0;
     std::uint64_t m_effort = 0;

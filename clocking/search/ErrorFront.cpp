@@ -6,18 +6,19 @@
 
 namespace hbs_clocking {
 
-/// A node by its number before arranging, with its twins, and those below it.
+/// A group of twins, by their numbers before arranging, with the groups that it dominates below it.
 struct ErrorFront::Tree {
     std::size_t first = 0;
-    std::size_t end = 0; ///< behind the twins
+    std::size_t end = 0; ///< one past the twins
     std::vector<Tree> below;
 };
 
 namespace {
 
-/// Nodes of one level that a setting is compared with. The first ones save most and dominate most.
-/// With many peripherals hardly any setting is dominated, and comparing all would take quadratic
-/// time without a gain. The depth of the tree is limited for the same reason.
+/// Limits of the dominance test: nodes of one level that a setting is compared with, and levels of
+/// the tree. The first nodes save most and dominate most. With many peripherals hardly any setting
+/// is dominated, and comparing all pairs would take quadratic time without a gain. A dominance that
+/// is missed costs time only.
 constexpr std::size_t kMostCompared = 64;
 constexpr unsigned kMostLevels = 8;
 
@@ -40,7 +41,8 @@ void ErrorFront::arrange() {
 }
 
 ErrorFront::Tree ErrorFront::buildTree() const {
-    // A setting that dominates another one saves no less, and so comes first.
+    // A setting that dominates another one saves no less, and nodes are in descending order of
+    // their saving, so one pass finds each setting's leader among those before it.
     Tree root;
     for (std::size_t first = 0; first < m_nodes.size();) {
         std::size_t end = first + 1;
@@ -75,7 +77,8 @@ void ErrorFront::flatten(const Tree& tree, std::vector<Node>& nodes) const {
 }
 
 void ErrorFront::markTwins() {
-    // Twins save the same, so that this order brings them together, the first one in front.
+    // Twins have the same saving and hash, so this order makes them adjacent, the first one of the
+    // enumeration in front.
     std::sort(m_nodes.begin(), m_nodes.end(), [](const Node& a, const Node& b) {
         if (a.saving != b.saving)
             return a.saving > b.saving;
@@ -120,7 +123,8 @@ std::size_t ErrorFront::hashOf(const OwnSetting& setting) const {
 }
 
 double ErrorFront::largestSaving(const PriceRow& prices) const {
-    // Lower prices save less, and a dominated setting saves no more than its leader.
+    // Savings at lower prices are no larger, so the scan ends at the first node whose own saving is
+    // no larger than the best found. A dominated setting saves no more than its leader.
     double largest = 0.0;
     for (std::size_t i = 0; i < m_nodes.size() && m_nodes[i].saving > largest; i = m_nodes[i].end)
         largest = std::max(largest, savingOf(prices, m_nodes[i].setting));

@@ -1,21 +1,22 @@
 // The Pareto front of the choices for the own PLLs of a domain.
 //
-// A choice gives each peripheral of the domain an error: the smallest that its clocks offer. Behind
-// other clocks, which give the errors `before`, the domain's sum is at least the sum of
+// A choice gives each peripheral of the domain an error: the smallest that its clocks offer. With
+// other clocks, which leave the errors `before`, the domain's sum is at least the sum of
 // min(before, error). Three facts make the least of these sums cheap to find:
-// - With prices p (see `PriceBound`) it is at least the sum of min(before, p) less what the choice
-//   saves, the sum of max(0, p - error). Choices come in descending order of that saving, so the
-//   scan ends at the first one whose bound exceeds what is already known.
+// - Bound: with prices p (see `PriceBound`) the sum is at least the sum of min(before, p) less the
+//   choice's saving, the sum of max(0, p - error). Choices are in descending order of the saving,
+//   which doesn't depend on `before`, so a scan ends at the first one whose bound exceeds the least
+//   sum found.
 // - Dominance: a choice whose errors are all at least those of another one can't have the smaller
-//   sum, whatever the errors before. It is kept in the group of the other one, the leader, and a
-//   scan for the least sum looks at leaders only. A scan for all choices within a budget enters the
-//   groups whose leader is within it.
-// - Pairs with the same errors are twins: behind any other clocks they end in the same errors, so
-//   that only the first of them in the enumeration can win. This holds only if the two PLLs of each
-//   pair differ clearly for each peripheral, or not at all: else the margin by which a later clock
-//   must be better makes a difference.
-// A rounded sum of non-negative numbers never falls when one of them rises, so these facts hold of
-// sums that are rounded in one fixed order.
+//   sum, whatever the errors before. It is kept below the other one, its leader, and a scan for the
+//   least sum looks at leaders only. A scan for all choices within a budget descends only below
+//   leaders that are within it.
+// - Pairs with the same errors are twins: with any other clocks they leave the same errors, so only
+//   the first of them in the enumeration can win. This holds only if the clocks of each pair differ
+//   clearly for each peripheral, or not at all: otherwise the margin by which a later clock must be
+//   better decides, and the order of the pair matters.
+// A rounded sum of non-negative numbers never falls when one of them rises, so these facts also
+// hold for sums that are rounded, as long as all are added in one fixed order.
 #pragma once
 
 #include <vector>
@@ -37,7 +38,8 @@ struct OwnSetting {
     }
 };
 
-/// Filled and arranged once, then only read. Costs settings × those compared with at most.
+/// Filled and arranged once, then only read. Arranging costs at most settings × peripherals × the
+/// limits of the dominance test in the source.
 class ErrorFront {
 public:
     /// The prices, of this domain, must outlive the front.
@@ -48,14 +50,14 @@ public:
     /// To be called once, after the last `add`.
     void arrange();
 
-    /// The sum that is certain before any setting saves something.
+    /// The sum of min(before, price): the bound before a setting's saving is subtracted.
     [[nodiscard]] double certain(const ErrorRow& before) const {
         return sumOfSmaller(before.data(), m_prices.data(), m_prices.data());
     }
-    /// What a setting saves at most at these prices, none of which is above the front's own.
+    /// The largest saving of a setting at these prices, none of which is above the front's own.
     [[nodiscard]] double largestSaving(const PriceRow& prices) const;
-    /// A number that no setting's sum behind `before` lies below; the least sum itself if that is
-    /// within the budget. Infinite for an empty front.
+    /// A lower bound of all settings' sums with the errors `before`: the least sum itself if that
+    /// is within the budget. Infinite for an empty front.
     [[nodiscard]] double least(const ErrorRow& before, double budget) const;
     /// Calls `action` with each setting whose sum of min(before, error) is within the budget; with
     /// the first of twins alone unless `withTwins`.
@@ -80,7 +82,7 @@ private:
         OwnSetting setting;
         double saving;
         std::size_t hash; ///< of the errors
-        std::size_t end;  ///< behind the nodes below this one, which follow it
+        std::size_t end;  ///< one past the nodes below this one, which follow it
         bool isTwin;      ///< of one that comes earlier in the enumeration
     };
     struct Tree;

@@ -1,4 +1,4 @@
-// Rows of errors: what the peripherals of one domain get from the clocks that they may take.
+// Rows of errors: one relative error per peripheral of a domain.
 #pragma once
 
 #include <array>
@@ -23,9 +23,9 @@ inline constexpr float kUnserved = std::numeric_limits<float>::infinity();
 /// a clock that it is barred from.
 using ErrorRow = std::vector<float>;
 
-/// Lets the peripherals take one more clock, which comes later in the order of the slots than all
-/// before: only an error that is smaller by the margin makes one change over. This is what
-/// `BestOffer` does, for a whole row.
+/// Offers the peripherals one more clock, which is later in the order of the slots than those seen:
+/// a peripheral takes it only if its error is smaller by the margin. The same as `BestOffer`, for a
+/// whole row.
 inline void takeBetter(ErrorRow& errors, const float* offered) {
     const std::size_t length = errors.size();
     float* const present = errors.data();
@@ -36,8 +36,8 @@ inline void takeBetter(ErrorRow& errors, const float* offered) {
     }
 }
 
-/// Whether every peripheral has a clock that it may take. Errors from 0 to the tolerance are
-/// ordered as their bits, and the sign bit of barred ones lies above them all.
+/// Whether a peripheral has a clock that it may take. Compares bits: non-negative floats are
+/// ordered as their bits, and the sign bit puts the entries of barred clocks above them all.
 [[nodiscard]] inline bool isServed(float error, float tolerance) {
     return std::bit_cast<std::uint32_t>(error) < std::bit_cast<std::uint32_t>(tolerance);
 }
@@ -58,8 +58,7 @@ inline void takeBetter(ErrorRow& errors, const float* offered) {
     return static_cast<double>((lanes[0] + lanes[1]) + (lanes[2] + lanes[3]));
 }
 
-/// The sum in double precision, where the errors of all peripherals add up with no error to speak
-/// of.
+/// The sum in double precision, whose rounding is far below that of the sums it is compared with.
 [[nodiscard]] inline double exactSum(const ErrorRow& errors) {
     double sum = 0.0;
     for (const float error : errors)

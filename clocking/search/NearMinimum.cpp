@@ -37,7 +37,9 @@ void NearMinimum::offer(const Tuple& tuple, float sum) {
 }
 
 bool NearMinimum::isDecided() const {
-    // The best before the first sum within the limit was above the limit, or there was none.
+    // The chain's best before the first sum within the limit was above the limit, or there was
+    // none. It isn't known otherwise, so the first sum is certain only if it beats the limit
+    // itself.
     const bool nothingAbove = m_isProven && m_limit >= m_worst;
     double before = nothingAbove ? std::numeric_limits<double>::infinity() : m_limit;
     for (const auto& [tuple, sum] : m_lows) {

@@ -1,17 +1,18 @@
-// Who wins among sums that come one after the other, when a later one must win by a margin.
+// The winner of a sequence of sums in which a later sum must be smaller by a margin to win.
 //
-// The winner is the end of a chain: a sum that is less than the present best by the margin replaces
-// it. The winner needn't be the smallest: after 1.000015, the sum 1.000008 doesn't become the best
-// and 1 does; without the first, 1.000008 is the best and 1 doesn't replace it.
+// The exhaustive search keeps a best sum; one that is less by the margin replaces it. The sums that
+// become the best form a chain, and its end is the winner. It needn't be the smallest sum: in
+// 1.000015, 1.000008, 1 the second isn't less than the first by the margin of 1e-5, the third is,
+// and wins. Without the first, 1.000008 becomes the best and 1 doesn't replace it.
 //
-// A search that doesn't go in the order of the chain, and leaves things out, can still tell:
-// - A sum that isn't less than each one before it never joins the chain. What remains are the
-//   record lows of the sequence.
-// - A record low that is more than twice the margin under the one before it becomes the best for
-// certain,
-//   whatever the chain did before. From there on the chain is known.
-// So it is enough to know all record lows from a little above the smallest sum on. When they lie
-// so close that none becomes the best for certain, more of them must be known: a wider band.
+// A search in another order that prunes most sums can still find the winner:
+// - A sum that isn't less than all sums before it never joins the chain, since the best is at most
+//   a margin above the least so far. Only the record lows of the sequence matter.
+// - A record low that is more than twice the margin below the one before it joins the chain for
+//   certain, whatever the best was: that isn't below the earlier record low, the least sum so far.
+//   (One margin would do; the second is for rounding.) From there on the chain is known.
+// So it is enough to collect the record lows within a band above the smallest sum. If they lie so
+// close together that none joins for certain, the band must be wider.
 #pragma once
 
 #include <algorithm>
@@ -27,9 +28,9 @@
 
 namespace hbs_clocking {
 
-/// All that the search decides, by role, and its place in the enumeration at once: a tuple comes
-/// before another exactly when it is less. Dividers come from the largest down, so they are kept as
-/// how far they lie below it.
+/// All that the search decides, by role, and at the same time its place in the enumeration: a tuple
+/// precedes another exactly if it compares less. Dividers are enumerated from the largest down, so
+/// they are stored as their distance below the largest.
 struct Tuple {
     Combination muls{};
     std::array<std::uint8_t, kRoles> divsBelow8{};
@@ -48,16 +49,16 @@ public:
         float sum = 0.0F;
     };
 
-    /// Sums above `worst` play no part; `isProven` says that there are none, or none that count.
-    /// The band is relative to the smallest sum.
+    /// Sums above `worst` are ignored; `isProven` says that none of these could matter. The band is
+    /// relative to the smallest sum.
     NearMinimum(double worst, bool isProven, double band);
 
-    /// Sums above this play no part, nor will they.
+    /// Sums above this can't change the winner, now or later.
     [[nodiscard]] double limit() const { return m_limit; }
-    /// The same for tuples at or behind this place: only a record low plays a part.
+    /// The same for tuples at this place or later: only a record low counts.
     [[nodiscard]] double limitFrom(const Tuple& place) const;
     void offer(const Tuple& tuple, float sum);
-    /// Sums above this play no part any more; higher limits change nothing.
+    /// Lowers the limit to this; has no effect if it is lower already.
     void lowerLimit(double limit) { m_limit = std::min(m_limit, limit); }
     /// The smallest sum offered; infinite before any.
     [[nodiscard]] double lowest() const {
@@ -65,7 +66,8 @@ public:
                               : static_cast<double>(m_lows.rbegin()->second);
     }
 
-    /// Whether the sums within the limit tell the winner. If not, a wider band must be searched.
+    /// Whether the sums within the limit determine the winner. If not, a wider band must be
+    /// searched.
     [[nodiscard]] bool isDecided() const;
     /// The end of the chain that starts from a best of 1000; none if nothing was offered.
     [[nodiscard]] std::optional<Winner> winner() const;
@@ -74,7 +76,7 @@ public:
     static constexpr double kCertainMargin = 2e-5;
 
 private:
-    /// The record lows by place, so that the sums fall.
+    /// The record lows by place; their sums descend.
     std::map<Tuple, float> m_lows;
     double m_worst;
     bool m_isProven;

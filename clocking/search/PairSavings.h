@@ -1,5 +1,5 @@
-// What the settings of the two PLLs of one domain save together, where not every multiplier of the
-// one can be combined with every multiplier of the other.
+// The largest joint saving of the two PLLs of one domain, where not every multiplier of the one can
+// be combined with every multiplier of the other. See `PriceBound` for savings.
 #pragma once
 
 #include <algorithm>
@@ -23,7 +23,7 @@ public:
         unsigned mul = 0;
     };
 
-    /// From the settings of a PLL, those of one multiplier in a row, and what each of them saves.
+    /// Takes the settings of a PLL, grouped by multiplier, and the saving of each.
     template <class Options, class SavingAt>
     void assign(const Options& options, const SavingAt& savingAt) {
         m_entries.clear();
@@ -61,14 +61,15 @@ struct PairSaving {
     std::array<unsigned, 2> muls{};
 };
 
-/// The pair that saves most of those in these tails.
+/// The pair of largest saving among these tails. Entries descend, so the scan ends once even the
+/// best partner can't improve on the pair found.
 [[nodiscard]] inline PairSaving largestTogether(const MultiplierSavings& firsts,
                                                 const MultiplierSavings& seconds,
                                                 const CombinationTails& tails) {
     PairSaving largest;
     for (const auto& [saving, mul] : firsts.all()) {
         if (saving + seconds.largest() <= largest.saving)
-            break; // those to come save less still
+            break;
         const MultiplierSavings::Entry second = seconds.largestAmong(tails.seconds(mul));
         if (saving + second.saving > largest.saving)
             largest = {saving + second.saving, {mul, second.mul}};

@@ -9,18 +9,20 @@ namespace {
 
 constexpr unsigned kFirstRounds = 30;
 constexpr unsigned kMoreRounds = 60;
-/// More rounds are worth while if they take this part of the gap to the best sum known.
+/// More rounds are worthwhile if they close this part of the gap to the best sum known.
 constexpr double kWorthwhile = 0.25;
-/// Not if it is this close: then the sums lie close to one another, and no bound tells them apart.
+/// Not if the relative gap is this small: many sums lie that close together, and no bound separates
+/// them.
 constexpr double kGoodEnough = 2e-4;
-/// How far above the least that a peripheral can have its price starts, as a part of the tolerance.
+/// A peripheral's price starts at its least possible error plus this part of the tolerance.
 constexpr float kFirstRaise = 0.3F;
-/// How far above the best sum known a round aims.
+/// Polyak's steps aim at the best sum known times this, as the optimum itself isn't known.
 constexpr double kAim = 1.05;
-/// After rounds without a better bound the ascent goes back to the best prices, with shorter steps.
+/// After so many rounds without a better bound the ascent returns to the best prices and shortens
+/// its steps by this factor.
 constexpr double kShorter = 0.6;
 constexpr unsigned kPatience = 4;
-/// Close enough: what is left is cheaper to search.
+/// Relative gap below which searching the rest is cheaper than a better bound.
 constexpr double kCloseEnough = 1e-5;
 
 [[nodiscard]] double sumOf(const PriceRow& prices) {
@@ -33,9 +35,9 @@ PriceBound::PriceBound(const SearchProblem& problem, const SourceTable& table)
     : m_problem(problem),
       m_table(table), m_ownTails{CombinationTails(problem.combinations.stages()[1]),
                                  CombinationTails(problem.combinations.stages()[2])} {
-    // Each addition is off by 2^-24 of its result at most. A sum of n errors and one done in lanes
-    // are off by less than 2n such steps; the savings, at most eight rows of them in n/4 + 4 steps
-    // each, by less than 2n + 32.
+    // An addition in single precision is off by at most 2^-24 of its result. Comparing a sum of n
+    // errors with one added in lanes involves fewer than 2n such steps; the savings, at most eight
+    // rows of n/4 + 4 steps each, fewer than 2n + 32. Together: (4n + 64) × 2^-24.
     m_roundingFactor = static_cast<double>(problem.requests.size() + 16) * 0x1p-22;
     for (unsigned role = 0; role < kRoles; ++role) {
         const std::size_t count = table.options(static_cast<Role>(role)).all.size();
@@ -78,14 +80,16 @@ PriceBound::Prices PriceBound::firstPrices() const {
 }
 
 void PriceBound::climb(double known, unsigned rounds) {
-    // The subgradient method with Polyak's steps: the bound is concave in the prices, and how many
-    // of the best options save something for a peripheral, less the one that it needs, is a
-    // subgradient. The step length follows from the gap to the least sum known.
+    // The subgradient method with Polyak's steps. The bound, a sum of prices less maxima of convex
+    // functions of them, is concave. Its derivative by a peripheral's price is 1 less the number of
+    // best options that save something for it, which `spare` holds with the sign reversed: prices
+    // fall where several PLLs serve a peripheral and rise where none does. The step length is the
+    // gap to the sum aimed at, divided by the squared length of that vector.
     Ascent& ascent = m_ascent;
     for (unsigned round = 0; round < rounds; ++round) {
         evaluate();
         if (m_lowest > ceilingOf(known))
-            return; // the step has no sum this small, nor any at all if it must be
+            return; // proven: no sum of this step is as small as `known`
         keepBest();
         const Favourites favourites = pickFavourites();
         const Service service = serviceOf(favourites);
@@ -99,7 +103,8 @@ void PriceBound::climb(double known, unsigned rounds) {
             squares += std::inner_product(row.begin(), row.end(), row.begin(), 0.0);
         if (squares == 0.0 || ascent.sum - ascent.lowest < ascent.sum * kCloseEnough)
             break;
-        // Aiming at the worst, while the favourites leave somebody out, would overshoot by far.
+        // While the favourites leave a peripheral unserved, `sum` is infinite; `capped` counts it
+        // with the tolerance, so that the step doesn't overshoot.
         const double aim = kAim * std::max(ascent.capped, ascent.lowest);
         movePrices(service.spare, ascent.reach * (aim - m_lowest) / squares);
     }
@@ -140,7 +145,8 @@ void PriceBound::evaluate() {
                                           m_ownTails[pair]);
         const auto saving = static_cast<double>(m_bestOwn[pair].saving);
         m_ownSavings += saving;
-        // With the other one of the pair at its best the two save more than the best pair does.
+        // The partner's largest saving may not go with this PLL's. What this PLL must save for the
+        // bound to be reached is the best pair's saving less the partner's largest.
         for (unsigned place : {0U, 1U})
             m_largest[2 + 2 * pair + place] =
                 saving - static_cast<double>(byMultiplier[3 + 2 * pair - place].largest());

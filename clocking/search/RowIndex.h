@@ -1,5 +1,4 @@
-// Numbers for rows of errors: equal rows have equal numbers, so that results are memoised by
-// number.
+// Interning of rows of errors: equal rows have equal numbers, so results can be memoised by number.
 #pragma once
 
 #include <cstddef>
@@ -41,7 +40,7 @@ public:
 private:
     static constexpr std::size_t kFirstSlots = 64; ///< a power of two, as are all later sizes
 
-    /// Rows of no errors are equal, and may have no address.
+    /// Rows of length 0 are all equal, and their address may be null, which memcmp doesn't accept.
     [[nodiscard]] bool isAt(unsigned number, const float* row) const {
         return m_length == 0 || std::memcmp(at(number), row, m_length * sizeof(float)) == 0;
     }

@@ -8,7 +8,7 @@ namespace hbs_clocking {
 
 namespace {
 
-/// Beyond this many different questions the answers are forgotten.
+/// The memo is cleared when it holds more answers than this.
 constexpr std::size_t kMostKnown = 4096;
 
 [[nodiscard]] std::vector<ServiceMask> leftUnserved(const PllOptions& options, unsigned domain,
@@ -56,10 +56,10 @@ bool Completion::findSettings(const ServiceMask& unserved) const {
 
 namespace {
 
-/// What an option leaves unserved in each domain.
+/// The peripherals that an option leaves unserved in each domain.
 using OptionMasks = std::array<ServiceMask, kDomains>;
 
-/// Of a PLL's options, without repetitions.
+/// The distinct masks of a PLL's options.
 [[nodiscard]] std::vector<OptionMasks> masksOf(const SearchProblem& problem,
                                                const SourceTable& table, Role role) {
     std::vector<OptionMasks> masks;
@@ -78,8 +78,8 @@ using OptionMasks = std::array<ServiceMask, kDomains>;
     return masks;
 }
 
-/// What some setting of the main and the NOC PLL that serves domains 0 and 1 leaves unserved in
-/// domains 2 and 3.
+/// The distinct masks of domains 2 and 3 that settings of the main and the NOC PLL leave unserved,
+/// of the settings that serve domains 0 and 1.
 [[nodiscard]] std::set<std::array<ServiceMask, 2>> leftByContexts(const SearchProblem& problem,
                                                                   const SourceTable& table) {
     const std::vector<OptionMasks> mains = masksOf(problem, table, Role::Main);

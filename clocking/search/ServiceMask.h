@@ -1,10 +1,10 @@
-// Which peripherals of a domain the settings of its PLLs serve, as bit masks: decides that nothing
-// serves a domain before any error is looked at.
+// Which peripherals of a domain the settings of its PLLs serve, as bit masks: a cheap test that
+// proves infeasibility before any error is added up.
 //
 // A peripheral is served by a clock whose error lies under the tolerance and from which it isn't
-// barred. Errors in the search only become fewer with more clocks, so a domain is served as a whole
-// only if the masks of its clocks together have every bit. The reverse doesn't hold: a peripheral
-// may prefer a clock that it is barred from.
+// barred. It can be served by a set of clocks only if one of them serves it, so a domain can be
+// served only if the masks of its clocks together have every bit. The condition isn't sufficient:
+// a peripheral may prefer a clock that it is barred from.
 #pragma once
 
 #include <cstdint>
@@ -42,7 +42,7 @@ public:
             all |= word;
         return all == 0;
     }
-    /// Those that are in both.
+    /// The intersection.
     [[nodiscard]] ServiceMask operator&(const ServiceMask& other) const {
         ServiceMask both = *this;
         both.m_first &= other.m_first;
@@ -63,12 +63,12 @@ private:
         return index == 0 ? m_first : m_more[index - 1];
     }
 
-    std::uint64_t m_first = 0; ///< of domains of up to 64 peripherals all there is
+    std::uint64_t m_first = 0; ///< the only word for up to 64 peripherals, without an allocation
     std::vector<std::uint64_t> m_more;
 };
 
-/// Tells whether two PLLs can serve the peripherals of a domain that other clocks leave out.
-/// Remembers its answers: thousands of settings leave out the same few peripherals.
+/// Tells whether two PLLs can serve the peripherals of a domain that other clocks leave unserved.
+/// Memoised by mask: thousands of settings leave the same few peripherals unserved.
 class Completion {
 public:
     Completion(const SourceTable& table, unsigned domain, Role first, Role second, float tolerance);
@@ -83,14 +83,13 @@ private:
 
     std::size_t m_count; ///< peripherals
     float m_tolerance;
-    /// What the settings leave unserved, without repetitions.
+    /// The distinct masks of peripherals that the settings leave unserved.
     std::vector<ServiceMask> m_firsts;
     std::vector<ServiceMask> m_seconds;
     std::map<ServiceMask, bool> m_known;
 };
 
-/// False only if no setting of all the PLLs serves everybody: a step to be left before anything of
-/// it is searched.
+/// False proves that no setting of all PLLs serves all peripherals; the step can be skipped.
 [[nodiscard]] bool canServeAll(const SearchProblem& problem, const SourceTable& table);
 
 } // namespace hbs_clocking

@@ -13,7 +13,7 @@ namespace {
     return mask;
 }
 
-/// The list with the places' values that are allowed.
+/// The combinations of the list whose places all have an allowed value.
 [[nodiscard]] CombinationList restrictedList(const CombinationList& list,
                                              std::span<const MultiplierMask> allowed) {
     const auto keep = [](std::vector<std::uint8_t>& values, const MultiplierMask& mask) {

@@ -1,8 +1,9 @@
-// The best settings of a step of the ladder, beyond the one that the search ends with.
+// The k best settings of a step of the ladder, beyond the one that the search ends with.
 //
 // Method: the partitioning of Lawler and Murty over the multipliers. The best combination of a part
-// is found by the search itself; the rest of the part falls into parts that differ from it in the
-// first, the second, ... PLL. Behind each combination found, its dividers are tried one and all.
+// is found by the search itself; the rest of the part is divided into parts that agree with it in
+// the first i PLLs and differ in the next one. Parts are taken by their best sum, so the settings
+// come in order. For each combination found, all its dividers are tried.
 //
 // Cost: a search per PLL and combination, and at most 15,552 sums for each combination.
 #pragma once
@@ -13,13 +14,15 @@
 
 namespace hbs_clocking {
 
+/// Lists settings of one step. Used on one thread.
 class SettingSearch {
 public:
     /// The problem must outlive the search.
     explicit SettingSearch(const SearchProblem& problem) : m_problem(problem) {}
 
-    /// Adds the best settings that the step tries: each peripheral takes its best clock. Best first
-    /// to within the margin of the search's comparisons.
+    /// Adds the best settings among those that the step tries, until no other can be within the
+    /// list's limit. Best first to within the margin of the search's comparisons. In each setting
+    /// every peripheral takes its best clock.
     void find(SettingList& list) const;
 
 private:

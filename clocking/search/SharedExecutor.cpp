@@ -22,8 +22,8 @@ struct Pool {
     const Pool* inherited;
 };
 
-// Constants at load and not built at first use: a fork may fall into a first use by another thread,
-// and the child would find the guard of that initialisation taken for ever.
+// Initialised at load, not at first use: a fork may coincide with a first use by another thread,
+// and the child would wait for ever for the guard of that initialisation.
 constinit std::unique_ptr<Pool> currentPool;
 constinit const Pool* inheritedPool = nullptr;
 constinit bool watchesForks = false;

@@ -14,7 +14,7 @@ namespace {
 constexpr unsigned kDividers = 4; // 1, 2, 4, 8
 constexpr unsigned kMaxCross = 4;
 constexpr unsigned kCrossings = kMaxCross + 1; // none, and 1 to 4
-/// More than the margin by which a clock must be better than another, as a part of the error.
+/// Relative; not less than the margin by which a clock must be better than another.
 constexpr double kRoom = 1e-5;
 constexpr unsigned kRowsPerBlock = (kMaxMultiplier + 1) * kDividers * kCrossings;
 
@@ -174,10 +174,15 @@ void SourceTable::addUnlessRepeated(PllOptions& options, const PllOption& option
 
 SourceTable::SourceTable(const SourceTable& whole, const PriceBound& bound, double ceiling)
     : m_problem(whole.m_problem), m_domains(whole.m_domains), m_hasBarred(whole.m_hasBarred) {
-    // A sum is at least the bound less a peripheral's price plus its error, since the bound without
-    // that peripheral is less by its price at most. An error above `most` is thus part of no sum
-    // within the ceiling. Left out, it can't be confused with one that is: what comes next after
-    // it is smaller by less than the margin, and so above the ceiling too.
+    // Reduced cost fixing. An option whose saving lies more than the gap below what the bound needs
+    // (`largestSaving`) gives a bound above the ceiling, so it is left out.
+    //
+    // Errors are cut likewise. Without one peripheral the bound falls by its price at most, so a
+    // sum in which that peripheral has the error e is at least `lowest - price + e`. An error above
+    // `most` = price + gap thus belongs to no sum within the ceiling, and the entry may say
+    // "unserved". The cut can make a peripheral take a clock that it would have passed over because
+    // its error was smaller by less than the margin. That error is then within the margin of
+    // `most`; the factor of `kRoom` keeps such a sum above the ceiling too.
     const double gap = ceiling - bound.lowest();
     std::array<PriceRow, kDomains> most;
     for (unsigned domain = 0; domain < kDomains; ++domain)

@@ -1,4 +1,4 @@
-// The table of errors: what every clock that a PLL can put out gives to every peripheral.
+// The table of errors: of every peripheral with every clock that a PLL can put out.
 #pragma once
 
 #include <algorithm>
@@ -48,19 +48,19 @@ struct DomainRequests {
     [[nodiscard]] bool isEmpty() const { return positions.empty(); }
 };
 
-/// One way to set a PLL, and the row of errors that its clock gives to each domain, as `takeBetter`
-/// takes them; null for a domain that it doesn't get to.
+/// One setting of a PLL, and the row of errors of its clock in each domain, as `takeBetter` takes
+/// them; null for a domain that it doesn't reach.
 struct PllOption {
     std::uint8_t mul = 0;
     std::uint8_t div = 1;   ///< 1 for the NOC PLL, whose divider follows from the multiplier
-    std::uint8_t cross = 4; ///< 4 for a PLL whose clock doesn't cross, and none to tell apart
+    std::uint8_t cross = 4; ///< 4 for a PLL whose clock doesn't cross
     std::array<const float*, kDomains> errors{};
     float saving = 0.0F; ///< in all domains; see `PriceBound`
 };
 
 /// The options of one PLL: multipliers ascending, dividers and cross-domain dividers descending, as
-/// they are enumerated. Of options of one multiplier with the same errors only the first is here:
-/// the others give the same sums later, and so never win.
+/// they are enumerated. Of options of one multiplier with the same errors only the first is kept:
+/// the others give the same sums later in the enumeration and can't win.
 struct PllOptions {
     std::vector<PllOption> all;
     std::array<std::uint32_t, kMaxMultiplier + 2> firstOf{}; ///< by multiplier
@@ -79,8 +79,8 @@ struct PllOptions {
     }
 };
 
-/// Hands out rows that stay where they are. Most trees need a small part of the rows that there
-/// could be.
+/// An arena of rows, which never move. Rows are made on demand: most trees need a small part of
+/// those that there could be.
 class RowStore {
 public:
     /// All zeros.
@@ -97,8 +97,8 @@ private:
 class SourceTable {
 public:
     explicit SourceTable(const SearchProblem& problem);
-    /// What of another table may be part of a sum within the ceiling of a bound: reduced cost
-    /// fixing. The other table must outlive this one.
+    /// Reduced cost fixing: the options and errors of another table that can be part of a sum
+    /// within the ceiling. The other table must outlive this one.
     SourceTable(const SourceTable& whole, const PriceBound& bound, double ceiling);
     SourceTable(const SourceTable&) = delete;
     SourceTable& operator=(const SourceTable&) = delete;
@@ -115,8 +115,9 @@ private:
         std::vector<std::uint16_t> numbers; ///< by clock: 1 and up, 0 for a row not made yet
         std::vector<const float*> rows;
     };
-    /// The NOC PLL has a divider of its own; barred peripherals tell two PLLs from the others, and
-    /// peripherals that may not take some PLL tell each: `OfRole` + role.
+    /// Clocks of one frequency share a row unless a peripheral treats their PLLs differently. The
+    /// NOC PLL has a divider of its own; peripherals barred by name distinguish two PLLs from the
+    /// others; peripherals with denied PLLs distinguish all of them: `OfRole` + role.
     enum Kind : std::uint8_t { Common, NocClock, BarredSecond, OfRole, kKinds = OfRole + kRoles };
 
     void addOptions(Role role, std::span<const std::uint8_t> multipliers);

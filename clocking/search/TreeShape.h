@@ -9,7 +9,7 @@ namespace hbs_clocking {
 
 inline constexpr unsigned kDomains = 4;
 
-/// What a PLL is to the tree. In PLL order; a tree of four PLLs has no second PLL in a domain.
+/// The role of a PLL in the tree. In PLL order; a tree of four PLLs has no second PLL in a domain.
 enum class Role : std::uint8_t { Main, Noc, Own2First, Own2Second, Own3First, Own3Second };
 inline constexpr unsigned kRoles = 6;
 
@@ -17,7 +17,8 @@ inline constexpr unsigned kRoles = 6;
     return static_cast<unsigned>(role);
 }
 
-/// How the clock of a PLL comes to the peripherals of a domain.
+/// How the clock of a PLL reaches the peripherals of a domain: not at all, directly, or through the
+/// PLL's cross-domain divider.
 enum class Reach : std::uint8_t { None, Direct, Across };
 
 /// The output dividers that a PLL may have: powers of two, tried from the largest down.
@@ -41,14 +42,15 @@ struct DividerRange {
 /// holds 1 alone.
 using ClkoutDivCombos = std::array<DividerRange, kRoles>;
 
+/// The wiring of a tree, one constant per kind of solver.
 struct TreeShape {
     static constexpr unsigned kAbsent = ~0U;
 
     unsigned pllCount;
     /// Position of each role's PLL in the solver's order.
     std::array<unsigned, kRoles> pllOf;
-    /// The domain whose limit bounds the output divider of each role. The main PLL goes by the NOC
-    /// domain's limit; the NOC PLL has a divider of its own.
+    /// The domain whose limit determines the output divider of each role. The main PLL follows the
+    /// NOC domain's limit; the NOC PLL's divider follows from the NOC request instead.
     std::array<unsigned, kRoles> boundingDomain;
     std::array<std::array<Reach, kRoles>, kDomains> reach;
     /// Whether the two peripherals barred by name may not take PLLs 1 and 3.

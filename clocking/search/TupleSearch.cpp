@@ -13,17 +13,17 @@ namespace hbs_clocking {
 
 namespace {
 
-/// So much one thread searches before a better bound is looked for, and with none to be found,
-/// before others are asked for help: most searches end sooner. About half a millisecond.
+/// The effort of one thread before the bound is improved, and once that no longer helps, before
+/// other threads join. Most searches end sooner. About half a millisecond.
 constexpr std::uint64_t kEffort = 4000;
 constexpr std::uint64_t kAnyEffort = std::numeric_limits<std::uint64_t>::max();
-/// How far above the smallest sum the search looks at first; each further look goes wider.
+/// Band above the smallest sum that is searched first, and the factor of each wider band.
 constexpr double kFirstBand = 7e-5;
 constexpr double kWider = 8.0;
-/// So often a better bound is looked for.
+/// How often the bound is improved at most.
 constexpr unsigned kMostRaises = 3;
-/// Where that doesn't help, it may be the known sum that is far from the least one. The search then
-/// begins with a part of the gap between the two and goes on with more while it finds nothing.
+/// Where the bound can't be improved, the known sum may be far above the least one. The search then
+/// assumes a sum in the lower part of the gap and enlarges that part while it finds nothing.
 constexpr double kFirstPart = 1.0 / 16.0;
 constexpr double kNextPart = 4.0;
 
@@ -102,7 +102,7 @@ TupleSearch::Result TupleSearch::search(std::span<const std::uint64_t> chunks,
     double part = 1.0; // of the gap between the bound and the known sum that is searched
     while (true) {
         const double guess = bound.lowest() + part * (known - bound.lowest());
-        // Should the smallest sum be near the known one, all of its band is needed.
+        // The smallest sum may lie just below the guess; its whole band must be searched.
         const double worst = guess * (1.0 + band) * (1.0 + band);
         ChunkLows lows(startsOf(chunks), std::min(worst, m_proven), worst >= m_proven, band);
         const bool isDone = collect(bound, lows, raises != 0 ? kEffort : kAnyEffort, runOnThreads,
@@ -140,7 +140,7 @@ bool TupleSearch::collect(const PriceBound& bound, ChunkLows& lows, std::uint64_
     ContextQueue queue(m_problem, table, bound, ceiling);
     if (queue.isEmpty())
         return true;
-    // A front takes long to make.
+    // Building the front of so many pairs would take longer than the effort allows.
     if (OwnPlls::countPairs(m_problem, table, bound, ceiling) > effort)
         return false;
     const OwnPlls own(m_problem, table, bound, ceiling);
@@ -151,7 +151,7 @@ bool TupleSearch::collect(const PriceBound& bound, ChunkLows& lows, std::uint64_
             contexts.search(*next->main, *next->noc);
         return std::pair(contexts.evaluatedTuples(), contexts.effort() < most);
     };
-    // On one thread it goes on with what it remembers.
+    // On one thread the search continues with its memo tables; other threads start without them.
     const bool withThreads = runOnThreads && effort == kAnyEffort;
     const auto [own1, isDone] = searchWithin(withThreads ? kEffort : effort);
     evaluated += own1;
