@@ -1,5 +1,5 @@
-// A hardware handoff as it was decided: what the document holds and why, and what looks wrong in
-// the metadata, before anything is written.
+// The decisions of a hardware handoff: what the document will hold and why, and what looks wrong in
+// the metadata.
 #pragma once
 
 #include <cstddef>
@@ -26,12 +26,14 @@ struct Decision;
 ///         std::cout << handoff.port(i).signal << '\n';
 ///     handoff.writeDocument("sorrel.hwh");
 ///
-/// Things are numbered from 0 in the order of the document; a number must be below the count.
-/// Texts live as long as the object. Never changes, so that several threads may ask at once.
+/// Modules, ports and so on are numbered from 0 in the order of the document; a number must be
+/// below the count. Texts are valid as long as the object. Immutable: several threads may use it at
+/// once.
 class TQ_EXPORT HBSHandoff {
 public:
     using Texts = std::map<std::string, std::string>;
 
+    /// A module of the document: all instances of one "SDKNAME".
     struct Module {
         std::string_view name;     ///< its "SDKNAME"
         std::string_view instance; ///< the instance that gives its facts
@@ -50,6 +52,7 @@ public:
         FarEnd,      ///< one of the ends that it lists had a signal
         ListedByFar, ///< an earlier port lists this one
     };
+    /// A port of a module, with the name of its signal.
     struct Port {
         End end;
         std::string_view direction;
@@ -82,15 +85,15 @@ public:
 
     /// The arguments are those of `generateHWH`, as are the tool's parameters that count.
     ///
-    /// A sink is told what got lost or looks wrong, each with its place in the file: members of
-    /// wrong types, misspelt, twice or missing ("wrong-type", "unknown-key", "duplicate-port" …),
-    /// names that nothing has ("unknown-enable-parameter", "unknown-excluded-slave",
+    /// A sink receives what was dropped or looks wrong, each with its place in the file: members
+    /// of wrong types, misspelt, repeated or missing ("wrong-type", "unknown-key", "duplicate-port"
+    /// …), names of nothing ("unknown-enable-parameter", "unknown-excluded-slave",
     /// "missing-far-port", "unresolved-parameter"), "two-names" of one net, frequencies and
     /// addresses that can't be read, ranges that are empty or overlap. A good file has no finding.
     /// Missing sections are errors, all else is a warning.
     ///
-    /// Raises `HEXError` for a file that can't be read or parsed; a sink is told first where it
-    /// isn't JSON.
+    /// Raises `HEXError` for a file that can't be read or parsed. With a sink its text says why the
+    /// file can't be read, and the sink first gets the place where it isn't JSON.
     HBSHandoff(Texts designParams, Texts systemInfo, const std::string& connectivityFile,
                const tq::DiagnosticSink& sink = {});
     ~HBSHandoff();
@@ -105,6 +108,7 @@ public:
     /// system's facts name no core.
     [[nodiscard]] std::string_view topInstance() const;
 
+    /// The modules in document order, masters and slaves.
     [[nodiscard]] std::size_t moduleCount() const;
     [[nodiscard]] Module module(std::size_t number) const;
     /// Of all modules.
@@ -112,6 +116,7 @@ public:
     [[nodiscard]] Port port(std::size_t number) const;
     /// The ends that a port lists, ordered by module.
     [[nodiscard]] std::vector<End> connections(std::size_t port) const;
+    /// The ports of the subsystem's outside, ordered by name.
     [[nodiscard]] std::size_t externalPortCount() const;
     [[nodiscard]] ExternalPort externalPort(std::size_t number) const;
     /// What a master reaches, ordered by instance; empty for a slave. Takes time in proportion to

@@ -92,7 +92,8 @@ JsonTape readJsonFile(const std::string& fileName, const tq::DiagnosticSink& sin
     using Outcome = base::ReadOutcome;
     const std::string canonicalName = HUTFile(fileName).getCanonicalName();
     base::FileContent content = input::readFile(fileName);
-    if (content.outcome == Outcome::Missing || content.outcome == Outcome::Unopened)
+    // Callers without a sink know the text without a reason.
+    if (!sink && (content.outcome == Outcome::Missing || content.outcome == Outcome::Unopened))
         HCRapidJsonReadWriteUtils::errorReadingJsonFile(canonicalName);
     if (!content.isWhole())
         throw HEXError("the JSON file '" + canonicalName + "' can't be read: " + content.reason);

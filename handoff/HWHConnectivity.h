@@ -1,4 +1,4 @@
-// A connectivity file in memory, and what its instances say of themselves.
+// A connectivity file in memory, and the scalar properties of its instances.
 #pragma once
 
 #include <cstdint>
@@ -27,7 +27,7 @@ struct KeptText {
 };
 
 /// Reads `fileName`, stored plain or protected, or raises `HEXError`, naming the file. With a sink
-/// the text goes to `kept`, and the sink is told first where the text isn't JSON.
+/// it says why too, `kept` gets the text, and the sink first the place where the text isn't JSON.
 [[nodiscard]] base::JsonTape readJsonFile(const std::string& fileName,
                                           const tq::DiagnosticSink& sink = {},
                                           std::unique_ptr<KeptText>* kept = nullptr);
@@ -53,7 +53,7 @@ struct KeptText {
     return value ? textOf(*value) : std::string_view();
 }
 
-/// The file of one handoff. Everything that refers to its texts has to go before it.
+/// The file of one handoff. Must outlive everything that refers to its texts.
 class ConnectivityFile {
 public:
     /// Both forms send the entry line and read the file, or raise `HEXError`. A sink is told only
@@ -107,8 +107,8 @@ void forEachObject(const std::optional<base::JsonNode>& list, Visitor&& visit) {
         });
 }
 
-/// What a handoff asks an instance for. A fact that the file lacks is empty; of two the later
-/// counts.
+/// The scalar properties of an instance that a handoff uses. One that the file lacks is empty; of
+/// two the later counts.
 struct InstanceFacts {
     std::string_view sdkName;
     std::string_view enableParam;

@@ -183,8 +183,9 @@ TEST(HandoffWord, TellsWhatIsWrongWithItsFiles) {
     const std::string job = folder.write("job.json", R"({"connectivity": "c.json",
  "split_by_cells": false})");
     EXPECT_EQ(2, handoff(job + out).status);
-    EXPECT_THAT(handoff(job + out).error, StartsWith("hbs: error: the JSON file '" +
-                                                     folder.file("c.json") + "' can't be read"));
+    EXPECT_EQ("hbs: error: the JSON file '" + folder.file("c.json") +
+                  "' can't be read: No such file or directory\n",
+              handoff(job + out).error);
     folder.write("c.json", "{}");
     EXPECT_EQ(1, handoff(job + out).status);
     EXPECT_EQ(2, handoff(job + " -o " + folder.file("none/out")).status);
