@@ -1,5 +1,5 @@
-// Lets values be added to a plain RapidJSON document without harm where memory runs out. Private to
-// the addressing report.
+// Makes running out of memory an exception while values are added to a plain RapidJSON document.
+// Private to the addressing report.
 #pragma once
 
 #include <algorithm>
@@ -13,9 +13,9 @@
 
 namespace hbs_addressing {
 
-/// RapidJSON writes through the null pointer that a pool without memory gives. So all memory is
-/// asked for in front of each step, in pieces of the document's own pool, and values are made in
-/// these pieces:
+/// RapidJSON writes through the null pointer that a pool without memory returns. So all memory is
+/// requested before each step, in pieces of the document's own pool, and values are made in these
+/// pieces:
 ///
 ///     CheckedPool pool(document.GetAllocator());
 ///     object.AddMember(name, value, pool.withRoomFor(CheckedPool::growthOf(object)));

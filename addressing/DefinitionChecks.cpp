@@ -41,7 +41,7 @@ void forEachOverlap(std::vector<Extent>& extents, Visit visit) {
     }
 }
 
-/// Tells of an overlap at the row that comes later in the table.
+/// Reports an overlap at the row that comes later in the table.
 void tellOverlap(const HBSTableFindings& findings, const char* what, const Extent& a,
                  const Extent& b) {
     const bool isInOrder = a.row->rowStart < b.row->rowStart;
@@ -93,8 +93,8 @@ void checkAlignment(const Registers& registers, const HBSTableFindings& findings
                               " bits isn't aligned to its size");
 }
 
-/// Registers that are read and registers that are written at one address don't disturb each other.
-/// A pair that is both read and written is told among those that are read.
+/// A read-only and a write-only register may share an address, so readable and writable registers
+/// are checked apart. A pair that overlaps in both is reported among the readable ones.
 void checkRegisterOverlaps(const Registers& registers, const HBSTableFindings& findings) {
     std::vector<Extent> readable;
     std::vector<Extent> writable;

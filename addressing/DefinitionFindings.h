@@ -1,4 +1,4 @@
-// What is told of the tables of a hard block, while they are read and while its block is built.
+// Findings about the tables of a hard block, from reading them and from building its block.
 #pragma once
 
 #include <cstddef>

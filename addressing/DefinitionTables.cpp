@@ -103,7 +103,7 @@ Record recordOf(std::string_view line, const std::ctype<char>& classes, const Wa
     return record;
 }
 
-/// What there is of a table. A line that a read error cuts is no row.
+/// The readable part of a table. A line cut short by a read error is dropped.
 base::FileContent readTable(const std::string& path) {
     base::FileContent content = input::readPlainFile(path);
     if (content.outcome == base::ReadOutcome::Failed)
@@ -156,8 +156,7 @@ private:
     TokenWatch m_messages;
 };
 
-/// One line's pairs, asked for by key. What `read…` can't take as it is written is told to the
-/// findings.
+/// One line's pairs, by key. The `read…` operations report values that can't be taken as written.
 class Row {
 public:
     Row(const Record& record, const TableReading& reading) : m_record(record), m_reading(reading) {}

@@ -86,8 +86,8 @@ constexpr const char* kParameters = "data/parameters.txt";
 constexpr const char* kInstances = "data/instances.txt";
 constexpr const char* kConnections = "data/connections.txt";
 
-/// The type of a connection row that names none. The blank in front is meant: it is neither of the
-/// two kinds, and no value of a table begins with one.
+/// The type of a connection row that names none. The leading blank is intended: the text is neither
+/// of the two kinds, and no value of a table begins with a blank.
 constexpr const char* kNoConnectionType = " interface";
 
 using Record = std::map<std::string_view, std::string_view>;

@@ -169,8 +169,8 @@ private:
                      "the row isn't used: there is no address block " + quoted(row.addrblock));
     }
 
-    /// The same rows go into every address block of their name; what is refused is told for the
-    /// first.
+    /// The same rows go into every address block of their name; what is refused is reported
+    /// for the first.
     void addRegisters(HABMAddrBlock& addrBlock, const std::vector<const HBSRegisterRow*>& rows,
                       bool isFirst) {
         FirstRows names;

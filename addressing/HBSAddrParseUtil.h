@@ -12,7 +12,7 @@
 class HABMBlock;
 class HUTFile;
 
-/// What became of one table.
+/// How much of one table was read and used.
 struct TQ_EXPORT HBSTableReport {
     std::string table; ///< path below the hard block's directory: "data/ports.txt"
     bool isThere = false;
@@ -41,7 +41,7 @@ struct TQ_EXPORT HBSTableReport {
 /// ports.txt, interfaces.txt or parameters.txt sends a message, "@91-48@%s%s" (the key, the known
 /// keys). Nothing here throws for bad data.
 ///
-/// A sink is told of all that, with the place in the table. Warnings: what is dropped or counts as
+/// A sink receives all that, with the place in the table. Warnings: what is dropped or counts as
 /// something else than written, names given twice, bounds of a port that isn't a vector, an
 /// `interfaces` list that names no interface of its kind, address blocks without a size, registers
 /// outside their address block, address blocks or registers that overlap. Remarks: registers whose
@@ -59,8 +59,8 @@ public:
     [[nodiscard]] static std::unique_ptr<HABMBlock>
     buildHardblockDefinition(const HUTFile& directory, const std::string& name, const bool& write);
 
-    /// The same with findings; `report` gets what became of each table, in the order of their
-    /// reading, unless it is null.
+    /// The same with findings; `report`, which may be null, gets an entry for each table, in the
+    /// order of their reading.
     [[nodiscard]] static std::unique_ptr<HABMBlock>
     buildHardblockDefinition(const HUTFile& directory, const std::string& name, const bool& write,
                              const tq::DiagnosticSink& sink,

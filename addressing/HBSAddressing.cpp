@@ -115,12 +115,12 @@ private:
                                       "\": " + reason));
     }
 
-    // Bound for hostile data: a fan of stubs must not use up the memory. `HABMBlock::kMostLevels`
-    // bounds how deep they nest.
+    // Bound for hostile data: definitions that each name several others grow exponentially.
+    // `HABMBlock::kMostLevels` bounds how deep they nest.
     static constexpr std::size_t kMostRead = 65536;
 
     const tq::DiagnosticSink& m_sink;
-    std::set<std::string> m_unreadable; ///< that the sink was told of, once for all their stubs
+    std::set<std::string> m_unreadable; ///< reported to the sink, once for all their stubs
     std::size_t m_read = 0;
     bool m_isBoundReported = false;   ///< once for all the stubs beyond it
     std::vector<std::string> m_names; ///< the hard blocks around the stub being expanded
@@ -145,7 +145,7 @@ const HABMBlock* HBSAddressing::createSubsystemDefinition(const std::string& vln
                                                           const tq::DiagnosticSink& sink) {
     if (vlnv.empty() || context.empty())
         return nullptr;
-    // Never destroyed: the blocks outlive every user, at exit too.
+    // Never destroyed: users may still hold blocks at exit.
     using Definitions = std::map<std::string, const HABMBlock*>;
     static auto& cache = *new std::map<std::string, Definitions>;
     if (const auto known = cache.find(context); known != cache.end())

@@ -82,8 +82,8 @@ public:
     [[nodiscard]] static const HABMBlock* createSubsystemDefinition(const std::string& vlnv,
                                                                     const std::string& context);
 
-    /// The same, but a file that is there and can't be used is told to the sink, with the place in
-    /// it, and so is a stub that can't be merged, as "beyond-bound"; neither sends a message. A
+    /// The same, but a file that is there and can't be used is reported to the sink, with the place
+    /// in it, and so is a stub that can't be merged, as "beyond-bound"; neither sends a message. A
     /// definition that is cached already has no findings.
     [[nodiscard]] static const HABMBlock* createSubsystemDefinition(const std::string& vlnv,
                                                                     const std::string& context,

@@ -10,7 +10,7 @@
 #include "tq_export.h"
 
 /// Reads each table once, when it is first asked for, and keeps it. The tables may be missing, or
-/// have changed since they were compiled: what they say is a hint for people.
+/// have changed since they were compiled, so the places are hints for people.
 ///
 ///     HBSTablePlaces places("device/mirrel/hardblocks");
 ///     sink(makeDiagnostic(..., places.find("ps", "data/instances.txt",
@@ -27,7 +27,7 @@ public:
 
     /// The value of `key` in the first row of DIRECTORY/NAME/TABLE that has the pairs of `row`; the
     /// first pair must be there, of the others those that the row leaves out count as equal. The
-    /// start of the row if it hasn't got the key; the file NAME/NAME.bmj, without a line, if
+    /// start of the row if it doesn't have the key; the file NAME/NAME.bmj, without a line, if
     /// there is no such row.
     [[nodiscard]] tq::Place find(const std::string& name, const std::string& table, const Row& row,
                                  const std::string& key);

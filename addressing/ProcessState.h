@@ -1,4 +1,4 @@
-// The state of the process that scripts may change, put back when they are done.
+// Saves and restores the state of the process that scripts may change.
 #pragma once
 
 #include <csignal>
@@ -8,9 +8,9 @@
 
 namespace hbs_addressing {
 
-/// Saves the working directory, the environment and what SIGPIPE does, and restores them when it
-/// goes. While it lives SIGPIPE is ignored, as Tcl expects it: a script that writes to a closed
-/// pipe gets an error.
+/// Saves the working directory, the environment and the handling of SIGPIPE, and restores them in
+/// its destructor. Meanwhile SIGPIPE is ignored, as Tcl expects it: a script that writes to a
+/// closed pipe gets an error.
 class ProcessState {
 public:
     ProcessState();

@@ -5,8 +5,8 @@
 
 namespace hbs_addressing {
 
-/// What looks into interpreters, taken from one in which no script has run yet: scripts can rename
-/// the commands.
+/// The commands by which interpreters are inspected, taken from one in which no script has run yet,
+/// as scripts can rename them.
 struct TclInspection {
     explicit TclInspection(Tcl_Interp* interp);
 

@@ -10,7 +10,7 @@ namespace hbs_addressing {
 /// A plain interpreter (no init.tcl, no command of this library's), guarded by a `TclGuard` with
 /// the time limit of `findScriptTimeLimit`. Used by one thread.
 ///
-/// When it goes, all that Tcl or its scripts changed of the process or the thread is put back:
+/// Its destructor restores all that Tcl or its scripts changed of the process or the thread:
 /// locale (Tcl wants "C" numbers, which would change how the whole tool reads numbers), SIGPIPE,
 /// working directory, environment, standard channels, system encoding.
 class TclInterpreter {

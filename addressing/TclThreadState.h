@@ -1,4 +1,4 @@
-// What Tcl keeps for all interpreters of a thread or of the process, put back after a run.
+// Restores the state that all interpreters of a thread or of the process share after a run.
 #pragma once
 
 #include <tcl.h>

@@ -15,7 +15,7 @@ constexpr std::string_view kBreaksWord = " \t\n\v\f\r;$[\\\0"sv;
 /// Quotes a word that starts with it; elsewhere it is a plain character.
 constexpr std::string_view kQuotesWord = "\"{"sv;
 
-/// Whether a "}" of `text` is the partner of the brace that was opened in front of it.
+/// Whether a "}" in `text` closes the brace that the script opens before it.
 bool closesEarly(std::string_view text) {
     int depth = 1;
     for (std::size_t i = 0; i < text.size() && depth > 0; ++i) {

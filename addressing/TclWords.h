@@ -21,8 +21,7 @@ namespace hbs_addressing {
 
 /// Why the script "expr {TEXT}" must not be run, or the empty text if it may:
 /// - A "}" closes the expression early, and the text after it would be run as commands. An
-/// expression
-///   that is never closed is left to Tcl, which reports it and runs nothing.
+///   expression that is never closed is left to Tcl, which reports it and runs nothing.
 /// - There are more than `kMostSubstitutions` command and array element substitutions. Tcl's parser
 ///   recurses for each that is nested in another and would take the stack down.
 [[nodiscard]] std::string findExpressionFault(std::string_view text);

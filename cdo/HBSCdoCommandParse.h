@@ -17,10 +17,10 @@
 ///   which counts before the range
 /// - "user input 'TEXT' is out of range"
 ///
-/// A number out of range is told from one at its limit by `errno`, which isn't cleared beforehand:
-/// an `ERANGE` that earlier code left there fails the next parse with the out-of-range text, and
-/// only that failure clears it (not the one of a written form that is too long). An invalid text
-/// whose digits overflow leaves `ERANGE` behind.
+/// `errno` distinguishes a number out of range from one at the limit, and it isn't cleared
+/// beforehand: an `ERANGE` that earlier code left there fails the next parse with the out-of-range
+/// text, and only that failure clears it (not the one of a written form that is too long). An
+/// invalid text whose digits overflow leaves `errno` at `ERANGE`.
 class TQ_EXPORT HBSCdoCommandParse {
 public:
     HBSCdoCommandParse() = delete;

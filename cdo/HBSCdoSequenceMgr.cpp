@@ -18,8 +18,8 @@ HBSCdoSequenceWrapper* HBSCdoSequenceMgr::createCdoSequenceWrapper(const std::st
 
 void HBSCdoSequenceMgr::deleteCdoSequenceWrapper(const std::string& name) {
     const auto entry = findExisting(name);
-    // Out of the table first: the scripting layers are called while the wrapper dies, and must not
-    // find it here. `name` may live in what goes.
+    // Removed from the table first: the wrapper's destructor calls the scripting layers, which must
+    // not find it here. `name` may refer to the wrapper's own text.
     const std::unique_ptr<HBSCdoSequenceWrapper> wrapper(entry->second);
     m_wrappers.erase(entry);
 }

@@ -21,9 +21,9 @@ public:
     HBSCdoSequenceMgr(const HBSCdoSequenceMgr&) = delete;
     HBSCdoSequenceMgr& operator=(const HBSCdoSequenceMgr&) = delete;
 
-    /// Makes a wrapper and enters it under its name; it lives until it is deleted below. A wrapper
-    /// of that name stays alive but can't be reached by name any more, and then
-    /// belongs to whoever holds its pointer.
+    /// Makes a wrapper and enters it under its name; it is valid until it is deleted below. An
+    /// earlier wrapper of that name stays valid but can't be found by name any more; whoever holds
+    /// its pointer owns it from then on.
     HBSCdoSequenceWrapper* createCdoSequenceWrapper(const std::string& name, CdoSequence* sequence);
     /// Destroys the wrapper of that name and forgets it. Fails for an unknown name.
     void deleteCdoSequenceWrapper(const std::string& name);

@@ -18,8 +18,8 @@ struct CdoSequence;
 ///     wrapper->markerCheck(); // none is open: fine
 ///
 /// Every failure is an `HTCErrors::command_failed` and leaves the wrapper as it was, so the caller
-/// may go on. Scripts that hold the wrapper are told when it dies; what that raises is swallowed.
-/// Normally made and deleted by `HBSCdoSequenceMgr`. Not guarded: one thread at a time.
+/// may go on. The destructor notifies scripts that hold the wrapper; exceptions of that are
+/// ignored. Normally made and deleted by `HBSCdoSequenceMgr`. Not guarded: one thread at a time.
 class TQ_EXPORT HBSCdoSequenceWrapper {
 public:
     // The kinds of markers.

@@ -16,7 +16,7 @@
 ///     HBSGenerateService::generateHWH(design, system, "connectivity.json", "sorrel.hwh");
 ///
 /// `designParams` holds the design's parameters by name. A value is plain, or a composite
-/// "{key value key value …}" of which each pair stands for the parameter NAME_key. A parameter of
+/// "{key value key value …}" of which each pair is the parameter NAME_key. A parameter of
 /// the metadata whose value names one of them gets its value; names with "_FREQMHZ" are scaled from
 /// MHz to Hz, in 32 bits, those inside a composite only with "CTRL_ACT_FREQMHZ". The map isn't
 /// changed.
@@ -25,7 +25,7 @@
 /// "ps_core_name" and, where the metadata is split by cells, "cell_name". Keys that are looked up
 /// and missing read as empty and stay in the map as empty entries.
 ///
-/// `outputFile` is used as it stands; when it is empty the file is "ksb.hwh" in the working
+/// `outputFile` is used as given; if it is empty the file is "ksb.hwh" in the working
 /// directory. It is written whole or not at all.
 ///
 /// The tool parameter "project.allowPSSubCoreSplit" lets the metadata be split by cells (see
@@ -43,7 +43,7 @@ public:
                             std::map<std::string, std::string>& systemInfo,
                             const std::string& connectivityFile, const std::string& outputFile);
 
-    /// The same; `extraPairs` is read by no stage and changes nothing.
+    /// The same; `extraPairs` is ignored.
     static void generateHWH(std::map<std::string, std::string>& designParams,
                             std::vector<std::pair<std::string, std::string>>& extraPairs,
                             std::map<std::string, std::string>& systemInfo,

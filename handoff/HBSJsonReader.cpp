@@ -11,7 +11,7 @@ namespace {
 
 using base::JsonNode;
 
-/// A "value" takes the name that was seen last, so a name lives on from element to element.
+/// A "value" takes the name that was seen last, so a name stays in effect from element to element.
 void readComponentList(const JsonNode& list, HWHTextMap& parameters) {
     std::string_view name;
     list.forEachMemberOfElements([&](const JsonNode& key, const JsonNode& value) {

@@ -1,5 +1,5 @@
-// Reads the connectivity metadata of a hard block subsystem: its slaves and masters, their ports
-// and what these join, their parameters and address facts.
+// Reads the connectivity metadata of a hard block subsystem: its slaves and masters, their ports,
+// connections, parameters and addresses.
 #pragma once
 
 #include <map>
@@ -28,13 +28,13 @@
 ///         "external_addressing": [ { ENTRY: { "ENPARAM": …, "VLNV": …, "MODE": …,
 ///                        "ADDRESS_SPACE": [ { SPACE: { NAME: VALUE } } ] } } ] } }
 ///
-/// What comes twice. Texts, ports, connections to one instance, parameters and whole instances: the
-/// later stands. "PORTS", "PARAMETERS", "CONNECTIONS", "excluded_slaves" and "APERTURE" of one
+/// Duplicates. Of texts, ports, connections to one instance, parameters and whole instances the
+/// later one counts. "PORTS", "PARAMETERS", "CONNECTIONS", "excluded_slaves" and "APERTURE" of one
 /// object accumulate. Of "metadata", "slaves", "masters", "external_addressing" and the two members
 /// of a connection the first counts. Instances with one "SDKNAME" share one entry of the port and
 /// the parameter table, the last one read: slaves come before masters, each in file order.
 ///
-/// What has the wrong type. Where a text belongs, anything else reads as the empty text. Where an
+/// Wrong types. Where a text belongs, anything else reads as the empty text. Where an
 /// array or an object belongs, anything else counts as missing; in an array of objects or of texts
 /// an element of another type is passed over.
 ///
@@ -59,7 +59,7 @@ public:
                                              HWHInterfaceEnableTable& interfaceEnableTable);
 
     /// The same for metadata that may be split by cells: on the core and the devices that are made
-    /// so, "metadata" holds one object per cell, and the cell is what stands behind the first "_"
+    /// so, "metadata" holds one object per cell, and the cell is the part after the first "_"
     /// of `systemInfo["cell_name"]` (all of it without "_"). False if that cell is missing.
     /// Keys of `systemInfo` that are looked up and missing stay as empty entries.
     [[nodiscard]] bool
@@ -98,7 +98,7 @@ public:
 
     /// The parameters below the root's "component": objects are entered through "parameters" and
     /// "parameter", and each element of an array gives "name" the text under "string" of its
-    /// "value", which has to stand behind "name". False, with no report, for a file that can't be
+    /// "value", which must come after "name". False, with no report, for a file that can't be
     /// read or parsed or has no "component", and where the way down meets something other than an
     /// object or an array.
     [[nodiscard]] bool parseComponentParameters(const std::string& fileName,

@@ -17,8 +17,9 @@ ConnectivityFile read(const std::string& fileName, HWHTextMap& systemInfo,
     return ConnectivityFile(fileName, sink);
 }
 
-/// A file that lacks sections is no failure: the document shows what there is.
-const ConnectivityFile& ended(const ConnectivityFile& file) {
+/// Sends the exit line. A file that lacks sections isn't a failure: the document shows what there
+/// is.
+const ConnectivityFile& reportEndOf(const ConnectivityFile& file) {
     file.reportEnd();
     return file;
 }
@@ -28,7 +29,7 @@ const ConnectivityFile& ended(const ConnectivityFile& file) {
 Decision::Decision(const HWHTextMap& designParams, HWHTextMap& systemInfo,
                    const std::string& connectivityFile, const tq::DiagnosticSink& sink)
     : file(read(connectivityFile, systemInfo, sink)), design(designParams),
-      model(buildModel(ended(file), design, systemInfo[fact::kCoreName])) {
+      model(buildModel(reportEndOf(file), design, systemInfo[fact::kCoreName])) {
     if (!sink)
         return;
     checkShape(file, sink);

@@ -1,4 +1,4 @@
-// A handoff that is decided and not written yet.
+// A handoff whose document is decided and not yet written.
 #pragma once
 
 #include <string>

@@ -21,7 +21,7 @@ namespace hwh {
 [[nodiscard]] std::string scaledToHz(const std::string& megahertz);
 
 /// The words of a composite parameter, a list with or without braces around it, in pairs of a key
-/// and its value. One blank in front of a word is dropped, so that three blanks in a row make an
+/// and its value. One blank before a word is dropped, so that three blanks in a row make an
 /// empty word; a single word yields nothing, an odd last one is dropped. Of two equal keys the
 /// later counts.
 class CompositeWords {
@@ -31,7 +31,7 @@ public:
 
     [[nodiscard]] std::optional<std::string_view> find(std::string_view key) const;
     [[nodiscard]] std::size_t size() const { return m_pairs.size(); }
-    /// Of the pair with that number, in the order in which the keys came up.
+    /// Of the pair with that number, in the order of the keys' first occurrence.
     [[nodiscard]] std::string_view key(std::uint32_t number) const {
         return wordAt(m_pairs[number].key);
     }
@@ -71,12 +71,12 @@ enum class ValueSource : std::uint8_t {
     Composite, ///< a pair inside one of the design's composites
 };
 
-/// Answers names out of the caller's map, which has to outlive it and all that it gives.
+/// Resolves names with the caller's map, which must outlive it and all that it returns.
 ///
-/// A composite K yields only names that go on with "_" behind K, so the candidates for a name are
+/// A composite K yields only names that begin with K and "_", so the candidates for a name are
 /// found at the underscores of the name itself, and of these only where some composite's key is
-/// that long; their hashes come up while the name's own is taken. Each composite is parsed once,
-/// when it is first asked.
+/// that long; their hashes are intermediate values of the name's own. Each composite is parsed
+/// once, when it is first asked.
 class DesignParams {
 public:
     struct Value {

@@ -27,7 +27,7 @@ void addTo(HXMLWText& text, std::string_view key, std::string_view value) {
 
 void writeRange(HXMLWText& text, const InstanceFacts& slave) {
     text.start(element::kMemRange);
-    // The format adds "IS_DATA" again behind the instance; the first place counts.
+    // The format has "IS_DATA" again after the instance; an attribute keeps its first place.
     addTo(text, key::kIsData, slave.isData);
     addTo(text, key::kBasename, word::kBaseAddressName);
     addTo(text, key::kBasevalue, slave.baseAddress);
@@ -152,7 +152,7 @@ void DocumentWriter::writeSystemInfo(const DocumentFacts& facts) {
     m_text.end();
 }
 
-/// An interrupt number stays inside: at this level an "INTERRUPT" is a plain port.
+/// The interrupt number isn't written: at this level an "INTERRUPT" is a plain port.
 void DocumentWriter::writeExternalPort(const ExternalPort& port) {
     m_text.start(element::kPort);
     writePortAttributes(m_model.text(port.name),
@@ -220,7 +220,7 @@ void DocumentWriter::writePorts(const Module& module) {
     m_text.end();
 }
 
-/// The metadata has no bounds to hand on.
+/// The metadata has no bounds of vectors, so none are written.
 void DocumentWriter::writePortAttributes(std::string_view name, const Port& port) {
     add(key::kName, name);
     const std::string_view kind = m_model.text(port.signalKind);

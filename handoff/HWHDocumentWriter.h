@@ -9,7 +9,7 @@
 
 namespace hwh {
 
-/// What the head of the document says.
+/// The facts in the document's header.
 struct DocumentFacts {
     std::string productVersion;
     std::optional<std::string> timeStamp; ///< none where the tool's parameters leave it out

@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-/// All texts stand as the metadata spells them; a field that it lacks is empty.
+/// All texts are those of the metadata, unchanged; a field that it lacks is empty.
 struct HWHExternalAddressing {
     std::string ENPARAM;
     std::string VLNV;

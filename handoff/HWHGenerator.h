@@ -5,13 +5,13 @@
 
 #include "handoff/HWHTables.h"
 
-/// The road: read the file, build the model of the document, write it.
+/// Reads the file, builds the model of the document and writes it.
 class HWHGenerator {
 public:
     /// Both maps have to outlive the object.
     HWHGenerator(const HWHTextMap& designParams, HWHTextMap& systemInfo);
 
-    /// Does the whole work, once. After an exception `systemInfo` is as it was.
+    /// Runs all steps; to be called once. After an exception `systemInfo` is as it was.
     void generate(const std::string& connectivityFile, const std::string& outputFile);
 
 private:

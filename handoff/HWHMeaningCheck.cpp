@@ -314,7 +314,7 @@ std::string MeaningCheck::expectedModule(std::string_view name) {
     return m_modules.expected(name, "an SDKNAME, or the top");
 }
 
-/// Signals are told apart by "MODULE_PORT" alone.
+/// Two ports of one text "MODULE_PORT" have one signal, as signals are identified by that text.
 void MeaningCheck::checkNames() {
     NameTable joined;
     std::vector<std::uint32_t> first; // by joined name

@@ -1,5 +1,5 @@
-// What a handoff makes of a connectivity file that is in form but says something else than meant:
-// names that nothing has, ranges that collide, frequencies that can't be read.
+// Checks a well-formed connectivity file for likely mistakes: names of nothing, ranges that
+// overlap, frequencies that can't be read.
 #pragma once
 
 #include "diagnostics/Diagnostic.h"
@@ -11,9 +11,8 @@ namespace hwh {
 
 /// Reports warnings on what is in the document, one kind after the other:
 ///
-/// - "unknown-enable-parameter": the instance counts as enabled. "enable-value": so it does
-/// although
-///   the value looks like a no.
+/// - "unknown-enable-parameter": the instance counts as enabled. "enable-value": it does too,
+///   although the value looks like a no.
 /// - "unknown-excluded-slave", "unknown-entry" (of "external_addressing")
 /// - "missing-far-port": a connection to nothing. "ambiguous-port": two ports whose names join to
 ///   one, so that their nets do. "two-names": a net with two names.

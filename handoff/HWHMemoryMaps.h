@@ -37,7 +37,7 @@ private:
     NameTable m_table;                     ///< of the slaves; filled for the first excluded list
     std::deque<std::string> m_joinedNames; ///< with a die
     std::vector<Names> m_names;            ///< by slave
-    std::vector<std::uint32_t> m_marks;    ///< by name: the mark under which it was excluded last
+    std::vector<std::uint32_t> m_marks; ///< by name: the mark of the master that excluded it last
     std::uint32_t m_mark = 0;
     std::vector<std::uint32_t> m_reachable;
 };

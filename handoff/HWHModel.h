@@ -1,4 +1,4 @@
-// What a handoff document says, decided and ordered before a byte of it is written.
+// The contents of a handoff document, decided and ordered before anything is written.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace hwh {
 
-/// Behind a core's name: the instance that stands for the subsystem's outside.
+/// Suffix of a core's name: the instance that represents the subsystem's outside.
 inline constexpr const char* kTopSuffix = "_top";
 
 /// A run of entries in one of the model's lists.

@@ -18,7 +18,7 @@ using base::JsonNode;
 
 /// The core for which connections are read when the system has none.
 constexpr const char* kFallbackCoreName = "yrel";
-/// The core whose excluded lists tell the slaves of its several dies apart.
+/// The core with several dies, whose excluded lists distinguish slaves by die.
 constexpr const char* kCoreWithDies = "tovak";
 
 std::uint32_t countOf(std::size_t size) {
@@ -60,8 +60,8 @@ private:
     std::vector<bool> m_enabled;
 };
 
-/// What goes by the "SDKNAME" alone. Slaves are read ahead of masters, each in file order, and the
-/// last instance of a name decides.
+/// The properties that all instances of one "SDKNAME" share. Slaves are read before masters, each
+/// in file order, and the last instance of a name decides.
 struct ModuleName {
     std::uint32_t contentsNode = kNone;
     std::uint32_t excludingNode = kNone;
@@ -130,7 +130,7 @@ private:
     Model m_model;
     SignalNamer m_signals;
 
-    // Kept for their memory.
+    // Scratch memory, reused.
     NameSorter m_sorter;
     NameSorter m_portSorter; ///< its order is walked while connections are sorted
     std::vector<Found> m_found;

@@ -1,4 +1,4 @@
-// Names as numbers, and orders of names: what the tables of a handoff are made of.
+// Interning and sorting of names for the tables of a handoff.
 #pragma once
 
 #include <algorithm>
@@ -13,7 +13,7 @@
 
 namespace hwh {
 
-/// No number: what a look-up gives for something unknown.
+/// No number: returned by look-ups of unknown names.
 inline constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
 /// Hashing with open addressing, from something to its number. The owner keeps the things
@@ -85,8 +85,8 @@ private:
     std::size_t m_count = 0;
 };
 
-/// The hash of a text, taken byte by byte, so that the hashes of all its beginnings come up on the
-/// way to its own (FNV-1a).
+/// The hash of a text, taken byte by byte, so that the hashes of all its prefixes are intermediate
+/// values of its own (FNV-1a).
 class RollingHash {
 public:
     void add(char c) { m_state = (m_state ^ static_cast<unsigned char>(c)) * 0x100000001B3U; }
@@ -171,7 +171,7 @@ private:
     static constexpr std::size_t kFew = 64;
 
     struct Item {
-        std::uint64_t key = 0; ///< the eight bytes behind the shared ones
+        std::uint64_t key = 0; ///< the eight bytes after the shared prefix
         std::uint32_t number = 0;
     };
 
@@ -226,7 +226,7 @@ private:
         return shared.size();
     }
 
-    /// Zeros behind a short name: a tie is decided by the names themselves.
+    /// A short name is padded with zeros: a tie is decided by the names themselves.
     static std::uint64_t keyOf(std::string_view name) {
         std::uint64_t key = 0;
         for (std::size_t i = 0; i < sizeof key; ++i)

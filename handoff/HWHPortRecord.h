@@ -1,10 +1,10 @@
-// One port of a module, as the connectivity metadata tells it.
+// One port of a module in the connectivity metadata.
 #pragma once
 
 #include <map>
 #include <string>
 
-/// All texts stand as the metadata spells them; a field that it lacks is empty.
+/// All texts are those of the metadata, unchanged; a field that it lacks is empty.
 struct HWHPortRecord {
     std::string NAME;   ///< also the port's key in its map
     std::string DIR;    ///< direction

@@ -131,7 +131,8 @@ void RangeCheck::addRange(std::uint32_t slave) {
         m_ranges.push_back(range);
 }
 
-/// Each range is held against the one that reaches furthest among those that start before it.
+/// A sweep by start address: each range is compared with the one that reaches furthest among those
+/// that start before it, so the time is that of sorting.
 void RangeCheck::sweep(const Module& master, std::span<const std::uint32_t> reachable) {
     std::fill(m_isReached.begin(), m_isReached.end(), char{0});
     for (const std::uint32_t slave : reachable)

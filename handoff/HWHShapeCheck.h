@@ -15,8 +15,8 @@ namespace hwh {
 /// - "missing-sdkname", "shared-sdkname", "lost-contents": a module's ports and parameters are
 ///   those of the last instance of its "SDKNAME". An "_EXT" and an "_INT" instance may share one.
 /// - "missing-name", "missing-end", "reserved-key", "misplaced-key"
-/// - "unknown-key": a name that nobody reads, nearly one that is known and missing beside it. Other
-///   names may be anything.
+/// - "unknown-key": a name that isn't read but is close to a known one that is missing. Other names
+///   may be anything.
 /// - "letter-case": a value that counts only in capital letters
 ///
 /// The time grows with the file. `file` was read with a sink.

@@ -1,5 +1,5 @@
 // Names the signal on each port. There is no netlist: the first port of a net that is visited names
-// the signal, and the name spreads as far ends come up.
+// the signal, and each connection passes the name on to its far end.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace hwh {
 
-/// Ends of nets are told apart by the text "INSTANCE_PORT" alone: two ends whose names join to one
+/// Ends of nets are identified by the text "INSTANCE_PORT" alone: two ends whose names join to one
 /// text are the same end.
 class SignalNamer {
 public:
@@ -27,7 +27,7 @@ public:
     [[nodiscard]] std::uint32_t signalAtEndOf(std::uint32_t port);
 
 private:
-    /// The connection or the port that an end came up with first.
+    /// The connection or the port at which an end was met first.
     class Owner {
     public:
         static Owner port(std::uint32_t number) { return Owner(number << 1U | 1U); }

@@ -190,7 +190,7 @@ inline constexpr const char* kPort = "PORT";
 
 } // namespace hwh::member
 
-/// Kinds of signal that are told apart, exactly as spelt.
+/// Kinds of signal that are treated differently, exactly as spelt.
 namespace hwh::signal {
 
 inline constexpr const char* kClock = "CLK";

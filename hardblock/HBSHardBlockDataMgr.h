@@ -36,7 +36,7 @@
 /// empty, and a root that isn't an object holds nothing. Values nested
 /// deeper than 1000 levels are malformed.
 ///
-/// Hard blocks only grow in number and live, as the manager does, to the end of the process. Not
+/// Hard blocks are never removed; they and the manager exist until the process ends. Not
 /// guarded by locks: the first call must come from one thread alone, and so must changes.
 class TQ_EXPORT HBSHardBlockDataMgr {
 public:

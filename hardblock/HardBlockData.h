@@ -19,8 +19,8 @@ namespace hardblock {
 struct MetadataSource;
 
 /// Owns its interfaces and pins. The pointers that it gives are borrowed and stay valid as long as
-/// it lives. Names alone tie pins, interfaces and port maps together. Holds no lock: not to be
-/// changed from several threads at once.
+/// it lives. Pins, interfaces and port maps refer to each other by name only. Holds no lock: not to
+/// be changed from several threads at once.
 class TQ_EXPORT HardBlockData {
 public:
     /// By name.

@@ -14,10 +14,10 @@ namespace hardblock {
 
 struct MetadataSource;
 
-/// Owns its port maps; pointers to them stay valid as long as it lives. Iterators go in no defined
-/// order.
+/// Owns its port maps; pointers to them stay valid as long as it lives. The order of iteration is
+/// not defined.
 ///
-/// What the metadata says of parameters and port maps is read when it is first asked for, by any
+/// The parameters and port maps of the metadata are read when they are first needed, by any
 /// operation below that deals with them; operations on a const interface may run on several threads
 /// at once all the same. Exhausted memory raises `std::bad_alloc`, and the next call tries again.
 ///

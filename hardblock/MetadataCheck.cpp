@@ -28,7 +28,7 @@ std::string quoted(std::string_view text) {
     return '"' + std::string(text) + '"';
 }
 
-/// A whole text as a number; of any size, so that it can be told from what isn't one.
+/// A whole text as a number of any size, so that an overflow isn't taken for a text.
 std::optional<double> wholeNumber(std::string_view text) {
     double number = 0;
     const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);

@@ -1,4 +1,4 @@
-// What hard block metadata has that is passed over or hardly meant.
+// Checks hard block metadata for values that are ignored or are probably mistakes.
 #pragma once
 
 #include "base/JsonTape.h"

@@ -18,7 +18,7 @@ using HardBlocks = std::vector<std::unique_ptr<HardBlockData>>;
 /// whole; "@90-4@%s" with its full path is then the last message sent. What an exception interrupts
 /// keeps what was read until then.
 ///
-/// A sink is told of all that `checkMetadata` finds, in the file that `name` names, and why a file
+/// A sink receives all that `checkMetadata` finds, in the file that `name` names, and why a file
 /// can't be read ("unreadable-file", "malformed-json", errors both).
 bool readMetadataFile(const HUTFile& file, HardBlocks& hardBlocks, const std::string& name = {},
                       const tq::DiagnosticSink& sink = {});
@@ -27,9 +27,9 @@ bool readMetadataFile(const HUTFile& file, HardBlocks& hardBlocks, const std::st
 /// does a text beyond the limit of all readers. A stream that fails on its way to the end, as that
 /// of a damaged protected file does, adds nothing either, without a message.
 ///
-/// A value of an unsuitable type is skipped at any level (a hard block, interface or pin
-/// without an object for its body stays empty), with the
-/// message "@90-8@%s%s" of its type and key (the root's key is empty), and the reading goes on.
+/// A value of an unsuitable type is skipped at any level (a hard block, interface or pin without an
+/// object for its body stays empty), with the message "@90-8@%s%s" of its type and key (the root's
+/// key is empty), and the reading goes on.
 bool parseMetadataStream(std::istream& stream, HardBlocks& hardBlocks, const std::string& name = {},
                          const tq::DiagnosticSink& sink = {});
 

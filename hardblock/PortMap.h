@@ -28,8 +28,8 @@ struct TQ_EXPORT MappedPort {
 
 /// The mappings of one port, in order of insertion, as numbers for look-ups and as text.
 ///
-/// A range L:R is meant in descending form: the right number is its lower bound. -1 is the mark for
-/// "no range". Nothing is tested or merged; of overlapping mappings the first one added wins, and
+/// A range L:R is descending: the right number is its lower bound. -1 means "no range". Nothing is
+/// tested or merged; of overlapping mappings the first one added wins, and
 /// one whose right number exceeds its left number never matches.
 class TQ_EXPORT PortMap {
 public:

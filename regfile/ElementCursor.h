@@ -9,7 +9,7 @@
 
 namespace hbs::regfile {
 
-/// Starts in front of a node, which the first step delivers: the document's root, or the first
+/// Starts before a node, to which the first step leads: the document's root, or the first
 /// child of another cursor's node.
 class ElementCursor {
 public:

@@ -41,14 +41,14 @@ struct HBSRegFileStop {
 /// - Elements carry the prefix "spirit:", for any namespace.
 /// - Only the listed elements occur on the way to a register or among a register's
 ///   own elements. The first other element ends its level: it and what follows it there is left
-///   out, and the walk goes on one level up. A spirit:displayName ends its register; one in front
-///   of the registers loses the whole block.
+///   out, and the walk goes on one level up. A spirit:displayName ends its register; one
+///   before the registers loses the whole block.
 /// - In a spirit:memoryMap the name comes before the address blocks, in a spirit:addressBlock the
 ///   base address before the registers, in a spirit:register the name before all else. A later
 ///   one counts only for what follows it; what comes in a register before its name is ignored. A
 ///   second name in a register starts another register.
 /// - Register names are unique in the file: the first of a name wins.
-/// - Addresses are hexadecimal, with or without "0x"; digits in front of an "x" don't count. Of
+/// - Addresses are hexadecimal, with or without "0x"; digits before an "x" don't count. Of
 ///   a sum ("0x100 + 4") only the first term counts. Anything else counts as the all-ones value;
 ///   of more than 16 digits the last 16 count. The sum of base and offset keeps its low 32 bits.
 /// - spirit:access is "read-write", "read-only" or "write-only".

@@ -14,8 +14,8 @@ struct Place {
     XMLFileLoc column = 0;
 };
 
-/// Xerces tells the place where a start tag ends. So each hook keeps the end of its piece of the
-/// document: an element starts where the piece in front of it ends.
+/// Xerces reports where a start tag ends, not where it starts. So each hook records the end of its
+/// part of the document: an element starts where the part before it ends.
 class PlacedDomParser final : public xercesc::XercesDOMParser {
 public:
     explicit PlacedDomParser(xercesc::MemoryManager& memory)

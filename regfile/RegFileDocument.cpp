@@ -38,7 +38,7 @@ public:
                xercesc::MemoryManager& memory)
         : xercesc::InputSource(path.c_str(), &memory), m_content(content) {}
 
-    /// Null for a missing file, of which the parser tells in its own words.
+    /// Null for a missing file, which the parser reports with its own text.
     xercesc::BinInputStream* makeStream() const override {
         if (m_content.outcome == base::ReadOutcome::Missing)
             return nullptr;
@@ -51,7 +51,7 @@ private:
     const base::FileContent& m_content;
 };
 
-/// Names and paths in a fault must not make a line of their own, or steer a terminal.
+/// Names and paths in a message must not start a new line or control a terminal.
 std::string onOneLine(std::string text) {
     std::replace_if(
         text.begin(), text.end(),

@@ -18,7 +18,7 @@ namespace hbs::regfile {
 
 namespace {
 
-/// Memory for what lives as long as Xerces.
+/// Memory for objects that exist as long as Xerces does.
 class RuntimeMemory final : public xercesc::MemoryManager {
 public:
     /// Says whether the reserve may be used where the process has no memory left.
@@ -70,7 +70,7 @@ public:
 
 bool g_isBroken = false; ///< after a start that failed halfway
 
-/// Never destroyed: who ends Xerces at the end of the process needs both.
+/// Never destroyed: another user of Xerces may end it at exit, which needs both objects.
 template <class Object>
 Object& lasting() {
     alignas(Object) static std::array<char, sizeof(Object)> place;

@@ -17,7 +17,7 @@ namespace hbs::regfile {
 void startXerces();
 
 /// The memory of one parser, which has to outlive it. Raises `xercesc::OutOfMemoryException`, on
-/// which Xerces leaves half-made objects behind: they are freed with the memory.
+/// which Xerces abandons half-made objects: they are freed with the memory.
 class ParserMemory final : public xercesc::MemoryManager {
 public:
     ParserMemory() = default;

@@ -34,8 +34,8 @@ private:
 /// In the local code page; empty for what it can't hold.
 [[nodiscard]] std::string toText(const XMLCh* wide);
 
-/// Xerces tells most faults to its handler and throws nothing, so without this one a broken file
-/// would pass as good. Warnings are no faults.
+/// Xerces reports most faults to its handler and throws nothing, so without this one a broken file
+/// would be accepted. Warnings are ignored.
 class FaultHandler final : public xercesc::ErrorHandler {
 public:
     void warning(const xercesc::SAXParseException&) override {}
