@@ -80,7 +80,7 @@ public:
 
     /// `instance` is what a config left of `definition`. Both may be the same block. `config`,
     /// which may be null and must outlive the map, is the block that the instance was made by: it
-    /// tells the values of registers in blocks that were removed.
+    /// gives the values of registers in blocks that were removed.
     AddressMap(const HABMBlock& definition, const HABMBlock& instance,
                const HABMBlock* config = nullptr);
 

@@ -6,7 +6,7 @@
 
 namespace tq {
 
-/// The members that `addressMapJson` tells.
+/// Writes the members that `addressMapJson` describes.
 void writeMembers(JsonWriter& json, const AddressMap& map, bool withRegisters = false);
 
 } // namespace tq

@@ -41,6 +41,7 @@ public:
     };
     using Regions = IntervalIndex<Region>;
 
+    /// What one initiator sees.
     struct View {
         std::string from;                     ///< path of the block of the space, or the interface
         std::string path;                     ///< of the space; the interface
@@ -49,6 +50,7 @@ public:
         Regions regions;
     };
 
+    /// What lies at an address for one initiator.
     struct Match {
         const View* view = nullptr;
         const Regions::Interval* region = nullptr;
@@ -56,6 +58,7 @@ public:
         HABMAddrValue offset;              ///< of the address in the block
     };
 
+    /// `instance` is the one that the map was built from.
     AddressViews(const AddressMap& map, const HABMBlock& instance);
 
     /// The spaces in the order of the map, then the interfaces in theirs.

@@ -52,8 +52,8 @@ public:
     /// The block that HBSAddressing::createSubsystemInstance takes.
     [[nodiscard]] const HABMBlock& block() const { return *m_block; }
 
-    /// Creates the assigns on a subsystem that has none of their names. One with an end that isn't
-    /// there goes to nowhere, as it does where the config has switched that end off.
+    /// Creates the assigns on a subsystem that has none of their names. One with an end that
+    /// doesn't exist, or that the config has switched off, has no target.
     void addAssignsTo(HABMBlock& subsystem) const;
 
     /// Where the file has the offset of an assign, or the assign; empty if it isn't of the file.

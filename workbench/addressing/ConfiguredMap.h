@@ -33,10 +33,16 @@ public:
     ConfiguredMap(const ConfiguredMap&) = delete;
     ConfiguredMap& operator=(const ConfiguredMap&) = delete;
 
+    // The parts of the map, valid as long as this object.
+
+    /// As `HBSAddressing::createSubsystemDefinition` gives it.
     [[nodiscard]] const HABMBlock& definition() const { return *m_definition; }
+    /// The definition with the config and its assigns applied.
     [[nodiscard]] const HABMBlock& instance() const { return *m_instance; }
+    /// As read from the file at `configPath()`, which is empty for the config that changes nothing.
     [[nodiscard]] const AddressingConfig& config() const { return m_config; }
     [[nodiscard]] const std::string& configPath() const { return m_configPath; }
+    /// The addresses of `instance()`, and what each initiator sees at them.
     [[nodiscard]] const AddressMap& map() const { return *m_map; }
     [[nodiscard]] const AddressViews& views() const { return *m_views; }
     /// How the expressions of the definition were decided, in the order of deciding.

@@ -1,4 +1,4 @@
-// Hard block definitions compiled from their text tables, and what became of each row.
+// Hard block definitions compiled from their text tables, and which rows were used.
 #pragma once
 
 #include <memory>
@@ -12,7 +12,7 @@
 
 namespace tq {
 
-/// A compiled hard block, and what became of its tables.
+/// A compiled hard block, and how much of its tables was used.
 struct CompiledDefinition {
     std::string folder; ///< of the hard block: its tables are in its folder "data"
     std::unique_ptr<HABMBlock> block;
@@ -22,7 +22,7 @@ struct CompiledDefinition {
 };
 
 /// Compiles the tables of the hard block `name` below `directory`; the sink gets the library's
-/// findings (`HBSAddrParseUtil` tells which). Raises `InputError` if a table can't be read, or if
+/// findings (listed at `HBSAddrParseUtil`). Raises `InputError` if a table can't be read, or if
 /// there is none.
 [[nodiscard]] TQ_WORKBENCH_EXPORT CompiledDefinition compileDefinition(const std::string& directory,
                                                                        const std::string& name,

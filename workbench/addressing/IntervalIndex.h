@@ -25,6 +25,7 @@ public:
     };
 
     IntervalIndex() = default;
+    /// Takes the intervals in any order.
     explicit IntervalIndex(std::vector<Interval> intervals) : m_intervals(std::move(intervals)) {
         std::erase_if(m_intervals, [](const Interval& interval) {
             return !interval.first.isValid() || interval.last < interval.first;

@@ -49,10 +49,10 @@ struct CheckedMap {
 /// | other-version:BLOCK | error | a definition was found under another VLNV than asked |
 ///
 /// The names in an overlap are those at which the two paths differ: "overlap:uart0/uart1". Every
-/// pair of blocks that overlap is told once, up to 100,000 overlaps that initiators see; beyond
-/// these each block only with the one before it that reaches the furthest. A register is told once,
-/// with the one before it that reaches the furthest. One that is only read and one that is only
-/// written may share an address. The time is that of sorting, and of the pairs.
+/// pair of blocks that overlap is reported once, up to 100,000 overlaps that initiators see; beyond
+/// these each block only with the one before it that reaches the furthest. A register is reported
+/// once, with the one before it that reaches the furthest. One that is only read and one that is
+/// only written may share an address. The time is that of sorting, and of the pairs.
 TQ_WORKBENCH_EXPORT void checkMap(const CheckedMap& checked, const DiagnosticSink& sink);
 
 /// Takes the findings that a user doesn't want to see out of a stream of them.

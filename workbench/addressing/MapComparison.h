@@ -37,6 +37,7 @@ struct TQ_WORKBENCH_EXPORT MapDifference {
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::vector<MapDifference> compareMaps(const AddressMap& before,
                                                                          const AddressMap& after);
 
+/// A table of the differences; a sentence if there are none.
 TQ_WORKBENCH_EXPORT void printDifferences(std::ostream& out,
                                           const std::vector<MapDifference>& differences);
 /// One object with "differences": objects with "kind", "path", "before", "after" and "reason".

@@ -1,5 +1,5 @@
-// What people ask an address map: what lies at an address, where a register is, and why something
-// is on or off.
+// Queries of an address map: what lies at an address, where a register is, and why something is on
+// or off.
 #pragma once
 
 #include <iosfwd>
@@ -79,6 +79,7 @@ private:
 [[nodiscard]] TQ_WORKBENCH_EXPORT MapReason findReason(const ConfiguredMap& map,
                                                        const std::string& path);
 
+/// Prints the matches as a table, and a reason as sentences.
 TQ_WORKBENCH_EXPORT void printMatches(std::ostream& out, const ConfiguredMap& map,
                                       const std::vector<MapMatch>& matches);
 TQ_WORKBENCH_EXPORT void printReason(std::ostream& out, const MapReason& reason);

@@ -9,7 +9,7 @@
 
 namespace tq {
 
-/// The rule is told in `AddressMap`. Reads the assigns of an instance once; the instance isn't
+/// `AddressMap` documents the rule. Reads the assigns of an instance once; the instance isn't
 /// kept.
 class MemoryPlacement {
 public:

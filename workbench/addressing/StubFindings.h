@@ -1,4 +1,4 @@
-// Tells which parts of a subsystem are missing.
+// Reports the missing parts of a subsystem.
 #pragma once
 
 #include "blockmodel/HABM.h"
@@ -10,8 +10,8 @@ namespace tq {
 /// Reports each stub in `block` and below it, in the order of the tree, as an error: what its
 /// definition describes is missing from the subsystem. `HBSAddressing::createSubsystemDefinition`
 /// leaves such stubs without a message. The kinds are "recursive-definition" for a stub that names
-/// a definition around it, told by the name in the VLNV as definitions are looked up by it alone,
-/// and "unresolved-stub". Linear in the blocks, with the levels above each stub.
+/// a definition around it, by the name in the VLNV alone, as definitions are looked up by that
+/// name, and "unresolved-stub". Linear in the blocks, with the levels above each stub.
 TQ_WORKBENCH_EXPORT void reportStubs(const HABMBlock& block, const DiagnosticSink& sink);
 
 /// The same for one stub.

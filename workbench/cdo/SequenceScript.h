@@ -45,6 +45,7 @@ public:
     /// deleted, so that a second run starts anew.
     void run();
 
+    /// The commands in the order of the script, with their results after `run`.
     [[nodiscard]] const std::vector<Step>& steps() const { return m_steps; }
     /// How many steps failed in the last run.
     [[nodiscard]] std::size_t failures() const;

@@ -11,7 +11,9 @@
 
 namespace tq {
 
+/// The results of a batch of trees.
 struct ClockBatch {
+    /// The result of one tree.
     struct Line : ClockOutcome {
         std::string path;
         std::string error; ///< why the file can't be used; empty for a tree that was solved
@@ -25,6 +27,7 @@ struct ClockBatch {
     bool isInterrupted = false;
 };
 
+/// False also where nothing is at the path.
 [[nodiscard]] TQ_WORKBENCH_EXPORT bool isFolder(const std::string& path);
 
 /// The files of the list, and of its folders those that end in ".json", by name. Raises
@@ -32,9 +35,9 @@ struct ClockBatch {
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::vector<std::string>
 findTrees(const std::vector<std::string>& paths);
 
-/// Solves each tree as one thread does, several at once. A file that can't be used costs its own
-/// line only. `progress` may be null; else it gets a bar, rewritten in place, with the throughput
-/// and what is left. Sets "general.maxThreads" to 1. One batch at a time in the process.
+/// Solves each tree as one thread does, several at once. A file that can't be used becomes a
+/// line with an error. `progress` may be null; else it gets a bar, rewritten in place, with the
+/// throughput and what is left. Sets "general.maxThreads" to 1. One batch at a time in the process.
 [[nodiscard]] TQ_WORKBENCH_EXPORT ClockBatch runClockBatch(const std::vector<std::string>& paths,
                                                            std::ostream* progress = nullptr,
                                                            unsigned threads = 0);

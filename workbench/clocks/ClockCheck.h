@@ -11,6 +11,7 @@
 
 namespace tq {
 
+/// The outcome of a check.
 struct ClockCheck {
     DiagnosticList findings; ///< each broken rule is an error, with its number and its bound
     /// Sum of the relative errors of the enabled peripherals whose clock is known; a divider of
@@ -18,6 +19,7 @@ struct ClockCheck {
     double sum = 0.0;
     std::optional<double> bestSum; ///< of the solver's own answer, once added
 
+    /// Whether the setting keeps to all rules.
     [[nodiscard]] bool holds() const { return !findings.hasErrors(); }
 };
 

@@ -25,6 +25,7 @@ struct ClockConflict {
     std::vector<Without> members; ///< as declared
 };
 
+/// The minimal conflicting sets of a tree.
 struct ClockConflicts {
     std::vector<ClockConflict> sets; ///< the smallest first, then as declared
     bool isComplete = true;          ///< false where there may be more

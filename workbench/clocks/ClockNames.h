@@ -9,7 +9,7 @@
 namespace tq {
 
 /// Position of the PLL of that name among all, in the order of the file. Raises `InputError`, which
-/// begins with `context`, for a name that the tree hasn't got.
+/// begins with `context`, for a name that the tree doesn't have.
 [[nodiscard]] std::size_t findPll(const ClockTree& tree, std::string_view name,
                                   const std::string& context);
 /// Position of the peripheral of that name, likewise.

@@ -10,7 +10,7 @@
 namespace tq {
 
 /// A self-contained HTML page: nothing is loaded. It holds the tree's picture, a table that sorts
-/// and filters, and the conflicts and alternatives of the report; pointing at a PLL lights up what
+/// and filters, and the conflicts and alternatives of the report; pointing at a PLL highlights what
 /// it feeds. Follows the browser's light or dark scheme, and prints without its controls.
 TQ_WORKBENCH_EXPORT void printClockPage(const ClockReport& report, float referenceMhz,
                                         const std::string& title, std::ostream& out);

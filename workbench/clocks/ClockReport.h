@@ -19,7 +19,9 @@ struct GivenClock {
     std::optional<double> errorPercent; ///< signed; none for a request of 0
 };
 
+/// A run's result by the names of the tree, in plain values. Frequencies are in MHz.
 struct ClockReport {
+    /// A PLL as the run set it.
     struct Pll {
         std::string name;
         std::string domain;
@@ -28,6 +30,7 @@ struct ClockReport {
         unsigned crossDivider = 0; ///< 0 means none
         double mhz = 0.0;
     };
+    /// A request and the clock that it got.
     struct Peripheral {
         ClockTree::Peripheral request;
         std::string pll;
@@ -52,7 +55,7 @@ struct ClockReport {
         };
         std::vector<Without> members;
     };
-    /// How many enabled requests are met how well, whatever their dividers; each counts once.
+    /// The enabled requests by how well they are met, whatever their dividers; each counts once.
     struct Summary {
         unsigned exact = 0; ///< as far as single precision can tell: within 0.1 ppm
         unsigned within10ppm = 0;
@@ -106,6 +109,7 @@ struct ClockReport {
     bool hasMoreConflicts = false;         ///< whether there may be more than these
     std::vector<Alternative> alternatives; ///< the answer first; empty unless asked for
 
+    /// Counts the enabled peripherals of a report with a solution.
     [[nodiscard]] TQ_WORKBENCH_EXPORT Summary summary() const;
 };
 

@@ -1,4 +1,4 @@
-// One tree solved on its own: what the solver found, and what it said.
+// One tree solved on its own: the solver with its result, and the lines that it printed.
 #pragma once
 
 #include <memory>
@@ -33,6 +33,7 @@ private:
 /// The complaint of the tree's solver about the shape of the tree, or an empty text.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string faultOfClockTree(const ClockTree& tree);
 
+/// A solved tree, or one without a solution, and what the solver printed.
 struct ClockRun {
     std::unique_ptr<hbs_clocking::HBSClockingAlgo> solver; ///< after its run
     std::vector<std::string> said;                         ///< each line once

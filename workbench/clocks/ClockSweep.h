@@ -1,4 +1,4 @@
-// What if: a tree solved once for each of several values of one of its numbers.
+// Sweeps: a tree solved once for each of several values of one of its numbers.
 #pragma once
 
 #include <iosfwd>
@@ -29,6 +29,7 @@ struct ClockSweep {
 [[nodiscard]] TQ_WORKBENCH_EXPORT ClockSweep readClockSweep(const ClockTree& tree,
                                                             const std::string& text);
 
+/// The answer for one value of a sweep.
 struct SweepPoint : ClockOutcome {
     double value = 0.0;
 };

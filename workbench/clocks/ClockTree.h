@@ -37,7 +37,7 @@ struct ClockTree {
     /// A PLL of a domain.
     struct Pll {
         std::string name;       ///< unique in the tree
-        float maxMhz = 2000.0F; ///< in front of the dividers of peripherals
+        float maxMhz = 2000.0F; ///< before the dividers of peripherals
         bool noc = false;       ///< a mark that no solver reads
     };
     /// A power domain with its PLLs, in file order.
@@ -67,7 +67,7 @@ struct ClockTree {
 /// Raises `InputError` with the place of what can't be used.
 [[nodiscard]] TQ_WORKBENCH_EXPORT ClockTree readClockTree(const JsonFile& file);
 
-/// Called with the tolerance when a search of four or six PLLs goes on to a step.
+/// Called with the tolerance when a search of four or six PLLs begins a step.
 using StepObserver = std::function<void(float)>;
 
 /// The solver of the tree's kind, with all that the tree holds. Lists keep their order.

@@ -1,5 +1,5 @@
-// Which clocks come to which domain of a tree. Written apart from the solvers, for what is held
-// against them.
+// Which clocks reach which domain of a tree. Independent of the solvers, for the checks of their
+// results.
 #pragma once
 
 #include <cstddef>

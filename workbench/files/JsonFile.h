@@ -1,4 +1,4 @@
-// JSON files written by people, kept with the places of their values, so that a complaint can name
+// JSON files written by people, kept with the places of their values, so that an error can name
 // file, line and column.
 #pragma once
 

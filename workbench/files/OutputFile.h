@@ -19,7 +19,7 @@ TQ_WORKBENCH_EXPORT void refuseInput(const std::string& output,
 
 /// Writes a whole text or raises `InputError`; the file that was there before stays then. What
 /// isn't a file, such as a FIFO or /dev/stdout, is written to directly. "-" is the standard output;
-/// an empty path, of an output that nobody asked for, is passed over.
+/// an empty path means no output.
 TQ_WORKBENCH_EXPORT void writeOutput(const std::string& path, std::string_view text);
 
 } // namespace tq

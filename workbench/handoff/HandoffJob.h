@@ -27,9 +27,9 @@ struct HandoffJob {
     bool split = false;
 };
 
-/// Raises `InputError` with the place of what can't be used. A sink is told of what counts but was
-/// hardly meant: names given twice, facts of the system that are misspelt, composites of the design
-/// with a word too many.
+/// Raises `InputError` with the place of what can't be used. A sink receives what is accepted but
+/// is probably a mistake: names given twice, facts of the system that are misspelt, composites of
+/// the design with a word too many.
 [[nodiscard]] TQ_WORKBENCH_EXPORT HandoffJob readHandoffJob(const std::string& path,
                                                             const DiagnosticSink& sink = {});
 

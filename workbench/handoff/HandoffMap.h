@@ -48,7 +48,7 @@ handoffMaps(const HBSHandoff& handoff, const std::string& master = {});
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string handoffMapJson(const std::vector<HandoffMap>& maps);
 
 /// The maps in one, for exports: each slave that a master reaches, once. Of the inside and the
-/// outside of a piece with one range there is one block. The sink is told of ranges that have no
+/// outside of a piece with one range there is one block. The sink receives ranges that have no
 /// place ("not-exported").
 [[nodiscard]] TQ_WORKBENCH_EXPORT MapModel handoffMapModel(const std::vector<HandoffMap>& maps,
                                                            const std::string& name,

@@ -25,7 +25,7 @@ struct HandoffNet {
         std::vector<std::string> connects; ///< ends that it lists, "MODULE.PORT"
     };
 
-    std::vector<std::string> names; ///< of signals, in the order in which they came up
+    std::vector<std::string> names; ///< of signals, in the order of their first occurrence
     std::vector<End> ends;          ///< in document order, then outer ports, then missing ends
 };
 

@@ -1,4 +1,4 @@
-// What a person wants to know of a handoff: its counts, and what looks wrong in it.
+// A summary of a handoff for people: counts, and what looks wrong in it.
 #pragma once
 
 #include <cstddef>
@@ -18,7 +18,7 @@ struct HandoffReport {
         std::string name;
         std::size_t ranges = 0;
     };
-    /// Something the library passes over in silence.
+    /// A finding of the connectivity metadata.
     struct Warning {
         std::string kind; ///< the identifier of the finding, with blanks: "missing far port"
         std::string text;
@@ -36,7 +36,7 @@ struct HandoffReport {
     std::vector<Warning> warnings; ///< in the order of the findings
 };
 
-/// `findings` are those that came up when the handoff was decided. Missing sections are no warnings
+/// `findings` are those of deciding the handoff. Missing sections are no warnings
 /// but show in `isComplete`.
 [[nodiscard]] TQ_WORKBENCH_EXPORT HandoffReport
 reportHandoff(const HBSHandoff& handoff, const std::string& document,

@@ -10,8 +10,8 @@
 
 namespace tq {
 
-/// The hard blocks of one metadata file, in file order. They live to the end of the process, as the
-/// library's manager keeps them. The sink gets the findings of the manager, whose messages aren't
+/// The hard blocks of one metadata file, in file order. The library's manager keeps them until the
+/// process ends. The sink gets the findings of the manager, whose messages aren't
 /// shown. Raises `InputError` for a file that isn't hard block metadata, with the place where it
 /// isn't JSON.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::vector<hardblock::HardBlockData*>
@@ -31,13 +31,13 @@ hardBlockListJson(const std::vector<hardblock::HardBlockData*>& blocks);
 /// The same as one JSON object.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string hardBlockJson(hardblock::HardBlockData& block);
 
-/// The interfaces with their logical ports and the physical pins behind them, each level indented.
+/// The interfaces with their logical ports and the physical pins of these, each level indented.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string hardBlockTree(hardblock::HardBlockData& block);
 
 /// The same as one JSON object.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string hardBlockTreeJson(hardblock::HardBlockData& block);
 
-/// The physical pins behind an interface's port, or some bits of it.
+/// The physical pins of an interface's port, or of some bits of it.
 struct PortAnswer {
     /// Bits of the port and the pins that they are mapped to, in the order asked for; neighbours
     /// are joined: "A[7:4]" and "x[3:0]".
@@ -49,6 +49,7 @@ struct PortAnswer {
     std::vector<Mapping> mappings;
     std::string problem; ///< which bits have no pin; empty if all have
 
+    /// Whether every bit has a pin.
     [[nodiscard]] bool isWhole() const { return problem.empty(); }
 };
 

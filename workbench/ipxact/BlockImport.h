@@ -15,7 +15,7 @@
 
 namespace tq::ipxact {
 
-/// What became of a file.
+/// Counts of what was imported from a file.
 struct ImportSummary {
     std::size_t memoryMaps = 0;
     std::size_t blocks = 0;
@@ -23,7 +23,7 @@ struct ImportSummary {
     std::size_t interfaces = 0;
     std::size_t instances = 0;
     std::size_t connections = 0;
-    std::size_t left = 0; ///< objects that the block model hasn't got a place for, each a finding
+    std::size_t left = 0; ///< objects that have no place in the block model, each a finding
 };
 
 /// A component as a definition: memory maps with address blocks and registers (banks, arrays and
@@ -43,15 +43,16 @@ importDesign(const Design& design, ImportSummary& summary, const DiagnosticSink&
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::map<std::string, std::string>
 definitionTexts(const HABMBlock& block);
 
+/// Where and how `importFile` writes.
+struct ImportOptions {
+    std::string area;                   ///< the data area
+    std::vector<std::string> libraries; ///< folders of the components of designs
+    bool asTables = false;              ///< text tables instead of a compiled definition
+};
 /// Reads a file, a component, device or design, and writes its definition below a data area:
-/// AREA/mirrel/hardblocks/NAME/NAME.bmj, or, with `asTables`, the tables in NAME/data. Gives the
+/// AREA/mirrel/hardblocks/NAME/NAME.bmj, or, with `asTables`, the tables in NAME/data. Returns the
 /// path of what was written. Raises `InputError` for a file that can't be read or written, and for
 /// a design as tables.
-struct ImportOptions {
-    std::string area;
-    std::vector<std::string> libraries;
-    bool asTables = false;
-};
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string importFile(const std::string& path,
                                                          const ImportOptions& options,
                                                          ImportSummary& summary,

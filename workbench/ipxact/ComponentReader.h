@@ -18,7 +18,7 @@ namespace tq::ipxact {
 using TreeLookup = std::function<std::shared_ptr<const ElementTree>(const Vlnv&)>;
 
 /// Reads a component with the values that its parameters have, or get from `overrides`. Elements
-/// that the standard hasn't got, values that can't be computed and references to nothing are
+/// that the standard doesn't have, values that can't be computed and references to nothing are
 /// findings; reading goes on. Raises `InputError` where the root isn't a component.
 [[nodiscard]] Component readComponent(const ElementTree& tree, const Overrides& overrides,
                                       const TreeLookup& lookup, const DiagnosticSink& sink);

@@ -44,6 +44,8 @@ struct Connection {
     std::string file;
 };
 
+/// A design with all levels below it, flat: instances and connections refer to one another by
+/// index.
 struct Design {
     std::string file;
     Vlnv vlnv;

@@ -19,17 +19,19 @@ struct SeenBlock {
     const MemoryItem* source = nullptr;
 };
 
+/// What one initiator sees.
 struct SeenSpace {
     std::string name;              ///< instance and interface: "cpu0/M_AXI"
     std::string addressSpace;      ///< empty where the interface has none
     std::vector<SeenBlock> blocks; ///< by start, unknown ones last
 };
 
-/// Computes what the initiators of a design see; interfaces behind a bridge are on the way and
-/// aren't listed themselves, nor are those without an address space that see nothing.
+/// Computes what the initiators of a design see; interfaces on the far side of a bridge are
+/// on the way and aren't listed themselves, nor are those without an address space that see
+/// nothing.
 ///
 /// From the target up: a block lies at its base address in its memory map; a remap address of a
-/// mirrored target is added, and its range, where it isn't 0, cuts off what lies behind it; a
+/// mirrored target is added, and its range, where it isn't 0, cuts off what lies beyond it; a
 /// subspace map shows an address space (or a segment of it) at its base address; an initiator's
 /// base address is added on the way into its address space. Where an interface is wider than the
 /// one below it, and neither steers bits, each word of the narrow one takes a word of the wide one,

@@ -126,7 +126,7 @@ private:
 
     struct Node {
         std::uint32_t name = 0;
-        std::uint32_t child = 0; ///< 0 for none, as the root is nobody's child
+        std::uint32_t child = 0; ///< 0 for none, as the root is never a child
         std::uint32_t next = 0;
         std::uint32_t text = 0; ///< offset into the texts
         std::uint32_t textSize = 0;

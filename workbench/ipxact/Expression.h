@@ -30,7 +30,9 @@ struct TQ_WORKBENCH_EXPORT Value {
 
     std::variant<Integer, double, std::string, std::vector<Value>> content;
 
+    /// A signed number of 64 bits.
     [[nodiscard]] static Value ofInteger(Int128 number) { return {Integer{number, 64, true}}; }
+    /// A text.
     [[nodiscard]] static Value ofText(std::string_view text) { return {std::string(text)}; }
 
     /// A whole number, also of a real one without a fraction; absent for anything else.
@@ -51,7 +53,7 @@ enum class ExpressionLanguage {
     XPath,         ///< up to 2009: `id('width') * spirit:pow(2, 3)`
 };
 
-/// Gives the value behind a name (SystemVerilog) or an id (XPath); raises `ExpressionError`.
+/// Gives the value of a name (SystemVerilog) or an id (XPath); raises `ExpressionError`.
 using NameLookup = std::function<Value(std::string_view)>;
 
 /// Computes an expression.

@@ -15,7 +15,7 @@
 
 namespace tq::ipxact {
 
-/// Reports elements that the standard hasn't got at their place.
+/// Reports elements that the standard doesn't allow at their place.
 class UnknownElements {
 public:
     UnknownElements(DiagnosticSink sink, std::size_t& leftOut)
@@ -97,7 +97,7 @@ private:
     static bool readFlag(Element element);
     std::string readModes(Element element) const;
 
-    /// Reads the definition that `element` refers to, in front of its own content.
+    /// Reads the definition that `element` refers to, before its own content.
     template <class Read>
     void readDefinition(Element element, std::string_view reference, Read read);
 
@@ -108,7 +108,7 @@ private:
     int m_levels = 0;
 };
 
-/// How the ids of fields begin that stand for a register without fields.
+/// Prefix of the ids of fields that represent a register without fields.
 inline constexpr std::string_view kWholeRegister = "whole-register-";
 
 /// Of an element.

@@ -31,12 +31,12 @@ public:
     Parameters(const ElementTree& tree, Edition edition, const Overrides& overrides,
                DiagnosticSink sink);
 
-    /// The value that an element's text stands for; absent, with a finding, where there is none.
+    /// The value of an element's text; absent, with a finding, where there is none.
     /// Without an element it is absent without a finding.
     [[nodiscard]] std::optional<Value> value(Element element);
     /// The same for a whole number.
     [[nodiscard]] std::optional<Int128> integer(Element element);
-    /// What a text stands for that isn't an element's own. Raises `ExpressionError`.
+    /// The value of a text that isn't an element's own. Raises `ExpressionError`.
     [[nodiscard]] Value computeText(std::string_view text);
     /// A text such as "on" that may come from a parameter; the element's text where it isn't one.
     [[nodiscard]] std::string text(Element element);

@@ -56,6 +56,7 @@ struct Summary {
     std::size_t leftOut = 0;
 };
 
+/// Counts the objects of a component.
 [[nodiscard]] TQ_WORKBENCH_EXPORT Summary summaryOf(const Component& component);
 /// One line: "2 memory maps, 3 address blocks, 40 registers, 97 fields; 2 elements passed over".
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string summaryText(const Summary& summary);

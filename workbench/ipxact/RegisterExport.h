@@ -1,4 +1,4 @@
-// Register descriptions handed over to other tools.
+// Exports of register descriptions for other tools.
 #pragma once
 
 #include <string>

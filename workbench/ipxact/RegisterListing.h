@@ -12,6 +12,7 @@
 
 namespace tq::ipxact {
 
+/// A field of a listed register. Numbers are in bits.
 struct ListedField {
     std::string name;
     Number bitOffset;
@@ -21,6 +22,7 @@ struct ListedField {
     const Field* source = nullptr;
 };
 
+/// A register, or one element of an array of them.
 struct ListedRegister {
     std::string path; ///< map, block, register files and register, with "/" between
     std::string name; ///< the last part of it: "DATA[3]"
@@ -33,13 +35,13 @@ struct ListedRegister {
     const Register* source = nullptr;
 };
 
-/// Behind the first elements of arrays, as a few bytes can stand for billions of them.
+/// Bound of the elements after the first ones of arrays, as a few bytes can describe billions.
 inline constexpr std::size_t kMostUnrolled = 250'000;
 
-/// Calls `visit` for each register, alternates behind theirs, in the order of the file: memory maps
+/// Calls `visit` for each register, alternates after theirs, in the order of the file: memory maps
 /// with their remaps, then local maps of address spaces. The component must outlive what the
-/// entries point to. An array of unknown length counts as one element. Gives false where arrays
-/// stand for more than `kMostUnrolled` further registers and fields, and were cut short.
+/// entries point to. An array of unknown length counts as one element. Returns false where arrays
+/// have more than `kMostUnrolled` further registers and fields, and were cut short.
 TQ_WORKBENCH_EXPORT bool forEachRegister(const Component& component,
                                          const std::function<void(const ListedRegister&)>& visit);
 

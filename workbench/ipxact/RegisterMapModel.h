@@ -10,7 +10,7 @@ namespace tq::ipxact {
 
 /// Each address block with its registers, arrays unrolled, in bytes. Names of registers in register
 /// files hold those of the files, with "_" between. What is unknown or needs more than 64 bits is
-/// left out and told as "not-exported", as are registers that are there in some modes only.
+/// left out and reported as "not-exported", as are registers that are there in some modes only.
 [[nodiscard]] TQ_WORKBENCH_EXPORT MapModel mapModelOf(const Component& component,
                                                       const DiagnosticSink& sink);
 

@@ -34,6 +34,7 @@ struct Mark {
     std::uint32_t column = 0;
 };
 
+/// How software may use a register or a field.
 enum class Access : std::uint8_t {
     Unset, ///< that of what lies around it
     ReadWrite,
@@ -60,12 +61,14 @@ struct Array {
     Number stride; ///< in address units, of fields in bits; absent for elements side by side
 };
 
+/// What one kind of reset sets a register or a field to.
 struct Reset {
     std::string type; ///< empty for the default, a hard reset
     Number value;
     Number mask; ///< bits that the reset sets; absent for all
 };
 
+/// A named value of a field.
 struct EnumeratedValue {
     std::string name;
     std::string description;
@@ -73,6 +76,7 @@ struct EnumeratedValue {
     std::string usage; ///< "read", "write" or "read-write"; empty for the last
 };
 
+/// A field of a register; offset and width are in bits.
 struct Field {
     std::string name;
     std::string description;
@@ -121,10 +125,10 @@ struct MemoryItem {
     Number base;       ///< in address units of the map; absent inside a bank
     Number range;      ///< of a block, in address units
     Number width;      ///< of a block, in bits
-    std::string usage; ///< "memory", "register" or "reserved"; empty where it isn't told
+    std::string usage; ///< "memory", "register" or "reserved"; empty where it isn't given
     Access access = Access::Unset;
     bool isVolatile = false;
-    bool isParallel = false; ///< of a bank: items lie beside one another, not behind
+    bool isParallel = false; ///< of a bank: items lie side by side, not one after another
     std::vector<MemoryItem> items;
     std::vector<Register> registers;
     std::string initiator; ///< of a subspace: the interface whose address space is seen
@@ -140,6 +144,7 @@ struct MemoryRemap {
     Mark mark;
 };
 
+/// A memory map of a component.
 struct MemoryMap {
     std::string name;
     std::string description;
@@ -149,6 +154,7 @@ struct MemoryMap {
     Mark mark;
 };
 
+/// A named part of an address space.
 struct Segment {
     std::string name;
     Number offset; ///< in address units of the space
@@ -156,6 +162,7 @@ struct Segment {
     Mark mark;
 };
 
+/// What an initiator of a component can address.
 struct AddressSpace {
     std::string name;
     Number range; ///< in address units
@@ -166,6 +173,7 @@ struct AddressSpace {
     Mark mark;
 };
 
+/// The role of an interface on its bus.
 enum class InterfaceMode : std::uint8_t {
     Unknown,
     Initiator,
@@ -180,8 +188,10 @@ enum class InterfaceMode : std::uint8_t {
 /// "initiator", "mirrored target", …
 [[nodiscard]] TQ_WORKBENCH_EXPORT const char* modeName(InterfaceMode mode);
 
+/// From a target interface through the component to one of its initiators. An opaque bridge shows
+/// only what the target's memory map shows.
 struct Bridge {
-    std::string initiator; ///< the interface behind the bridge
+    std::string initiator; ///< the interface on the bridge's other side
     bool isOpaque = false;
     Mark mark;
 };
@@ -201,6 +211,7 @@ struct PortMap {
     Number physicalLeft, physicalRight;
 };
 
+/// An interface of a component to a bus.
 struct BusInterface {
     std::string name;
     InterfaceMode mode = InterfaceMode::Unknown;
@@ -217,12 +228,14 @@ struct BusInterface {
     Mark mark;
 };
 
+/// Mirrored interfaces of a component that it connects to one another.
 struct Channel {
     std::string name;
     std::vector<std::string> interfaces;
     Mark mark;
 };
 
+/// A physical port of a component.
 struct Port {
     std::string name;
     std::string direction; ///< "in", "out", "inout", "phantom"; empty for a transactional one
@@ -230,6 +243,7 @@ struct Port {
     Mark mark;
 };
 
+/// A parameter with its computed value; absent where it can't be computed.
 struct ParameterValue {
     std::string name;
     std::string id;
@@ -244,6 +258,7 @@ struct Hierarchy {
     Mark mark;
 };
 
+/// A component, or a device read as one.
 struct Component {
     std::string file;
     Vlnv vlnv;

@@ -1,4 +1,4 @@
-// Pages for browsers that need nothing but themselves.
+// Self-contained pages for browsers.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace tq {
 
-/// What a page is made of. `style` and `script` are the library's own text; `data` is a JSON text
+/// The parts of a page. `style` and `script` are the library's own text; `data` is a JSON text
 /// that the script finds as `DATA`, and may hold any names.
 struct TQ_WORKBENCH_EXPORT PageParts {
     std::string title;

@@ -11,7 +11,7 @@
 
 namespace tq {
 
-/// What was found in a file.
+/// The registers of a file, and the places where the reader stopped.
 struct RegisterList {
     std::unique_ptr<hbs::HBSRegistersMap> map;
     std::vector<const hbs::HBSRegister*> registers; ///< of the map, in file order

@@ -1,4 +1,4 @@
-// What a person asks of the address map of a hard block subsystem, with all options in one place.
+// A question about the address map of a hard block subsystem, with all its options.
 #pragma once
 
 #include <memory>

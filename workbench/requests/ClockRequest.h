@@ -1,4 +1,4 @@
-// What a person asks of clock tree files, with all options in one place.
+// A question about clock tree files, with all its options.
 #pragma once
 
 #include <string>
@@ -26,6 +26,7 @@ struct TQ_WORKBENCH_EXPORT ClockRequest {
     std::vector<std::string> weights; ///< see `addWeight`
     std::vector<std::string> exports; ///< files, by their endings
 
+    /// Whether the paths are several trees or a folder.
     [[nodiscard]] bool isBatch() const;
     /// Reads, solves, prints and writes. Outputs are checked before anything is solved. Raises
     /// `InputError`.

@@ -1,4 +1,4 @@
-// Where a request says what it found.
+// Where a request prints its result, and how it ended.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// What a person asks of a hardware handoff, with all options in one place.
+// A question about a hardware handoff, with all its options.
 #pragma once
 
 #include <string>

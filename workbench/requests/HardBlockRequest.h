@@ -1,4 +1,4 @@
-// What a person asks of a file of hard block metadata, with all options in one place.
+// A question about a file of hard block metadata, with all its options.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace tq {
 
-/// Lists the hard blocks of a file, or shows one: all of it, its tree or the pins behind a port.
+/// Lists the hard blocks of a file, or shows one: all of it, its tree or the pins of a port.
 struct TQ_WORKBENCH_EXPORT HardBlockRequest {
     std::string file;
     std::string name; ///< of the block; empty: all are listed

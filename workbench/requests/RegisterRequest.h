@@ -1,4 +1,4 @@
-// What a person asks of a register description file, with all options in one place.
+// A question about a register description file, with all its options.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// Streams that put texts together and take them apart.
+// Streams that write and parse texts.
 #pragma once
 
 #include <sstream>
@@ -6,8 +6,8 @@
 
 namespace tq {
 
-// Both raise `std::bad_alloc` where memory runs out. Without its exceptions on, a stream takes that
-// for its end or cuts the text short.
+// Both raise `std::bad_alloc` where memory runs out. With its exceptions off, a stream
+// would treat that as its end or cut the text short.
 
 class TextStream : public std::ostringstream {
 public:

@@ -11,8 +11,8 @@
 namespace tq {
 
 /// All blocks of the map at their own addresses, in its order, with their registers unless
-/// `withRegisters` is false. What needs more than 64 bits is left out, and told as
-/// "not-exported".
+/// `withRegisters` is false. What needs more than 64 bits is left out, and
+/// reported as "not-exported".
 [[nodiscard]] TQ_WORKBENCH_EXPORT MapModel mapModelOf(const AddressMap& map,
                                                       const std::string& name,
                                                       bool withRegisters = true,

@@ -1,4 +1,4 @@
-// Address maps handed over to other tools.
+// Exports of address maps for other tools.
 #pragma once
 
 #include <optional>
@@ -11,6 +11,7 @@
 
 namespace tq {
 
+/// The formats, by the endings of their files.
 enum class MapFormat {
     CHeader,      ///< ".h": macros, for C11 and C++17
     LinkerScript, ///< ".ld": a MEMORY command with each memory, and a symbol for each register
@@ -29,9 +30,9 @@ enum class MapFormat {
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string mapFormatEndings();
 
 /// The whole file. Blocks and registers are written in the order of their addresses. Names are made
-/// legal in the format: of a block the path without the part in front of the last ("uart0/map/regs"
-/// is UART0_REGS), unless another block has that name. The sink gets remarks: names that fall
-/// together ("name-clash") and what the format can't hold ("not-exported"). Blocks that are
+/// legal in the format: of a block the path without the part before the last ("uart0/map/regs"
+/// is UART0_REGS), unless another block has that name. The sink gets remarks: names that become
+/// equal ("name-clash") and what the format can't hold ("not-exported"). Blocks that are
 /// switched off are written where a format can mark them (devicetree, CSV, Markdown). Linear in the
 /// model, with a logarithm for sorting.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string exportMap(const MapModel& model, MapFormat format,

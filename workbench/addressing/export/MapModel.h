@@ -8,7 +8,9 @@
 
 namespace tq {
 
+/// How software may use a register or a field.
 enum class MapAccess : std::uint8_t { ReadWrite, ReadOnly, WriteOnly };
+/// What a range of addresses holds.
 enum class MapUsage : std::uint8_t { Register, Memory, Reserved };
 
 /// Bits of a register.
@@ -20,6 +22,7 @@ struct MapField {
     MapAccess access = MapAccess::ReadWrite;
 };
 
+/// A register of a block.
 struct MapRegister {
     std::string name;
     std::string description;

@@ -1,4 +1,4 @@
-// Solved clock trees handed over to other tools.
+// Exports of solved clock trees for other tools.
 #pragma once
 
 #include <optional>
@@ -11,6 +11,7 @@
 
 namespace tq {
 
+/// The formats, by the endings of their files.
 enum class ClockFormat {
     Devicetree,  ///< ".dts", ".dtsi": fixed-factor clocks, and consumers with assigned rates
     Constraints, ///< ".sdc": a clock for the reference, generated clocks with exact ratios
@@ -26,7 +27,7 @@ enum class ClockFormat {
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string clockFormatEndings();
 
 /// The whole file, of a report with a solution. Frequencies in Hz are rounded to whole ones. Names
-/// are made legal in the format; the sink gets a remark for names that fall together then
+/// are made legal in the format; the sink gets a remark for names that become equal
 /// ("name-clash"). Disabled peripherals are left out. Raises `InputError` where a PLL's output
 /// divider is 0, as that of a NOC clock beyond every PLL is.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string exportClocks(const ClockReport& report,
