@@ -55,6 +55,7 @@ constexpr unsigned kTimingMask = 0x4000000;
     // A count below 1 makes no sense; it is taken as 1.
     const auto threads = static_cast<unsigned>(std::clamp(wanted, 1, kMaxThreads));
     std::vector<std::uint64_t> chunks(threads);
+    // The last chunk takes the remainder of the division.
     for (unsigned i = 0; i < threads; ++i)
         chunks[i] = i * (n / threads);
     TupleSearch::RunOnThreads onThreads;

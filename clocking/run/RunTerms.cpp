@@ -38,6 +38,8 @@ RunTerms::RunTerms(const SearchTerms& terms, const HBSClockingAlgo& solver, unsi
             peripherals[i].weight = weight->second;
         scale = std::max(scale, peripherals[i].weight);
     }
+    // Divided by the largest: weights above 1 would lift errors over the tolerance that each must
+    // meet.
     for (Peripheral& peripheral : peripherals)
         peripheral.weight /= scale;
 }

@@ -23,6 +23,8 @@ ChoiceTable::ChoiceTable(const SearchProblem& problem, const SourceTable& table,
       m_contexts(m_stride + kHeadPlaces), m_befores(m_stride + kHeadPlaces), m_results(m_stride) {}
 
 unsigned ChoiceTable::contextOf(const ErrorRow& errors, const ChoiceHead& head) {
+    // Where the multipliers don't matter their entries are 0, so that contexts with equal errors
+    // share a number, and with it all that is memoised.
     ErrorRow key = errors;
     const bool isKey = head.isKey || m_looksAtHead;
     for (std::size_t place = 0; place < 2; ++place)
@@ -74,6 +76,7 @@ ChoiceTable::Entry& ChoiceTable::entryOf(unsigned context, std::size_t option) {
     unsigned& number = m_entryOf[context * m_options.all.size() + option];
     if (number == 0) {
         setBefore(context, option);
+        // Many contexts and options leave the same errors; they share an entry.
         number = m_befores.add(m_before.data()) + 1;
         m_before.resize(m_stride);
         if (number > m_entries.size()) {
@@ -101,6 +104,8 @@ void ChoiceTable::setBefore(unsigned context, std::size_t option) {
 
 double ChoiceTable::least(unsigned context, std::size_t option, double budget) {
     Entry& entry = entryOf(context, option);
+    // A result above the budget that it was searched for is a lower bound only: the scan ended
+    // early. It is searched again if it doesn't exceed the new budget.
     const bool isExact = entry.least <= entry.leastBudget;
     if (!isExact && entry.least <= budget) {
         setBefore(context, option);
@@ -115,6 +120,7 @@ std::span<const OwnChoice> ChoiceTable::choices(unsigned context, std::size_t op
                                                 const ChoiceBudget& budget,
                                                 const ChoiceHead& head) {
     Entry& entry = entryOf(context, option);
+    // A list for a larger budget holds all that a smaller one asks for; the caller tests the sums.
     if (entry.budget < budget.sum) {
         setBefore(context, option);
         m_before.resize(m_stride);
@@ -136,6 +142,7 @@ void ChoiceTable::fill(Entry& entry, std::size_t option, const ChoiceBudget& bud
             return seconds.contains(setting.first->mul);
         return !m_looksAtHead || tails.seconds(setting.first->mul).contains(setting.second->mul);
     };
+    // The first of twins can represent the others only if all are in one segment and in the list.
     const bool withTwins = m_looksAtHead || !head.chunkStarts.empty();
     m_front.forEachWithin(m_before, budget.sum, withTwins, [&](const OwnSetting& setting) {
         if (goTogether(setting) && setErrors(setting) && sumForBound(m_errors) <= budget.sum)
@@ -177,6 +184,9 @@ void ChoiceTable::keepLow(const OwnSetting& setting, unsigned segment, double ro
 }
 
 void ChoiceTable::addLows(Entry& entry, double room) {
+    // `keepLow` saw the choices in the order of savings and kept some that an earlier place found
+    // later dominates. In the order of places one pass removes them, and those with the same
+    // errors.
     std::sort(m_lows.begin(), m_lows.end(), [](const OwnChoice& a, const OwnChoice& b) {
         return a.setting.place() < b.setting.place();
     });

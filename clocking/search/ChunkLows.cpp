@@ -56,6 +56,7 @@ void ChunkLows::offer(const Tuple& tuple, float sum) {
     const std::lock_guard lock(m_mutex);
     NearMinimum& chunk = m_chunks[chunkAt(tuple.muls)];
     chunk.offer(tuple, sum);
+    // A new smallest sum of all lowers the limits of all chunks, see the header.
     if (chunk.lowest() < m_lowest) {
         m_lowest = chunk.lowest();
         for (NearMinimum& other : m_chunks)
@@ -83,6 +84,8 @@ std::optional<NearMinimum::Winner> ChunkLows::winner() const {
         if (!counts(chunk))
             continue;
         const std::optional<NearMinimum::Winner> own = chunk.winner();
+        // Strictly less: of chunks with equal sums the earliest wins. No margin here, unlike in a
+        // chunk.
         if (own && (best ? best->sum : kWorstTotalError) > own->sum)
             best = own;
     }

@@ -62,6 +62,8 @@ private:
         const CombinationStage& own = m_stages[stage];
         const CombinationTails tails(own, head);
         const unsigned nextWidth = headWidth + own.width();
+        // Unless a later stage looks at the second place, all its values have equally many
+        // continuations: one count, multiplied.
         const bool eachSecond = own.width() == 2 && isLookedAt(headWidth + 1, stage);
         std::uint64_t sum = 0;
         for (const std::uint8_t first : own.firsts) {
@@ -150,6 +152,7 @@ MultiplierMask CombinationTails::seconds(unsigned first) const {
         result.erase(first);
     else if (m_stage.order == CombinationStage::Order::Ascending)
         result.eraseUpTo(first);
+    // Each need that the first place leaves open must be covered by the second.
     for (const MultiplierMask& need : m_missing)
         if (!need.contains(first))
             result &= need;
@@ -167,6 +170,8 @@ CombinationList CombinationList::extendedBy(CombinationStage stage) const {
     result.m_stages.push_back(std::move(stage));
     ContinuationCounter counter(result.m_stages);
     result.m_size = counter.count(0, {}, 0);
+    // A new stage may rule out values of earlier ones; dropping them makes every later pass
+    // shorter.
     for (std::size_t i = 0; i < result.m_stages.size(); ++i) {
         keepOnly(result.m_stages[i].firsts, counter.used(i)[0]);
         keepOnly(result.m_stages[i].seconds, counter.used(i)[1]);

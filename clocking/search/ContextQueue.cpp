@@ -33,6 +33,9 @@ ContextQueue::ContextQueue(const SearchProblem& problem, const SourceTable& tabl
     const CombinationTails tails(problem.combinations.stages()[0], {});
     const PllOptions& mains = table.options(Role::Main);
     const PllOptions& nocs = table.options(Role::Noc);
+    // The bound of a context: all prices, less the savings of its two PLLs and the most that the
+    // others can save. Besides, the NOC PLL must serve domain 1 alone and domain 0 together with
+    // the main PLL.
     const double rest = bound.sumOfPrices() - bound.ownSavings();
     double bestNoc = 0.0;
     for (const PllOption& noc : nocs.all)

@@ -33,6 +33,8 @@ ContextSearch::ContextSearch(const SearchProblem& problem, const SourceTable& ta
 }
 
 void ContextSearch::fillLeast() {
+    // The smallest error that any own PLL gives a peripheral, from barred clocks too: no choice of
+    // the own PLLs gives it less.
     for (const unsigned domain : {2U, 3U}) {
         ErrorRow& least = m_least[domain];
         least.assign(m_table.domain(domain).stride, kUnserved);
@@ -63,6 +65,9 @@ bool ContextSearch::enter(const PllOption& main, const PllOption& noc) {
     m_context.nearSum = sumForBound(m_context.errors[0]) + sumForBound(m_context.errors[1]);
     const double limit = m_lows.limitBehind(m_context.head.muls, 2);
     setLimit(limit);
+    // Three tests in ascending order of their cost: the Lagrangian bound with the prices capped at
+    // the context's errors, the sum of the smallest possible errors, and whether domain 2 can be
+    // served.
     const double certain = m_context.nearSum + m_own.seconds.certain(m_context.errors[2]) +
                            m_own.pairs.certain(m_context.errors[3]);
     return certain - m_bound.ownSavings() <= m_context.ceiling &&
@@ -133,6 +138,10 @@ void ContextSearch::searchGroup(const OwnPlls::Group& group) {
     const Context& context = m_context;
     const auto& [number2, number3] = context.numbers;
     ++m_effort;
+    // The options of a group are the same in domain 2, so its bounds are taken once for all of
+    // them. Looked-up bounds of both domains come first; a scan for the least sum follows only if
+    // they leave the group below the ceiling. It makes the bound for each option of domain 3
+    // tighter in turn.
     double floor3 = std::numeric_limits<double>::infinity();
     for (std::size_t option = group.begin; option < group.end; ++option)
         floor3 = std::min(floor3, m_choices3.floorOf(number3, option));
@@ -171,6 +180,7 @@ void ContextSearch::combine(const OwnPlls::Group& group, std::size_t option, dou
     const PllOption& own = m_table.options(Role::Own2First).all[option];
     ChoiceHead& head = m_context.head;
     head.muls[2] = own.mul;
+    // With one more multiplier fixed the limit may be tighter than the context's.
     const double limit = m_lows.limitBehind(head.muls, 3);
     const double rounding = m_bound.roundingOf(limit);
     const double most = limit + rounding - m_context.nearSum;
@@ -178,6 +188,7 @@ void ContextSearch::combine(const OwnPlls::Group& group, std::size_t option, dou
         return;
     m_effort += 10;
     head.chunkStarts = m_lows.startsWithin(head.muls, 3);
+    // Each domain may take what the least sum of the other leaves.
     const auto seconds = m_choices2.choices(m_context.numbers[0], group.begin,
                                             {most - least3, 2.0 * rounding}, head);
     if (seconds.empty())
@@ -185,6 +196,8 @@ void ContextSearch::combine(const OwnPlls::Group& group, std::size_t option, dou
     const auto pairs =
         m_choices3.choices(m_context.numbers[1], option, {most - least2, 2.0 * rounding}, head);
     const double near = exactSum(m_context.errors[0]) + exactSum(m_context.errors[1]);
+    // The sums of the choices in double precision sort out most pairs; only the others are added up
+    // in single precision, peripheral by peripheral.
     const std::uint64_t evaluated = m_evaluated;
     for (const OwnChoice& second : seconds)
         for (const OwnChoice& pair : pairs)

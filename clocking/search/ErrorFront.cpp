@@ -99,6 +99,8 @@ bool ErrorFront::areTwins(const Node& a, const Node& b) const {
 }
 
 bool ErrorFront::isClear(const OwnSetting& setting) const {
+    // More than one margin apart, the order of the two decides nothing, whatever the error before
+    // them; the factor leaves room for rounding.
     const float* const first = firstErrors(setting);
     const float* const second = secondErrors(setting);
     for (std::size_t i = 0; i < m_prices.size(); ++i) {
@@ -132,6 +134,8 @@ double ErrorFront::largestSaving(const PriceRow& prices) const {
 }
 
 double ErrorFront::least(const ErrorRow& before, double budget) const {
+    // Nodes are in descending order of their savings, so bounds ascend. `end` skips dominated
+    // nodes.
     const double sumBefore = certain(before);
     double least = std::numeric_limits<double>::infinity();
     for (std::size_t i = 0; i < m_nodes.size(); i = m_nodes[i].end) {

@@ -13,6 +13,7 @@ void OwnPlls::forEachPair(const SearchProblem& problem, const SourceTable& table
         bestOther = std::max(bestOther, other.saving);
     const CombinationTails tails(problem.combinations.stages()[2]);
     for (const PllOption& first : table.options(Role::Own3First).all) {
+        // A pair's saving is at most the sum of both, so the second must save at least the rest.
         const double missing = least - static_cast<double>(first.saving);
         if (missing > static_cast<double>(bestOther))
             continue;

@@ -66,6 +66,7 @@ bool PriceBound::raise(double known) {
 PriceBound::Prices PriceBound::firstPrices() const {
     Prices prices;
     for (unsigned domain = 0; domain < kDomains; ++domain) {
+        // A price below a peripheral's least error gives no saving; the ascent starts above it.
         prices[domain].assign(m_table.domain(domain).stride, 0.0F);
         for (std::size_t i = 0; i < m_table.domain(domain).positions.size(); ++i) {
             float least = m_problem.tolerance;
@@ -139,6 +140,8 @@ void PriceBound::evaluate() {
         m_lowest -= static_cast<double>(best.saving);
         m_largest[indexOf(role)] = static_cast<double>(best.saving);
     }
+    // The own PLLs of a domain are taken in pairs, since not all their multipliers go together:
+    // with the best of each alone the bound would be lower than need be.
     m_ownSavings = 0.0;
     for (unsigned pair = 0; pair < m_bestOwn.size(); ++pair) {
         m_bestOwn[pair] = largestTogether(byMultiplier[2 + 2 * pair], byMultiplier[3 + 2 * pair],

@@ -82,6 +82,7 @@ using OptionMasks = std::array<ServiceMask, kDomains>;
 /// of the settings that serve domains 0 and 1.
 [[nodiscard]] std::set<std::array<ServiceMask, 2>> leftByContexts(const SearchProblem& problem,
                                                                   const SourceTable& table) {
+    // Distinct masks are few: many multipliers and dividers serve the same peripherals.
     const std::vector<OptionMasks> mains = masksOf(problem, table, Role::Main);
     std::set<std::array<ServiceMask, 2>> left;
     for (const OptionMasks& noc : masksOf(problem, table, Role::Noc))

@@ -51,6 +51,8 @@ void SettingSearch::find(SettingList& list) const {
         const Part part = parts.top();
         parts.pop();
         addSettings(part.best, list);
+        // Without its best combination the part falls into disjoint parts, one per place: those
+        // that have the best's multipliers in all earlier places and another one in this place.
         Masks rest = part.allowed;
         for (unsigned place = 0; place < places; ++place) {
             Masks other = rest;

@@ -93,6 +93,8 @@ void SourceTable::addOption(Role role, PllOption option, float freqMhz) {
         crosses = crosses || across;
         isLimited = isLimited || (across && !m_domains[domain].isEmpty());
     }
+    // A PLL whose clock doesn't cross has one option per output divider. A setting whose crossing
+    // clock is above the limit is left out as a whole.
     PllOptions& options = m_options[indexOf(role)];
     for (unsigned cross = kMaxCross; cross >= (crosses ? 1 : kMaxCross); --cross) {
         ClockSlot crossing = std::pair(freqMhz / static_cast<float>(cross), unsigned{option.div});
@@ -143,6 +145,7 @@ const float* SourceTable::makeRow(const DomainRequests& requests, Kind kind, flo
 }
 
 float SourceTable::entry(const SearchRequest& request, Kind kind, float freqMhz) const {
+    // The sign marks a clock that the peripheral would prefer and may not take; see `ErrorRow`.
     const float error = offerNearestDivider(freqMhz, request.mhz).error;
     if (!definitelyLess(error, m_problem.tolerance, kMargin))
         return kUnserved;
@@ -156,6 +159,7 @@ float SourceTable::entry(const SearchRequest& request, Kind kind, float freqMhz)
 }
 
 void SourceTable::addUnlessRepeated(PllOptions& options, const PllOption& option) const {
+    // Only options of one multiplier: another multiplier may belong to other combinations.
     const auto same = [&](const PllOption& other) {
         for (unsigned domain = 0; domain < kDomains; ++domain) {
             const std::size_t bytes = m_domains[domain].positions.size() * sizeof(float);

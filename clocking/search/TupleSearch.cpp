@@ -60,6 +60,8 @@ TupleSearch::TupleSearch(const SearchProblem& problem)
 }
 
 float TupleSearch::sumOfFavourites() const {
+    // The sum of one actual tuple, as rounded by the search, is an upper bound for the least sum.
+    // It costs nothing beyond the bound and makes the first band narrow.
     const PriceBound::Favourites& favourites = m_bound.favourites();
     if (favourites[0] == nullptr)
         return kUnserved;
@@ -92,6 +94,8 @@ float TupleSearch::sumOfFavourites() const {
 TupleSearch::Result TupleSearch::search(std::span<const std::uint64_t> chunks,
                                         const RunOnThreads& runOnThreads) const {
     Result result;
+    // Without a known sum the step may have no solution at all, which the masks often prove at
+    // once.
     if (m_bound.lowest() > m_bound.ceilingOf(m_proven) ||
         (m_known >= m_proven && !canServeAll(m_problem, m_table)))
         return result;
@@ -107,6 +111,8 @@ TupleSearch::Result TupleSearch::search(std::span<const std::uint64_t> chunks,
         ChunkLows lows(startsOf(chunks), std::min(worst, m_proven), worst >= m_proven, band);
         const bool isDone = collect(bound, lows, raises != 0 ? kEffort : kAnyEffort, runOnThreads,
                                     result.evaluatedTuples);
+        // Not done: the search was too long, and goes on with a better bound. Done without a sum
+        // below the guess: the guess was too low. Done and undecided: near ties need a wider band.
         known = std::min(known, lows.lowest());
         if (!isDone) {
             raises = bound.raise(known) ? raises - 1 : 0;
