@@ -75,6 +75,8 @@ private:
         // A copy, as the merge replaces what the stub has.
         const std::string vlnv = stub.getModuleVlnv();
         const std::optional<std::string> name = parseHardblockName(vlnv);
+        // Definitions are found by this name alone. One that is being expanded around the stub
+        // contains itself, and expanding it again would never end.
         if (!name || std::find(m_names.begin(), m_names.end(), *name) != m_names.end())
             return;
         if (m_read >= kMostRead) {

@@ -59,7 +59,7 @@ public:
         removeInterfaces(m_instance, "");
         for (HABMBlock* first : m_instance.getSubBlocks()) {
             const std::string name = first->getInstanceName();
-            if (!isEnabled(name, *first)) {
+            if (!decide(name, *first)) {
                 m_instance.removeSubBlock(name);
                 continue;
             }
@@ -69,8 +69,9 @@ public:
     }
 
 private:
+    /// Evaluates the object's expression, and records how it was decided.
     template <class Object>
-    bool isEnabled(const std::string& name, const Object& object) {
+    bool decide(const std::string& name, const Object& object) {
         const std::string& expression = object.getEnablement();
         if (m_decisions == nullptr || expression.empty())
             return evalEnablement(m_interp, &m_instance, name, expression);
@@ -87,13 +88,13 @@ private:
 
     void removeInterfaces(HABMBlock& block, const std::string& name) {
         for (HABMInterface* interface : block.getInterfaces())
-            if (!isEnabled(name, *interface))
+            if (!decide(name, *interface)) // the name is copied, as it goes with the interface
                 block.removeInterface(std::string(interface->getInterfaceName()));
     }
 
     void walkSecondLevel(HABMBlock& first, const std::string& name) {
         for (HABMBlock* second : first.getSubBlocks()) {
-            if (isEnabled(name, *second))
+            if (decide(name, *second))
                 removeInterfaces(*second, name);
             else
                 first.removeSubBlock(std::string(second->getInstanceName()));

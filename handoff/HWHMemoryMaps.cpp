@@ -29,6 +29,7 @@ bool MemoryMaps::markExcluded(const Module& master) {
     const auto exclude = [&](const JsonNode& name) {
         if (!name.isString())
             return;
+        // Most masters exclude nothing; the names of slaves are collected for the first that does.
         nameSlaves();
         const std::uint32_t number = m_table.find(name.text());
         if (number == kNone)

@@ -153,6 +153,7 @@ Instance ModelBuilder::readInstance(const JsonNode& name, const JsonNode& value,
     const std::uint32_t moduleName = m_moduleNames.intern(facts.sdkName);
     if (moduleName == m_byModuleName.size())
         m_byModuleName.emplace_back();
+    // Instances come in the order of reading, so that the last one of an "SDKNAME" stays.
     m_byModuleName[moduleName].contentsNode = value.index();
     if (role == Role::Master)
         m_byModuleName[moduleName].excludingNode = value.index();
@@ -289,6 +290,7 @@ void ModelBuilder::addPort(std::uint32_t module, const Found& found) {
     addConnections(port);
     const std::uint32_t number = countOf(m_model.ports.size());
     m_model.ports.push_back(port);
+    // At once, as a port's signal depends on the ports before it in the document.
     m_signals.name(number);
     collectExternalEnds(number);
 }

@@ -13,6 +13,9 @@ void SignalNamer::name(std::uint32_t port) {
         if (signal.namedBy == kNone)
             signal = {m_ends[end].signal, reason};
     };
+    // Far ends first, in the order of their instances, then the port itself: the first of these
+    // that an earlier port gave a signal decides. All others get the same one, for ports still to
+    // come.
     for (std::uint32_t i = named.connections.begin; i < named.connections.end; ++i)
         visitEnd(intern(Owner::connection(i)), SignalReason::FarEnd);
     visitEnd(intern(Owner::port(port)), SignalReason::ListedByFar);

@@ -12,6 +12,8 @@ namespace {
 
 constexpr int kNotYet = -1;
 
+/// As `atoi`, which takes leading blanks and a plus sign; `std::from_chars` doesn't. Saturates,
+/// where the behaviour of `atoi` is undefined.
 int toInt(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
     if (text.size() > 1 && text[0] == '+' && text[1] != '-')

@@ -20,6 +20,7 @@
 #define TQ_ADDRESS_SANITIZER
 #endif
 #endif
+// Registers are never freed, as their contract says; the leak checker is told so.
 #ifdef TQ_ADDRESS_SANITIZER
 #include <sanitizer/lsan_interface.h>
 #define TQ_KEEP_FOR_EVER(object) __lsan_ignore_object(object)
