@@ -13,6 +13,7 @@ if(NOT DEFINED ENV{DESTDIR})
   file(GLOB found ${CMAKE_INSTALL_PREFIX}/lib/python3*/dist-packages/tq_hbs)
   foreach(package IN LISTS found)
     cmake_path(GET package PARENT_PATH packages)
-    tq_look_for_package(Python "export PYTHONPATH=${packages}" python3 -c "import tq_hbs")
+    # A folder left by a removed package can be imported, too, but has nothing in it.
+    tq_look_for_package(Python "export PYTHONPATH=${packages}" python3 -c "from tq_hbs import Error")
   endforeach()
 endif()
