@@ -9,7 +9,7 @@ namespace hbs_clocking {
 
 namespace {
 
-[[nodiscard]] CombinationList buildCombos(const CombinationBuilder& step) {
+[[nodiscard]] CombinationList buildFourPllCombos(const CombinationBuilder& step) {
     CombinationList combos = step.buildPairsForDomain(step.nocMultipliers(), 0);
     for (const unsigned domain : {2U, 3U}) {
         // Runs, and locks the domain's tolerance, even when there is nothing to continue.
@@ -53,7 +53,7 @@ std::string HBSClockingAlgo4Pll::getPllNameByIndex(unsigned index) const {
 }
 
 bool HBSClockingAlgo4Pll::runSolution() {
-    return NocRun(*this, kFourPllShape, buildCombos).solve();
+    return NocRun(*this, kFourPllShape, buildFourPllCombos).solve();
 }
 
 } // namespace hbs_clocking

@@ -34,7 +34,7 @@ namespace {
     return own.empty() ? step.buildPairsForDomain(noc, 0) : step.buildFreePairs(own, noc);
 }
 
-[[nodiscard]] CombinationList buildCombos(const CombinationBuilder& step) {
+[[nodiscard]] CombinationList buildSixPllCombos(const CombinationBuilder& step) {
     // Pairs of both domains are built, and lock their tolerance, even when they aren't needed.
     const CombinationList pairs = buildPairs(step);
     const CombinationList own2 = step.buildOrderedPairsForDomain(2);
@@ -82,7 +82,7 @@ std::string HBSClockingAlgo6Pll::getPllNameByIndex(unsigned index) const {
 }
 
 bool HBSClockingAlgo6Pll::runSolution() {
-    return NocRun(*this, kSixPllShape, buildCombos).solve();
+    return NocRun(*this, kSixPllShape, buildSixPllCombos).solve();
 }
 
 } // namespace hbs_clocking

@@ -10,7 +10,7 @@
 #include "HUTFile.h"
 #include "addressing/HBSAddrParseUtil.h"
 #include "blockmodel/HABM.h"
-#include "host/Command.h"
+#include "host/Program.h"
 #include "memory/trial.h"
 #include "support/support.h"
 
