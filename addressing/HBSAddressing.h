@@ -115,8 +115,8 @@ public:
 
     /// Reports the addressing of `block` as seen from its surface: its interfaces with the address
     /// spaces and memory maps that they reach, and the maps and spaces of all blocks below it.
-    /// `document` is overwritten with an object, whose form docs/addressing.schema.json describes.
-    /// Members are in the order of insertion.
+    /// `document` is overwritten with an object, whose form schemas/addressing_report.schema.json
+    /// describes. Members are in the order of insertion.
     static void generateSurfaceLevelAddressing(const HABMBlock& block,
                                                rapidjson::Document& document);
 };

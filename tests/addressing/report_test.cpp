@@ -18,7 +18,8 @@ std::string text(const rapidjson::Value& value) {
 /// Where a document breaks the published schema; empty if it doesn't.
 std::string schemaFault(const rapidjson::Document& document) {
     rapidjson::Document schemaText;
-    schemaText.Parse(support::readFile(TQ_SOURCE_DIR "/docs/addressing.schema.json").c_str());
+    schemaText.Parse(
+        support::readFile(TQ_SOURCE_DIR "/schemas/addressing_report.schema.json").c_str());
     EXPECT_FALSE(schemaText.HasParseError());
     const rapidjson::SchemaDocument schema(schemaText);
     rapidjson::SchemaValidator validator(schema);

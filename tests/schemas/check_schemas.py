@@ -4,11 +4,12 @@ import copy
 import json
 import pathlib
 import random
+import shutil
 import subprocess
 import sys
 import tempfile
 
-from jsonschema import Draft202012Validator
+from jsonschema import Draft7Validator, Draft202012Validator
 
 source = pathlib.Path(sys.argv[1])
 hbs = sys.argv[2]
@@ -21,10 +22,10 @@ def expect(holds, what):
         failures.append(what)
 
 
-def validator(name):
+def validator(name, draft=Draft202012Validator):
     schema = json.loads((schemas / f"{name}.schema.json").read_text())
-    Draft202012Validator.check_schema(schema)
-    return Draft202012Validator(schema)
+    draft.check_schema(schema)
+    return draft(schema)
 
 
 def load(path):
@@ -136,6 +137,70 @@ expect_slips(metadata, good_metadata, [
     (pin + ["size_left"], 7.5), (pin + ["size_left"], "seven"), (access + ["ports"], {}),
     (access + ["parameters", "RANKS"], "2"), (access + ["port_maps", "x"], 1),
     (access + ["port_maps", "x"], "A[7"), (["sorrel_ps", "pin"], {})])
+
+
+
+def output(*words, statuses=(0,)):
+    """What hbs prints as JSON."""
+    result = subprocess.run([hbs, *words, "--json"], capture_output=True, text=True)
+    expect(result.returncode in statuses, f"hbs {words}: {result.returncode} {result.stderr}")
+    return json.loads(result.stdout)
+
+
+tree = validator("clock_tree")
+for path in sorted((source / "examples/clocks").glob("*.json")):
+    expect_good(tree, {"$schema": "x", **load(path)}, path)
+good_tree = load("examples/clocks/programmable_soc.json")
+expect_slips(tree, good_tree, [
+    (["plls"], 3), (["reference_mhz"], 0), (["domains", 0, "name"], None),
+    (["domains", 0, "plls", 0, "max"], 2000), (["peripherals", 0, "mhz"], "100"),
+    (["peripherals", 0, "max_error_percent"], 101), (["peripherals", 0, "enable"], True)])
+
+config = validator("addressing_config")
+for path in ["config_linux.json", "config_bare_metal.json"]:
+    expect_good(config, {"$schema": "x", **load(device / path)}, path)
+expect_slips(config, load(device / "config_linux.json"), [
+    (["parameter"], {}), (["instances"], []), (["assigns"], {})])
+
+with tempfile.TemporaryDirectory() as name:
+    folder = pathlib.Path(name)
+    report = validator("clock_report")
+    example = source / "examples/clocks/programmable_soc.json"
+    solved = output("clocks", example, "--explain", "--alternatives", "3")
+    expect_good(report, solved, "a solved tree")
+    expect_slips(report, solved, [(["plls"], None), (["peripherals", 0, "pll"], 3)])
+    expect_good(validator("clock_assignment"), {"$schema": "x", **solved}, "a solution to check")
+    (folder / "solved.json").write_text(json.dumps({"$schema": "x", **solved}))
+    output("clocks", example, "--check", folder / "solved.json")
+    greedy = copy.deepcopy(good_tree)
+    for peripheral in greedy["peripherals"]:
+        peripheral["max_error_percent"] = 0.0001
+    greedy["$schema"] = "x"
+    (folder / "greedy.json").write_text(json.dumps(greedy))
+    expect_good(report, output("clocks", folder / "greedy.json", statuses=(1,)), "no solution")
+    (folder / "bad.json").write_text('{"plls": 3}')
+    diagnostics = validator("diagnostics")
+    expect_good(diagnostics, output("clocks", folder / "bad.json", statuses=(2,)), "a fault")
+    expect_good(diagnostics, output("handoff", source / device / "handoff_job.json", "--check",
+                                    statuses=(0, 1)), "findings")
+
+    area = folder / "device"
+    shutil.copytree(source / device, area)
+    for block in ["cpu", "ddr", "eth", "noc", "uart", "ps"]:
+        expect_good(validator("definition_report"),
+                    output("define", "--write", area / "mirrel/hardblocks", f"sorrel_{block}"),
+                    f"the definition of {block}")
+    addressing = ["addressing", "kestrom:hardblock:sorrel_ps:1.0", "--data", area]
+    for path in ["config_linux.json", "config_bare_metal.json"]:
+        words = [*addressing, "--config", source / device / path]
+        expect_good(validator("address_map"), output(*words, "--registers"), f"the map of {path}")
+        report_file = folder / "report.json"
+        subprocess.run([hbs, *words, "--report", report_file], capture_output=True, check=True)
+        expect_good(validator("addressing_report", Draft7Validator),
+                    json.loads(report_file.read_text()), f"the report of {path}")
+    for path in ["dma.xml", "registers.xml"]:
+        expect_good(validator("registers"),
+                    output("registers", source / device / path, "--fields"), path)
 
 with tempfile.TemporaryDirectory() as name:
     folder = pathlib.Path(name)

@@ -19,11 +19,12 @@ namespace tq {
 ///   `HABMAddrAssign` have it; an assigned one has the name of its "segment" too;
 /// - "removed": objects with "kind" ("block" or "interface"), "path" and "condition".
 ///
-/// Addresses and sizes are texts such as "0xA0000000"; one that can't be computed is null.
+/// Addresses and sizes are texts such as "0xA0000000"; one that can't be computed is null. See
+/// schemas/address_map.schema.json.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string addressMapJson(const AddressMap& map,
                                                              bool withRegisters = false);
 
-/// The addressing report of an instance, as docs/addressing.schema.json describes it.
+/// The addressing report of an instance, as schemas/addressing_report.schema.json describes it.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string addressingReportJson(const HABMBlock& instance);
 
 } // namespace tq

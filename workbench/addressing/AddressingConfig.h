@@ -14,7 +14,8 @@
 
 namespace tq {
 
-/// A JSON file of this form; every key but those of an assign's two ends is optional:
+/// A JSON file of this form (schemas/addressing_config.schema.json); every key but those of an
+/// assign's two ends is optional:
 ///
 ///     {
 ///       "name": "linux_boot",

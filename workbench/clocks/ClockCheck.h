@@ -44,6 +44,8 @@ struct ClockCheck {
 ///   allowed error; the NOC peripheral gets at most 0.01 % more than it asks for;
 /// - frequencies, errors and the sum that the file states are those of its dividers.
 ///
+/// Its form is that of schemas/clock_assignment.schema.json.
+///
 /// The check has its own arithmetic, in double precision, and shares none with the search. Raises
 /// `InputError` for a file of another form, and for a tree that its solver refuses.
 [[nodiscard]] TQ_WORKBENCH_EXPORT ClockCheck checkClockSetting(const ClockTree& tree,

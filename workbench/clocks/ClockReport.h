@@ -141,8 +141,8 @@ TQ_WORKBENCH_EXPORT void addAlternatives(ClockReport& report, const ClockTree& t
 
 /// Aligned tables and the tolerance, or what each request could have alone.
 TQ_WORKBENCH_EXPORT void printClockTables(const ClockReport& report, std::ostream& out);
-/// The same as one JSON object. A clock that isn't finite, of a PLL whose output divider is 0, is
-/// null.
+/// The same as one JSON object, as schemas/clock_report.schema.json describes it. A clock that
+/// isn't finite, of a PLL whose output divider is 0, is null.
 TQ_WORKBENCH_EXPORT void printClockJson(const ClockReport& report, std::ostream& out);
 /// The tree with its dividers and frequencies as an SVG document; for a solved one.
 TQ_WORKBENCH_EXPORT void printClockPicture(const ClockReport& report, float referenceMhz,

@@ -32,7 +32,7 @@ namespace tq {
 ///
 /// Domains are in the order that the solver expects; trees of 4 and 6 PLLs have four of them, the
 /// second named "NOC_DOMAIN", and one enabled peripheral marked "noc". Names are unique within
-/// their list, and not empty.
+/// their list, and not empty. Its schema is schemas/clock_tree.schema.json.
 struct ClockTree {
     /// A PLL of a domain.
     struct Pll {

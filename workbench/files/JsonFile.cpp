@@ -112,6 +112,10 @@ JsonFile JsonFile::read(const std::string& path) {
     base::FileContent content = input::readFile(path);
     if (!content.isWhole())
         throw fileError(path, "can't be read: " + content.reason);
+    // Some editors begin files with a byte order mark.
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    if (content.text.compare(0, mark.size(), mark) == 0)
+        content.text.erase(0, mark.size());
     return parse(path, std::move(content.text));
 }
 
@@ -172,7 +176,9 @@ void JsonFile::expectKeys(const JsonNode& object,
             finding.notes.push_back({placeOf(first->offset), "first defined here"});
             throw InputError(std::move(finding));
         }
-        if (std::find(known.begin(), known.end(), member->name) == known.end())
+        // Editors complete keys by the schema that a file names.
+        const bool namesSchema = &object == &root() && member->name == "$schema";
+        if (!namesSchema && std::find(known.begin(), known.end(), member->name) == known.end())
             throw InputError(unknownKey(*member, known, Severity::Error));
     }
 }

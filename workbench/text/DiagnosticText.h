@@ -31,7 +31,7 @@ namespace tq {
 
 /// A JSON array of objects with "severity", "id", "file", "line", "column", "text", "expected" and
 /// "notes" (each with "file", "line", "column", "text"), indented by two blanks. Unknown lines and
-/// columns are 0. Bytes that aren't UTF-8 become U+FFFD.
+/// columns are 0. Bytes that aren't UTF-8 become U+FFFD. See schemas/diagnostics.schema.json.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string
 diagnosticsJson(const std::vector<Diagnostic>& diagnostics);
 
