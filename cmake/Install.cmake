@@ -14,27 +14,32 @@ install(
   TARGETS ${libraries}
   EXPORT tq_hbsTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tq_hbs)
+          COMPONENT libraries NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tq_hbs COMPONENT development)
 install(FILES ${TQ_GENERATED_DIR}/tq_export.h ${TQ_GENERATED_DIR}/tq_version.h
               ${TQ_GENERATED_DIR}/tq_workbench_export.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tq_hbs)
-install(DIRECTORY schemas DESTINATION ${CMAKE_INSTALL_DATADIR}/tq_hbs)
-install(TARGETS hbs RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tq_hbs COMPONENT development)
+install(DIRECTORY schemas DESTINATION ${CMAKE_INSTALL_DATADIR}/tq_hbs COMPONENT program)
+install(TARGETS hbs RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/tq_hbs)
-install(EXPORT tq_hbsTargets NAMESPACE tq:: DESTINATION ${package_dir})
+install(EXPORT tq_hbsTargets NAMESPACE tq:: DESTINATION ${package_dir} COMPONENT development)
 configure_package_config_file(cmake/tq_hbsConfig.cmake.in tq_hbsConfig.cmake
                               INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(tq_hbsConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/tq_hbsConfig.cmake
-              ${PROJECT_BINARY_DIR}/tq_hbsConfigVersion.cmake DESTINATION ${package_dir})
+              ${PROJECT_BINARY_DIR}/tq_hbsConfigVersion.cmake
+        DESTINATION ${package_dir} COMPONENT development)
 
 # Users of static libraries link what those are built on.
 if(NOT BUILD_SHARED_LIBS)
-  install(FILES cmake/TclTarget.cmake DESTINATION ${package_dir})
+  install(FILES cmake/TclTarget.cmake DESTINATION ${package_dir} COMPONENT development)
   set(TQ_STATIC_CFLAGS "-DTQ_STATIC_DEFINE -DTQ_WORKBENCH_STATIC_DEFINE")
   set(TQ_STATIC_LIBS "-ltq_input -ltq_diagnostics -ltq_xerces -ltq_base -lboost_iostreams -lpugixml -lxerces-c -ltcl8.6 -pthread")
 endif()
 configure_file(cmake/tq_hbs.pc.in tq_hbs.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/tq_hbs.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_BINARY_DIR}/tq_hbs.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+        COMPONENT development)
+
+include(cmake/Packages.cmake)
