@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "host/Program.h"
 #include "workbench/files/InputError.h"
 #include "workbench/requests/Console.h"
 
@@ -13,13 +14,6 @@ namespace host {
 
 using tq::InputError;
 using tq::Outcome;
-
-/// Exit statuses of the program.
-enum ExitStatus {
-    kSuccess = 0,  ///< a result was found and printed
-    kNoResult = 1, ///< the input is good, but there is no result
-    kBadInput = 2, ///< bad command line or bad file
-};
 
 /// The program's own standard streams.
 [[nodiscard]] tq::Console console();
@@ -41,8 +35,5 @@ void declareAddressing(CLI::App& app, Outcome& outcome);
 void declareRegisters(CLI::App& app, Outcome& outcome);
 void declareIpxact(CLI::App& app, Outcome& outcome);
 void declareImport(CLI::App& app, Outcome& outcome);
-
-/// The whole program: gives its exit status, and raises nothing.
-int runProgram(int argc, char** argv) noexcept;
 
 } // namespace host

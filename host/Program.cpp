@@ -1,14 +1,17 @@
-// What the program does from its command line to its exit status.
+#include "host/Program.h"
 
 #include <unistd.h>
 
+#include <array>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <new>
 #include <string>
 #include <vector>
 
 #include "host/Command.h"
+#include "host/Manual.h"
 #include "tq_version.h"
 #include "workbench/text/DiagnosticText.h"
 #include "workbench/text/MessageFinding.h"
@@ -29,12 +32,12 @@ ExitStatus statusOf(Outcome outcome) {
     }
 }
 
-/// The status to exit with: output that got lost is no result.
+/// The status to exit with.
 int finishOutput(int status) {
     if (std::cout.flush())
         return status;
     std::cerr << "hbs: the output can't be written\n";
-    return kNoResult;
+    return kNoOutput;
 }
 
 /// Calls `print`, which needs memory of its own.
@@ -84,6 +87,28 @@ bool g_ranOutOfMemory = false;
     throw std::bad_alloc();
 }
 
+/// The words that tell of the others.
+void declareHelp(CLI::App& app) {
+    auto* const help = app.add_subcommand("help", "Shows the options of a word");
+    const auto asked = std::make_shared<std::string>();
+    help->add_option("WORD", *asked, "One of the words");
+    help->callback([&app, asked] {
+        if (asked->empty()) {
+            std::cout << overview(app);
+            return;
+        }
+        const std::array line{"hbs", asked->c_str()};
+        refuseUnknownNames(app, static_cast<int>(line.size()), line.data());
+        std::cout << app.get_subcommand(*asked)->help();
+    });
+    auto* const manual = app.add_subcommand("manual", "Prints the manual page, for man -l -");
+    manual->callback([&app] { std::cout << manualPage(app); });
+    auto* const completion = app.add_subcommand("completion", "Prints the completion of a shell");
+    const auto shell = std::make_shared<std::string>();
+    completion->add_option("SHELL", *shell, "bash, zsh or fish")->required();
+    completion->callback([&app, shell] { std::cout << completionScript(app, *shell); });
+}
+
 int parseAndRun(int argc, char** argv) {
     const tq::MessageScope messages(printMessage);
     CLI::App app("Knows the hard blocks of a programmable device.", "hbs");
@@ -99,7 +124,13 @@ int parseAndRun(int argc, char** argv) {
     declareRegisters(app, outcome);
     declareIpxact(app, outcome);
     declareImport(app, outcome);
+    declareHelp(app);
+    if (argc == 1) {
+        std::cout << overview(app);
+        return finishOutput(kSuccess);
+    }
     try {
+        refuseUnknownNames(app, argc, argv);
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         const int status = app.exit(error);
@@ -127,6 +158,9 @@ int runProgram(int argc, char** argv) noexcept {
         return parseAndRun(argc, argv);
     } catch (const std::bad_alloc&) {
         std::cerr << "hbs: out of memory\n";
+    } catch (const tq::OutputError& error) {
+        complain([&] { printError(error.diagnostic()); });
+        return kNoOutput;
     } catch (const InputError& error) {
         complain([&] { printError(error.diagnostic()); });
         return kBadInput;

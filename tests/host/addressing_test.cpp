@@ -73,7 +73,7 @@ TEST(AddressingWord, WritesTheReportAndThePicture) {
     EXPECT_EQ(0, addressing("--svg " + out.file("a.svg") + " --html " + out.file("a.html")).status);
     EXPECT_EQ(0U, support::readFile(out.file("a.svg")).find("<svg "));
     EXPECT_THAT(support::readFile(out.file("a.html")), HasSubstr("[\n\"uart1/sorrel_uart/regs\""));
-    EXPECT_EQ(2, addressing("--svg " + out.file("no/such/a.svg")).status);
+    EXPECT_EQ(3, addressing("--svg " + out.file("no/such/a.svg")).status);
     const std::string full = addressing("--svg " + out.file("a.svg") + " --html /dev/full").error;
     EXPECT_EQ("/dev/full: error: can't be written: No space left on device\n", full);
     EXPECT_THAT(addressing("--svg /dev/stdout | cat").output, HasSubstr("<svg "));

@@ -77,7 +77,7 @@ TEST(DefineWord, RefusesWhatIsNoHardBlock) {
              {"--write " + here + " in",
               "in.bmj: error: can't be written, as it is also an input"}}) {
         const auto result = hbs("define " + arguments);
-        EXPECT_EQ(2, result.status) << arguments;
+        EXPECT_EQ(complaint.find("the file can't") == std::string::npos ? 2 : 3, result.status);
         EXPECT_THAT(result.error, HasSubstr(complaint));
     }
 }

@@ -127,10 +127,4 @@ TEST(Program, GivesErrorsAsJsonWhereItWasAskedForJson) {
     }
 }
 
-TEST(Program, FailsWhenItsOutputCantBeWritten) {
-    const auto result = support::run(HBS_PROGRAM " --version >/dev/full");
-    EXPECT_EQ(1, result.status);
-    EXPECT_EQ("hbs: the output can't be written\n", result.error);
-}
-
 } // namespace

@@ -170,7 +170,7 @@ void writeDefinition(CompiledDefinition& definition) {
     for (const HBSTableReport& report : definition.tables)
         refuseInput(path, {definition.folder + "/" + report.table});
     if (!HABMBlock::writeTopBlock(HUTFile(path), *definition.block, true))
-        throw fileError(path, "the file can't be written");
+        throw outputError(path, "the file can't be written");
     definition.written = path;
 }
 

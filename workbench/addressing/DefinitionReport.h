@@ -29,14 +29,15 @@ struct CompiledDefinition {
                                                                        const DiagnosticSink& sink);
 
 /// Writes FOLDER/NAME.bmj, where definitions are read from, and keeps the path in `written`. Raises
-/// `InputError` if it can't be written.
+/// `OutputError` if it can't be written.
 TQ_WORKBENCH_EXPORT void writeDefinition(CompiledDefinition& definition);
 
 /// A table of tables, and the block as a tree of objects.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string definitionTables(const CompiledDefinition& definition,
                                                                bool withRegisters);
 
-/// The same as one JSON object, without the tree, and the findings as "diagnostics".
+/// The same as one JSON object, without the tree, and the findings as "diagnostics". See
+/// schemas/definition_report.schema.json.
 [[nodiscard]] TQ_WORKBENCH_EXPORT std::string
 definitionJson(const CompiledDefinition& definition, const std::vector<Diagnostic>& findings);
 

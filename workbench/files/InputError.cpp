@@ -19,4 +19,9 @@ InputError fileError(std::string file, std::string text) {
         makeDiagnostic(Severity::Error, "", placeOfFile(std::move(file)), std::move(text)));
 }
 
+OutputError outputError(std::string file, std::string text) {
+    return OutputError(
+        makeDiagnostic(Severity::Error, "", placeOfFile(std::move(file)), std::move(text)));
+}
+
 } // namespace tq

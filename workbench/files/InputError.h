@@ -24,7 +24,14 @@ private:
     Diagnostic m_diagnostic;
 };
 
+/// A file that can't be written.
+class TQ_WORKBENCH_EXPORT OutputError : public InputError {
+public:
+    using InputError::InputError;
+};
+
 /// An error about a file as a whole.
 [[nodiscard]] TQ_WORKBENCH_EXPORT InputError fileError(std::string file, std::string text);
+[[nodiscard]] TQ_WORKBENCH_EXPORT OutputError outputError(std::string file, std::string text);
 
 } // namespace tq

@@ -26,7 +26,7 @@ void writeOutput(const std::string& path, std::string_view text) {
         return;
     std::cout.flush(); // the path may lead to the same place
     if (const std::string reason = base::writeOutputFile(path, text); !reason.empty())
-        throw fileError(path, "can't be written: " + reason);
+        throw outputError(path, "can't be written: " + reason);
 }
 
 } // namespace tq

@@ -17,7 +17,7 @@ inline constexpr const char* kStandardOutput = "-";
 TQ_WORKBENCH_EXPORT void refuseInput(const std::string& output,
                                      const std::vector<std::string>& inputs);
 
-/// Writes a whole text or raises `InputError`; the file that was there before stays then. What
+/// Writes a whole text or raises `OutputError`; the file that was there before stays then. What
 /// isn't a file, such as a FIFO or /dev/stdout, is written to directly. "-" is the standard output;
 /// an empty path means no output.
 TQ_WORKBENCH_EXPORT void writeOutput(const std::string& path, std::string_view text);

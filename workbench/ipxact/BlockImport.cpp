@@ -477,7 +477,7 @@ std::string importFile(const std::string& path, const ImportOptions& options,
     std::string file = (folder / (name + ".bmj")).string();
     refuseInput(file, {path});
     if (!HABMBlock::writeTopBlock(HUTFile(file), *block, true))
-        throw fileError(file, "it can't be written");
+        throw outputError(file, "it can't be written");
     return file;
 }
 
