@@ -42,4 +42,9 @@ configure_file(cmake/tq_hbs.pc.in tq_hbs.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tq_hbs.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
         COMPONENT development)
 
+# The headers of the reference, which ./run docs makes.
+get_property(headers GLOBAL PROPERTY TQ_PUBLIC_HEADERS)
+list(JOIN headers "\n" headers)
+file(WRITE ${TQ_GENERATED_DIR}/public_headers.txt "${headers}\n")
+
 include(cmake/Packages.cmake)

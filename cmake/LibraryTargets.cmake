@@ -59,6 +59,7 @@ function(tq_sources target)
   list(TRANSFORM ARG_HEADERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES
                                   ${ARG_HEADERS})
+  set_property(GLOBAL APPEND PROPERTY TQ_PUBLIC_HEADERS ${ARG_HEADERS})
 endfunction()
 
 tq_add_library(tq_isl_iostreams isl_iostreams isl::)
