@@ -1,5 +1,6 @@
 """The packages as a shell's user meets them: examples, Ctrl-C in Tcl, a quiet process."""
 
+import glob
 import os
 import re
 import shutil
@@ -136,8 +137,9 @@ class Shell(unittest.TestCase):
             os.symlink(os.path.join(ROOT, "examples"), os.path.join(folder, "examples"))
             environment = dict(os.environ, TQ_DATA_PATH=device)
             count = 0
-            for document in ("README.md", os.path.join("docs", "scripting.md")):
-                with open(os.path.join(ROOT, document)) as file:
+            pages = glob.glob(os.path.join(ROOT, "docs", "**", "*.md"), recursive=True)
+            for document in (os.path.join(ROOT, "README.md"), *sorted(pages)):
+                with open(document) as file:
                     shown = re.findall(r"^```(python|tcl)\n(.*?)^```", file.read(), re.M | re.S)
                 for language, text in shown:
                     shell = sys.executable if language == "python" else TCLSH

@@ -10,7 +10,7 @@ trap 'rm -rf "$work"' EXIT
 cd "$work"
 ln -s "$source_dir/examples" examples
 mkdir -p build/release
-for folder in bin tcl python; do
+for folder in bin generated tcl python; do
     ln -s "$(dirname "$bin_dir")/$folder" "build/release/$folder"
 done
 PATH=$bin_dir:$PATH
@@ -23,10 +23,4 @@ for step in examples/demo/*.sh; do
     sh "$step"
 done
 
-# A shown command is an indented line that starts with the program's path.
-sed -n 's/^ \{4\}\(.*build\/release\/bin\/hbs .*\)$/\1/p' "$source_dir/README.md" >commands
-[ "$scripts" = no ] || sed -n 's/^ \{4\}\([A-Z]*PATH=build.*\)$/\1/p' "$source_dir/README.md" >>commands
-while IFS= read -r command; do
-    echo "== $command"
-    sh -c "$command" </dev/null
-done <commands
+"$source_dir/tests/readme/run_pages.py" "$source_dir" "$scripts"
