@@ -47,7 +47,9 @@ void SettingSearch::find(SettingList& list) const {
             mask.insert(mul);
     if (const auto whole = solve(all))
         parts.push(*whole);
-    while (!parts.empty() && parts.top().sum <= list.limit()) {
+    // A full list takes no setting of the sum that its last one has. Where requests of about 0 make
+    // nearly all combinations equal, going on would try every one of them.
+    while (!parts.empty() && parts.top().sum < list.limit()) {
         const Part part = parts.top();
         parts.pop();
         addSettings(part.best, list);

@@ -7,6 +7,7 @@
 
 #include "clocking/HBSClockingAlgo1Pll.h"
 #include "clocking/HBSClockingAlgo2Pll.h"
+#include "clocking/HBSClockingAlgo6Pll.h"
 #include "clocking/dice.h"
 #include "clocking/trees46.h"
 
@@ -129,6 +130,28 @@ TEST(SearchTerms, ListTheBestSettingsOfLargeTrees) {
         ++checked;
     }
     EXPECT_GE(checked, 30U);
+}
+
+/// Requests of about 0 are met by every combination: a list must not go through them all.
+TEST(SearchTerms, ListAFewOfVeryManyEqualSettings) {
+    HBSClockingAlgo6Pll solver("equal");
+    solver.createPllConfig("P0", "D0");
+    solver.createPllConfig("P1", "NOC_DOMAIN");
+    for (const char* pll : {"P2", "P3"})
+        solver.createPllConfig(pll, "D2");
+    for (const char* pll : {"P4", "P5"})
+        solver.createPllConfig(pll, "D3");
+    solver.addPeripheral("NOC", "NOC_DOMAIN", 800.0F, true)->setNOCPeripheral(true);
+    solver.addPeripheral("A", "D0", 0.0001F, true);
+    solver.addPeripheral("B", "D2", 0.0F, true);
+    solver.addPeripheral("C", "D3", 0.00005F, true);
+    SearchTerms terms;
+    terms.settings = 3;
+    solver.setTerms(terms);
+    ASSERT_TRUE(solver.runSolution());
+    ASSERT_EQ(3U, solver.getSettings().size());
+    for (const ClockSetting& setting : solver.getSettings())
+        EXPECT_EQ(solver.getTotalRelativeError(), setting.sum);
 }
 
 /// The settings of a tree of two PLLs that serve all at the tolerance, from the arithmetic. The
