@@ -95,6 +95,9 @@ JsonTape readJsonFile(const std::string& fileName, const tq::DiagnosticSink& sin
     // Callers without a sink know the text without a reason.
     if (!sink && (content.outcome == Outcome::Missing || content.outcome == Outcome::Unopened))
         HCRapidJsonReadWriteUtils::errorReadingJsonFile(canonicalName);
+    if (sink && !content.isWhole())
+        sink(makeDiagnostic(tq::Severity::Error, "unreadable-file", tq::placeOfFile(fileName),
+                            "can't be read: " + content.reason));
     if (!content.isWhole())
         throw HEXError("the JSON file '" + canonicalName + "' can't be read: " + content.reason);
     JsonTape tape = sink ? JsonTape(std::string_view(content.text))

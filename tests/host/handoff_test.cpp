@@ -183,12 +183,12 @@ TEST(HandoffWord, TellsWhatIsWrongWithItsFiles) {
     const std::string job = folder.write("job.json", R"({"connectivity": "c.json",
  "split_by_cells": false})");
     EXPECT_EQ(2, handoff(job + out).status);
-    EXPECT_EQ("hbs: error: the JSON file '" + folder.file("c.json") +
-                  "' can't be read: No such file or directory\n",
+    EXPECT_EQ(folder.file("c.json") +
+                  ": error: can't be read: No such file or directory [unreadable-file]\n",
               handoff(job + out).error);
     folder.write("c.json", "{}");
     EXPECT_EQ(1, handoff(job + out).status);
-    EXPECT_EQ(2, handoff(job + " -o " + folder.file("none/out")).status);
+    EXPECT_EQ(3, handoff(job + " -o " + folder.file("none/out")).status);
     EXPECT_EQ(2, handoff(job).status);
     const std::string wrong =
         folder.write("wrong.json", "{\"connectivity\": \"c\",\n \"design\": {\"A\": 5}}");

@@ -102,7 +102,7 @@ std::unique_ptr<HBSHandoff> decideHandoff(const HandoffJob& job, const Diagnosti
                                          job.split ? "true" : "false");
     std::optional<Diagnostic> fatal;
     const auto keepFatal = [&](Diagnostic finding) {
-        if (finding.id == "malformed-json")
+        if (finding.id == "malformed-json" || finding.id == "unreadable-file")
             fatal = std::move(finding);
         else if (sink)
             sink(std::move(finding));
@@ -123,7 +123,7 @@ HandoffReport runHandoff(const HandoffJob& job, const std::string& output, bool 
     try {
         handoff->writeDocument(output);
     } catch (const HEXError& error) {
-        throw InputError(error.what());
+        throw OutputError(error.what());
     }
     return reportHandoff(*handoff, output, findings.all());
 }
