@@ -5,7 +5,7 @@
 set -eu
 cmake=$1 build=$2 tree=$3 cxx=$4
 rm -rf "$tree"
-"$cmake" --install "$build" --prefix "$tree" >/dev/null
+"$cmake" --install "$build" --prefix "$tree" --component development >/dev/null
 cd "$tree/include/tq_hbs"
 compile="$cxx -fsyntax-only -Wall -Wextra -Werror -x c++ -I. -Iplatform/common -Iplatform/iostreams"
 headers=$(find . -name '*.h' | sort)
