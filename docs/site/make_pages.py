@@ -21,102 +21,131 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 
 # --- tables of keys, from the JSON schemas ---------------------------------------------------------
 
-
-def resolved(schema, node):
-    while "$ref" in node:
-        target = schema
-        for part in node["$ref"].lstrip("#/").split("/"):
-            target = target[part]
-        node = {**target, **{key: value for key, value in node.items() if key != "$ref"}}
-    return node
+# What a key counts, by the last word of its name.
+UNITS = {
+    **dict.fromkeys(("mhz",), "MHz"),
+    **dict.fromkeys(("percent",), "%"),
+    **dict.fromkeys(("ppm",), "ppm"),
+    **dict.fromkeys(("width",), "bits"),
+    **dict.fromkeys(("base", "end", "start", "size", "range", "offset", "address", "addr"), "bytes"),
+}
 
 
 def cell(text):
     return html.escape(str(text), quote=False).replace("|", "&#124;").replace("\n", " ")
 
 
-def kind_of(schema, node):
-    """A key's type and bounds in words."""
-    if "const" in node:
-        return "`" + json.dumps(node["const"]) + "`"
-    if "enum" in node:
-        return ", ".join("`" + json.dumps(value) + "`" for value in node["enum"])
-    kind = node.get("type", "")
-    if isinstance(kind, list):
-        kind = " or ".join(kind)
-    for word in ("anyOf", "oneOf"):
-        if not kind and word in node:
-            kinds = [kind_of(schema, resolved(schema, one)) for one in node[word]]
-            kind = " or ".join(dict.fromkeys(filter(None, kinds)))
-    bounds = [
-        f"{sign} {node[word]}"
-        for word, sign in (
-            ("minimum", "≥"),
-            ("exclusiveMinimum", ">"),
-            ("maximum", "≤"),
-            ("exclusiveMaximum", "<"),
-        )
-        if word in node
-    ]
-    if node.get("minLength"):
-        bounds.append("not empty")
-    if "pattern" in node:
-        bounds.append("`" + cell(node["pattern"]) + "`")
-    return ", ".join(filter(None, [kind or "any", *bounds]))
+def unit_of(path, node):
+    """Numbers and texts of numbers have units."""
+    words = path.rsplit(".", 1)[-1].lower().split("_")
+    if words[0] == "bit" and len(words) > 1:
+        return "bits"
+    is_number = {"number", "integer", "string"} & set(types_of(node))
+    return UNITS.get(words[-1], "") if is_number else ""
 
 
-def rows_of(schema, node, path, seen):
-    """(path, node, whether it is required) for each key below a node, depth first."""
-    node = resolved(schema, node)
-    if id(node.get("properties")) in seen:
-        return
-    if "properties" in node:
-        seen = {*seen, id(node["properties"])}
-    for name, child in node.get("properties", {}).items():
-        child_path = f"{path}.{name}" if path else name
-        yield child_path, resolved(schema, child), name in node.get("required", [])
-        yield from rows_of(schema, child, child_path, seen)
-    extra = node.get("additionalProperties")
-    if isinstance(extra, dict):
-        child_path = f"{path}.NAME" if path else "NAME"
-        yield child_path, resolved(schema, extra), False
-        yield from rows_of(schema, extra, child_path, seen)
-    if "items" in node and isinstance(node["items"], dict):
-        yield from rows_of(schema, node["items"], path + "[]", seen)
-    for word in ("anyOf", "oneOf", "allOf"):
-        for one in node.get(word, []):
-            if set(one) & {"$ref", "items", "additionalProperties", "allOf"}:
-                yield from rows_of(schema, one, path, seen)
+def types_of(node):
+    kind = node.get("type", [])
+    return [kind] if isinstance(kind, str) else kind
 
 
-def unit_of(path):
-    name = re.split(r"[.\]]", path)[-1].lower()
-    for ending, unit in (("mhz", "MHz"), ("percent", "%"), ("ppm", "ppm"), ("width", "bits")):
-        if name.endswith(ending):
-            return unit
-    return ""
+class KeyTable:
+    """The keys of one schema, in its order. What is defined once and used again is shown once."""
 
+    def __init__(self, name):
+        self.schema = json.loads((ROOT / "schemas" / name).read_text())
+        self.name = name
+        self.rows = {}  # by path
+        self.shown = {}  # paths of definitions
+        self.lacking = []
+        self.walk(self.schema, "")
 
-def key_table(name):
-    schema = json.loads((ROOT / "schemas" / name).read_text())
-    lines = ["| key | type | unit | default | meaning |", "|---|---|---|---|---|"]
-    known = set()
-    for path, node, required in rows_of(schema, schema, "", set()):
-        if path in known:
-            continue
-        known.add(path)
-        default = "required" if required else "none"
+    def resolved(self, node):
+        """The node and the name of the definition that it is, or None."""
+        reference = node.get("$ref")
+        if reference is None:
+            return node, None
+        target = self.schema
+        for part in reference.removeprefix("#/").split("/"):
+            target = target[part]
+        target, _ = self.resolved(target)
+        return {**target, **{key: value for key, value in node.items() if key != "$ref"}}, reference
+
+    def kind(self, node):
+        """A key's type and bounds in words."""
+        if "const" in node:
+            return "`" + json.dumps(node["const"]) + "`"
+        if "enum" in node:
+            return ", ".join("`" + json.dumps(value) + "`" for value in node["enum"])
+        words = [self.array_kind(node) if one == "array" else one for one in types_of(node)]
+        for several in ("anyOf", "oneOf"):
+            if not words:
+                words = [self.kind(self.resolved(one)[0]) for one in node.get(several, [])]
+        bounds = [
+            f"{sign} {node[word]}"
+            for word, sign in (
+                ("minimum", "≥"),
+                ("exclusiveMinimum", "&gt;"),
+                ("maximum", "≤"),
+                ("exclusiveMaximum", "&lt;"),
+            )
+            if word in node
+        ]
+        if node.get("minLength"):
+            bounds.append("not empty")
+        return ", ".join([" or ".join(dict.fromkeys(words)) or "any", *bounds])
+
+    def array_kind(self, node):
+        items = self.resolved(node.get("items", {}))[0]
+        kinds = [one + "s" for one in types_of(items)]
+        return "array of " + " or ".join(kinds) if kinds else "array"
+
+    def walk(self, node, path):
+        """Adds the keys below a node."""
+        node, reference = self.resolved(node)
+        if reference and any(word in node for word in ("properties", "items")):
+            if self.shown.setdefault(reference, path) != path:
+                return
+        for name, child in node.get("properties", {}).items():
+            self.add(f"{path}.{name}" if path else name, child, name in node.get("required", []))
+        if isinstance(node.get("additionalProperties"), dict):
+            self.add(f"{path}.NAME" if path else "NAME", node["additionalProperties"], False)
+        if isinstance(node.get("items"), dict):
+            self.walk(node["items"], path + "[]")
+        for several in ("anyOf", "oneOf", "allOf"):
+            for one in node.get(several, []):
+                if set(one) & {"$ref", "items", "additionalProperties", "allOf"}:
+                    self.walk(one, path)
+
+    def add(self, path, child, is_required):
+        if path in self.rows:
+            return
+        node, _ = self.resolved(child)
+        default = "required" if is_required else "none"
         if "default" in node:
             default = "`" + json.dumps(node["default"]) + "`"
-        row = [
-            f"`{path}`",
-            kind_of(schema, node),
-            unit_of(path),
-            default,
-            cell(node.get("description", "")),
-        ]
-        lines.append("| " + " | ".join(row) + " |")
-    return "\n".join(lines) + f"\n\nThe schema for editors: [{name}](schemas/{name}), installed below `share/tq_hbs/schemas`."
+        meaning = node.get("description", "")
+        if not meaning:
+            self.lacking.append(path)
+        row = (f"`{path}`", self.kind(node), unit_of(path, node), default, cell(meaning))
+        self.rows[path] = row
+        self.walk(child, path)
+        # Nothing was added below it, as it was shown elsewhere.
+        of_items = self.resolved(node.get("items", {}))[1] if "items" in node else None
+        earlier = self.shown.get(self.resolved(child)[1]) or self.shown.get(of_items)
+        if earlier and earlier.removesuffix("[]") != path:
+            meaning = f"{cell(meaning)} Holds the keys of `{earlier}`."
+            self.rows[path] = (*row[:4], meaning.strip())
+
+    def text(self):
+        if self.lacking:
+            sys.exit(f"schemas/{self.name}: no description of " + ", ".join(self.lacking))
+        lines = ["| key | type | unit | default | meaning |", "|---|---|---|---|---|"]
+        lines += ["| " + " | ".join(row) + " |" for row in self.rows.values()]
+        schema = f"[{self.name}](schemas/{self.name})"
+        return "\n".join(lines) + (
+            f"\n\nThe schema for editors: {schema}, installed below `share/tq_hbs/schemas`."
+        )
 
 
 # --- pages -----------------------------------------------------------------------------------------
@@ -132,7 +161,7 @@ def page_of(path, text):
     label = label_of(path)
     if label:
         text = re.sub(r"^# (.*)$", rf"# \1 {{#{label}}}", text, count=1, flags=re.M)
-    text = re.sub(r"<!-- keys: (\S+) -->", lambda match: key_table(match[1]), text)
+    text = re.sub(r"<!-- keys: (\S+) -->", lambda match: KeyTable(match[1]).text(), text)
     text = re.sub(r"<!-- file: \S+ -->\n", "", text)
     # What Doxygen has no highlighting for.
     text = re.sub(r"^```(json|sh|tcl|text)$", "```unparsed", text, flags=re.M)
@@ -250,7 +279,8 @@ def python_page(stubs):
     for node in classes:
         if node in records:
             continue
-        lines.extend(["", f"## {node.name} {{#python-{node.name}}}", "", cell(ast.get_docstring(node) or "")])
+        said = cell(ast.get_docstring(node) or "")
+        lines.extend(["", f"## {node.name} {{#python-{node.name}}}", "", said])
         if node.bases:
             lines.append("\nA subclass of " + ", ".join(f"`{ast.unparse(b)}`" for b in node.bases) + ".")
         table(member_rows(node.body))
@@ -329,15 +359,16 @@ def tcl_page(build, stubs):
     lines = [
         "# Tcl, by name {#tcl}",
         "",
-        "The commands of the package, with what they take. Classes and members have the names that they",
-        "have in [Python](@ref python), where records are described, too. [Tcl and Python](@ref scripting)",
-        "tells how handles, calls and errors work.",
+        "The commands of the package, with what they take. Classes and members have the names that",
+        "they have in [Python](@ref python), where records are described, too.",
+        "[Tcl and Python](@ref scripting) tells how handles, calls and errors work.",
     ]
     for number, (group, usages) in enumerate(tcl_groups(build).items()):
         members = {usage: usage.removeprefix(group + " ").split()[0] for usage in usages}
         # The class that has most of the group's members; functions stand under an empty name.
         said = max(sayings.values(), key=lambda of_class: len(set(of_class) & set(members.values())))
-        lines.extend(["", f"## {group} {{#tcl-{number}}}", "", "| command | what it does |", "|---|---|"])
+        lines.extend(["", f"## {group} {{#tcl-{number}}}", ""])
+        lines.extend(["| command | what it does |", "|---|---|"])
         for usage, member in members.items():
             saying = said.get("__new__" if member == "create" else member, "")
             lines.append(f"| {cell_code(usage)} | {cell(saying)} |")
