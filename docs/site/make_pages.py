@@ -9,6 +9,8 @@ and writes the pages that come from the program: its words, and what Tcl and Pyt
 
 import ast
 import html
+import importlib
+import inspect
 import json
 import pathlib
 import re
@@ -157,6 +159,10 @@ def label_of(path):
     return "_".join(parts)
 
 
+# A class or a function in a page becomes a link; Doxygen warns of one that isn't there.
+CPP_NAME = re.compile(r"(?<!`)`((?:(?:tq|hbs|hdi|hardblock|hbs_clocking)::(?!hbs)|HABM|HBS)[\w:]+)`(?!`)")
+
+
 def page_of(path, text):
     label = label_of(path)
     if label:
@@ -165,6 +171,7 @@ def page_of(path, text):
     text = re.sub(r"<!-- file: \S+ -->\n", "", text)
     # What Doxygen has no highlighting for.
     text = re.sub(r"^```(json|sh|tcl|text)$", "```unparsed", text, flags=re.M)
+    text = CPP_NAME.sub(r"<code>@ref \1</code>", text)
     text = re.sub(r"\]\((?:\.\./)+(schemas/[\w.]+)\)", r"](\1)", text)
     text = re.sub(r"\]\((?:\.\./)*README\.md\)", "](@ref readme)", text)
 
@@ -256,6 +263,12 @@ def member_rows(body):
             yield signature(node), said
 
 
+def saying_of(node):
+    """The docstring of a function or a class, which some have in the package alone."""
+    native = importlib.import_module("tq_hbs")
+    return ast.get_docstring(node) or inspect.getdoc(getattr(native, node.name)) or ""
+
+
 def python_page(stubs):
     tree = ast.parse(stubs.read_text())
     lines = [
@@ -274,12 +287,12 @@ def python_page(stubs):
     classes = [node for node in tree.body if isinstance(node, ast.ClassDef)]
     records = [node for node in classes if any("TypedDict" == ast.unparse(b) for b in node.bases)]
     lines.extend(["", "## Functions {#python-functions}"])
-    table((signature(node), ast.get_docstring(node) or "")
+    table((signature(node), saying_of(node))
           for node in tree.body if isinstance(node, ast.FunctionDef))
     for node in classes:
         if node in records:
             continue
-        said = cell(ast.get_docstring(node) or "")
+        said = cell(saying_of(node))
         lines.extend(["", f"## {node.name} {{#python-{node.name}}}", "", said])
         if node.bases:
             lines.append("\nA subclass of " + ", ".join(f"`{ast.unparse(b)}`" for b in node.bases) + ".")
@@ -344,7 +357,7 @@ def sayings_of(stubs):
     sayings = {"": {}}
     for node in ast.parse(stubs.read_text()).body:
         if isinstance(node, ast.FunctionDef):
-            sayings[""][node.name] = ast.get_docstring(node) or ""
+            sayings[""][node.name] = saying_of(node)
         elif isinstance(node, ast.ClassDef):
             sayings[node.name] = {
                 one.name: ast.get_docstring(one)
@@ -391,6 +404,7 @@ def write_inputs(site, build):
 def main():
     build, site = (pathlib.Path(word).resolve() for word in sys.argv[1:3])
     pages = site / "pages"
+    sys.path.insert(0, str(build / "python"))
     shutil.rmtree(site, ignore_errors=True)
     pages.mkdir(parents=True)
     copy_pages(pages)

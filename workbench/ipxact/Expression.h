@@ -64,7 +64,7 @@ using NameLookup = std::function<Value(std::string_view)>;
 /// $floor, $ceil, $abs, $min, $max, $signed, $unsigned, $bits. XPath: `+ - * div mod`, comparisons,
 /// `and`, `or`, `id`, `number`, `string`, `concat`, `floor`, `ceiling`, `round`, `not`, `true`,
 /// `false`, and `decode`, `pow`, `log` and `containsToken` of the standard. Both read
-/// numbers with a unit (`4K`, K to T are powers of 1,024) and `#FF`.
+/// numbers with a unit (`4K`, K to T are powers of 1,024) and hexadecimal ones behind a "#".
 ///
 /// Raises `ExpressionError` for a text that can't be read, for unknown digits (x, z), a division by
 /// zero, a number beyond 127 bits, and about 100 levels of nesting.
