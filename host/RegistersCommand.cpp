@@ -19,6 +19,8 @@ void declareRegisters(CLI::App& app, Outcome& outcome) {
                      "Writes a file for other tools, by its ending: .xml (IP-XACT 2014), "
                      ".2022.xml, " +
                          tq::mapFormatEndings());
+    word->add_option("--schema", options->schemas,
+                     "Folder of schemas to hold the file against; ends with 1 for a violation");
     word->add_flag("--strict", options->strict,
                    "Shows what the narrow reader sees, and where it stops");
     word->add_flag("--json", options->json, "Prints JSON for programs");

@@ -6,6 +6,7 @@
 #include "workbench/files/OutputFile.h"
 #include "workbench/ipxact/RegisterDescription.h"
 #include "workbench/ipxact/RegisterExport.h"
+#include "workbench/ipxact/SchemaCheck.h"
 #include "workbench/registers/RegisterReport.h"
 
 namespace tq {
@@ -45,6 +46,8 @@ Outcome RegisterRequest::run(const Console& console) const {
         refuseInput(path, {file});
         writeOutput(path, ipxact::exportComponent(component, path, findings.sink()));
     }
+    const std::size_t violations =
+        schemas.empty() ? 0 : ipxact::checkSchema(file, schemas, findings.sink());
     const ipxact::RegisterSelection selection{match, fields};
     console.out << (json ? ipxact::registerJson(component, selection, findings.all())
                          : ipxact::registerTable(component, selection));
@@ -53,7 +56,8 @@ Outcome RegisterRequest::run(const Console& console) const {
         console.err << component.format << ": " << ipxact::summaryText(ipxact::summaryOf(component))
                     << '\n';
     }
-    return ipxact::countRegisters(component, selection) == 0 ? Outcome::Nothing : Outcome::Found;
+    const bool isEmpty = ipxact::countRegisters(component, selection) == 0;
+    return isEmpty || violations != 0 ? Outcome::Nothing : Outcome::Found;
 }
 
 } // namespace tq

@@ -16,6 +16,7 @@ struct TQ_WORKBENCH_EXPORT RegisterRequest {
     std::string match = "*";            ///< names to list, as `fnmatch`
     std::vector<std::string> libraries; ///< folders of definitions
     std::vector<std::string> exports;   ///< files, by their endings
+    std::string schemas; ///< folder of schemas to hold the file against; empty: it isn't
     bool fields = false;
     bool strict = false;
     bool json = false;
