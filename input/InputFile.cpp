@@ -38,14 +38,14 @@ std::uint64_t limit() {
 }
 
 base::FileContent readFile(const std::string& path) {
-    // Looked at first, as the stream can't tell why it has failed to open.
-    if (auto obstacle = base::findObstacle(path))
-        return *std::move(obstacle);
     boost::iostreams::filtering_istream stream;
     isl::iostreams::xp_autodetect()(path, stream);
-    if (!stream.good())
-        return {base::ReadOutcome::Unopened, "", "it can't be opened"};
-    return readStream(stream);
+    if (stream.good())
+        return readStream(stream);
+    // The stream can't tell why it has failed to open.
+    if (auto obstacle = base::findObstacle(path))
+        return *std::move(obstacle);
+    return {base::ReadOutcome::Unopened, "", "it can't be opened"};
 }
 
 base::FileContent readPlainFile(const std::string& path) {
