@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "clocking/ClockingArithmetic.h"
+#include "clocking/run/BestSetting.h"
 #include "clocking/run/DomainCover.h"
 #include "clocking/run/PllDividers.h"
-#include "clocking/run/SolverRun.h"
 
 namespace hbs_clocking {
 
@@ -18,9 +18,8 @@ namespace {
                                        StepResult& result) {
     const HBSClockingAlgo& tree = run.tree();
     const std::vector<HBSPeripheral*>& enabled = run.enabled();
-    float best = kWorstTotalError;
     const RunTerms terms = run.terms();
-    SettingList list(run.wantedSettings());
+    BestSetting best(run, terms);
     std::vector<DividerChoice> choices(enabled.size());
     for (const unsigned mul : multipliers) {
         const float freqMhz = pllFreqMhz(tree, mul, 0);
@@ -32,21 +31,10 @@ namespace {
             served = !isNoDivider(error) && terms.peripherals[i].deniedPlls % 2 == 0;
             total += error * terms.peripherals[i].weight;
         }
-        const unsigned clkoutDiv = computeClkoutDiv(tree, mul, 0);
         if (served)
-            list.add({total * terms.scale, {{mul, clkoutDiv, 0}}, choices});
-        if (!served || !definitelyLess(total, best, kMargin))
-            continue;
-        best = total;
-        result.total = total * terms.scale;
-        for (std::size_t i = 0; i < enabled.size(); ++i)
-            result.peripherals[enabled[i]] = choices[i];
-        result.plls = {{tree.getPllNameByIndex(0), {mul, clkoutDiv}}};
+            best.offer(total, {{mul, computeClkoutDiv(tree, mul, 0), 0}}, choices);
     }
-    if (result.peripherals.empty())
-        return false;
-    run.keepSettings(list, result);
-    return true;
+    return best.finish(result);
 }
 
 } // namespace

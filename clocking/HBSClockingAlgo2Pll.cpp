@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "clocking/ClockingArithmetic.h"
+#include "clocking/run/BestSetting.h"
 #include "clocking/run/DomainCover.h"
 #include "clocking/run/PllDividers.h"
-#include "clocking/run/SolverRun.h"
 
 namespace hbs_clocking {
 
@@ -67,9 +67,8 @@ struct OfferTable {
     const OfferTable offers(run, pairs);
     const HBSClockingAlgo& tree = run.tree();
     const std::vector<HBSPeripheral*>& enabled = run.enabled();
-    float best = kWorstTotalError;
     const RunTerms terms = run.terms();
-    SettingList list(run.wantedSettings());
+    BestSetting best(run, terms);
     std::vector<DividerChoice> choices(enabled.size());
     for (const auto& [m0, m1] : pairs) {
         float total = 0.0F;
@@ -83,27 +82,15 @@ struct OfferTable {
                 offer.consider(1, offers.second[m1][i]);
             choices[i] = offer.choice();
             total += offer.error() * own.weight;
-            open = offer.isFound() &&
-                   (definitelyLess(total, best, kMargin) || total * terms.scale <= list.limit());
+            open = offer.isFound() && best.takes(total);
         }
-        if (!open)
-            continue;
-        const unsigned div0 = computeClkoutDiv(tree, m0, 0);
-        const unsigned div1 = computeClkoutDiv(tree, m1, 1);
-        list.add({total * terms.scale, {{m0, div0, 0}, {m1, div1, 0}}, choices});
-        if (!definitelyLess(total, best, kMargin))
-            continue;
-        best = total;
-        result.total = total * terms.scale;
-        for (std::size_t i = 0; i < enabled.size(); ++i)
-            result.peripherals[enabled[i]] = choices[i];
-        result.plls = {{tree.getPllNameByIndex(0), {m0, div0}}};
-        result.plls[tree.getPllNameByIndex(1)] = {m1, div1};
+        if (open)
+            best.offer(
+                total,
+                {{m0, computeClkoutDiv(tree, m0, 0), 0}, {m1, computeClkoutDiv(tree, m1, 1), 0}},
+                choices);
     }
-    if (result.peripherals.empty())
-        return false;
-    run.keepSettings(list, result);
-    return true;
+    return best.finish(result);
 }
 
 } // namespace
