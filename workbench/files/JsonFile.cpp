@@ -8,7 +8,7 @@
 #include "base/JsonDocument.h"
 #include "diagnostics/NearestName.h"
 #include "diagnostics/SourceText.h"
-#include "input/InputFile.h"
+#include "workbench/files/InputText.h"
 
 namespace tq {
 
@@ -109,14 +109,12 @@ struct JsonFile::Content {
 JsonFile::JsonFile(std::shared_ptr<const Content> content) : m_content(std::move(content)) {}
 
 JsonFile JsonFile::read(const std::string& path) {
-    base::FileContent content = input::readFile(path);
-    if (!content.isWhole())
-        throw fileError(path, "can't be read: " + content.reason);
+    std::string text = readInput(path);
     // Some editors begin files with a byte order mark.
     constexpr std::string_view mark = "\xEF\xBB\xBF";
-    if (content.text.compare(0, mark.size(), mark) == 0)
-        content.text.erase(0, mark.size());
-    return parse(path, std::move(content.text));
+    if (text.compare(0, mark.size(), mark) == 0)
+        text.erase(0, mark.size());
+    return parse(path, std::move(text));
 }
 
 JsonFile JsonFile::parse(std::string path, std::string text) {

@@ -15,8 +15,7 @@
 #include "base/Address.h"
 #include "base/Text.h"
 #include "diagnostics/SourceText.h"
-#include "input/InputFile.h"
-#include "workbench/files/InputError.h"
+#include "workbench/files/InputText.h"
 #include "workbench/text/JsonWriter.h"
 #include "workbench/text/Table.h"
 #include "workbench/text/TextStream.h"
@@ -37,10 +36,7 @@ using Meaning = std::map<std::string_view, std::string>;
 class Document {
 public:
     explicit Document(const std::string& path) {
-        base::FileContent content = input::readFile(path);
-        if (!content.isWhole())
-            throw fileError(path, "can't be read: " + content.reason);
-        m_text = std::move(content.text);
+        m_text = readInput(path);
         refuseManyParts(path);
         const auto result = m_xml.load_buffer(m_text.data(), m_text.size());
         if (!result)

@@ -17,17 +17,15 @@
 #include <utility>
 
 #include "diagnostics/SourceText.h"
-#include "input/InputFile.h"
 #include "regfile/XercesRuntime.h"
 #include "regfile/XmlGuards.h"
 #include "regfile/XmlLimits.h"
-#include "workbench/files/InputError.h"
+#include "workbench/files/InputText.h"
+#include "workbench/ipxact/WideText.h"
 
 namespace tq::ipxact {
 
 namespace {
-
-using WideView = std::basic_string_view<XMLCh>;
 
 /// Findings in files up to this size show their line.
 constexpr std::size_t kMostKept = std::size_t{16} << 20U;
@@ -37,47 +35,6 @@ constexpr const char* kXmlnsPrefix = "xmlns";
 
 bool isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
-}
-
-std::uint32_t codePoint(WideView text, std::size_t& at) {
-    const std::uint32_t first = text[at++];
-    const bool isLead = first >= 0xD800U && first < 0xDC00U;
-    if (!isLead || at == text.size())
-        return first;
-    return 0x10000U + ((first - 0xD800U) << 10U) + (text[at++] - 0xDC00U);
-}
-
-void appendCodePoint(std::string& out, std::uint32_t code) {
-    const auto tail = [&out](std::uint32_t bits) {
-        out += static_cast<char>(0x80U | (bits & 0x3FU));
-    };
-    if (code < 0x800U) {
-        out += static_cast<char>(0xC0U | (code >> 6U));
-    } else if (code < 0x10000U) {
-        out += static_cast<char>(0xE0U | (code >> 12U));
-        tail(code >> 6U);
-    } else {
-        out += static_cast<char>(0xF0U | (code >> 18U));
-        tail(code >> 12U);
-        tail(code >> 6U);
-    }
-    tail(code);
-}
-
-/// Appends as UTF-8.
-void appendText(std::string& out, WideView text) {
-    for (std::size_t at = 0; at < text.size();) {
-        if (text[at] < 0x80)
-            out += static_cast<char>(text[at++]);
-        else
-            appendCodePoint(out, codePoint(text, at));
-    }
-}
-
-std::string toUtf8(const XMLCh* text) {
-    std::string out;
-    appendText(out, text == nullptr ? WideView() : WideView(text));
-    return out;
 }
 
 [[noreturn]] void raiseAt(const ElementTree& tree, const std::string& text, std::size_t line,
@@ -467,17 +424,11 @@ std::pair<std::uint32_t, std::uint32_t> Element::position() const {
 }
 
 std::shared_ptr<const ElementTree> ElementTree::read(const std::string& path) {
-    base::FileContent content = input::readFile(path);
-    if (!content.isWhole())
-        throw fileError(path, "can't be read: " + content.reason);
-    return parse(path, std::move(content.text));
+    return parse(path, readInput(path));
 }
 
 std::shared_ptr<const ElementTree> ElementTree::readHead(const std::string& path) {
-    base::FileContent content = input::readFile(path);
-    if (!content.isWhole())
-        throw fileError(path, "can't be read: " + content.reason);
-    return parsePart(path, std::move(content.text), Part::Head);
+    return parsePart(path, readInput(path), Part::Head);
 }
 
 std::shared_ptr<const ElementTree> ElementTree::parse(const std::string& path,

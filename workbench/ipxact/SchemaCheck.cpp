@@ -18,10 +18,10 @@
 
 #include <pugixml.hpp>
 
-#include "input/InputFile.h"
 #include "regfile/XercesRuntime.h"
-#include "workbench/files/InputError.h"
+#include "workbench/files/InputText.h"
 #include "workbench/ipxact/ElementTree.h"
+#include "workbench/ipxact/WideText.h"
 
 namespace tq::ipxact {
 
@@ -33,26 +33,12 @@ namespace fs = std::filesystem;
 constexpr std::size_t kMostSchemas = 1000;
 constexpr int kMostFolders = 3; ///< levels below the folder given
 
-[[nodiscard]] std::string toUtf8(const XMLCh* wide) {
-    if (wide == nullptr)
-        return {};
-    const xercesc::TranscodeToStr text(wide, "UTF-8");
-    return {reinterpret_cast<const char*>(text.str()), static_cast<std::size_t>(text.length())};
-}
-
-[[nodiscard]] std::string readWhole(const std::string& path) {
-    base::FileContent content = input::readFile(path);
-    if (!content.isWhole())
-        throw fileError(path, "can't be read: " + content.reason);
-    return std::move(content.text);
-}
-
 /// What a schema file is for.
 enum class Fit { None, DeclaresRoot, Index };
 
 [[nodiscard]] Fit fitOf(const fs::path& file, const ElementTree& tree) {
     pugi::xml_document document;
-    const std::string text = readWhole(file.string());
+    const std::string text = readInput(file.string());
     if (!document.load_buffer(text.data(), text.size()))
         return Fit::None;
     const pugi::xml_node schema = document.document_element();
@@ -144,7 +130,7 @@ public:
 
 private:
     [[nodiscard]] std::unique_ptr<xercesc::InputSource> sourceOf(const fs::path& file) {
-        const std::string& text = m_texts.emplace_back(readWhole(file.string()));
+        const std::string& text = m_texts.emplace_back(readInput(file.string()));
         const std::string name = file.string();
         const xercesc::TranscodeFromStr id(reinterpret_cast<const XMLByte*>(name.data()),
                                            name.size(), "UTF-8");
