@@ -1,7 +1,6 @@
 // What the words of `hbs` share: how they are declared, how they end.
 #pragma once
 
-#include <functional>
 #include <memory>
 
 #include <CLI/CLI.hpp>

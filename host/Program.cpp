@@ -130,9 +130,10 @@ int parseAndRun(int argc, char** argv) {
         return finishOutput(kSuccess);
     }
     try {
-        refuseUnknownNames(app, argc, argv);
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() != 0 && !g_ranOutOfMemory)
+            refuseUnknownNames(app, argc, argv); // a mistyped name is the likeliest cause
         const int status = app.exit(error);
         if (g_ranOutOfMemory)
             throw std::bad_alloc();

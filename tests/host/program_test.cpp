@@ -65,6 +65,22 @@ TEST(Program, FailsWhenItsOutputCantBeWritten) {
     EXPECT_THAT(file.error, HasSubstr("no/such.svg: error: can't be written: "));
 }
 
+TEST(Program, GivesOneDocumentToTheStandardOutput) {
+    const std::string tree = TQ_SOURCE_DIR "/examples/clocks/audio_hub.json";
+    const auto picture = hbs("clocks " + tree + " --svg -");
+    EXPECT_EQ(0, picture.status);
+    EXPECT_THAT(picture.output, testing::StartsWith("<?xml "));
+    EXPECT_THAT(picture.output, testing::EndsWith("</svg>\n"));
+    const auto both = hbs("clocks " + tree + " --svg - --html -");
+    EXPECT_EQ(2, both.status);
+    EXPECT_EQ("hbs: error: only one file can be the standard output (-)\n", both.error);
+}
+
+TEST(Program, TakesAnOptionsValueForNoOption) {
+    const std::string file = TQ_SOURCE_DIR "/examples/device/dma.xml";
+    EXPECT_EQ(1, hbs("registers " + file + " --match --x").status);
+}
+
 TEST(Program, ReadsOverAByteOrderMark) {
     const std::string tree = support::readFile(TQ_SOURCE_DIR "/examples/clocks/audio_hub.json");
     EXPECT_EQ(0, hbsOn("clocks", "tree.json", "\xEF\xBB\xBF" + tree).status);

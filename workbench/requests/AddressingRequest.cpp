@@ -49,11 +49,6 @@ std::vector<std::string> AddressingRequest::outputs() const {
     return files;
 }
 
-bool AddressingRequest::usesOutput() const {
-    const std::vector<std::string> files = outputs();
-    return std::find(files.begin(), files.end(), kStandardOutput) != files.end();
-}
-
 /// What can't be done is said before anything is read or written.
 void AddressingRequest::refuse() const {
     for (const std::string& output : outputs()) {
@@ -99,9 +94,11 @@ void AddressingRequest::writeFiles(const ConfiguredMap& configured,
         writeOutput(report, addressingReportJson(configured.instance()));
     if (!map.empty())
         writeOutput(map, addressMapJson(configured.map(), hasRegisters));
+    if (exports.empty())
+        return;
+    const MapModel model = mapModelOf(configured.map(), name, hasRegisters, sink);
     for (const std::string& path : exports)
-        writeOutput(
-            path, exportMapAs(path, mapModelOf(configured.map(), name, hasRegisters, sink), sink));
+        writeOutput(path, exportMapAs(path, model, sink));
 }
 
 /// Whether there was an answer, without an error.
@@ -137,9 +134,7 @@ Outcome AddressingRequest::show(const Console& console, const ConfiguredMap& con
     AllowedFindings unlisted(allowed);
     configured.check(unlisted.filter(checked.sink()));
     reportStubs(configured.instance(), findings.sink());
-    if (usesOutput()) {
-        // The standard output holds what was asked for there.
-    } else if (isJson) {
+    if (isJson) {
         console.out << mapAnswersJson(configured, {&checked, nullptr, nullptr, true, hasRegisters});
     } else {
         printAddressMap(console.out, configured.map(), hasRegisters);
@@ -191,7 +186,7 @@ Outcome AddressingRequest::run(const Console& console) const {
         return tell(console, compareMaps(JsonFile::read(saved.at(0)), JsonFile::read(saved.at(1))));
     if (vlnv.empty() || data.empty())
         throw InputError("expected a VLNV and --data, or --compare with two saved maps");
-    return runOnConfigs(console);
+    return runOnConfigs(FileConsole(console, outputs()).get());
 }
 
 } // namespace tq

@@ -44,7 +44,6 @@ private:
 
     [[nodiscard]] bool isQuestion() const;
     [[nodiscard]] std::vector<std::string> outputs() const;
-    [[nodiscard]] bool usesOutput() const;
     void refuse() const;
     [[nodiscard]] Maps readMaps(const DiagnosticSink& sink) const;
     void writePictures(const Maps& maps) const;

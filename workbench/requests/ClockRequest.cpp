@@ -173,10 +173,11 @@ Outcome ClockRequest::run(const Console& console) const {
     checkOutputs();
     if (isBatch())
         return runBatch(console);
+    const FileConsole files(console, {picturePath, pagePath});
     const ClockTree tree = readTree(paths.front());
     if (!settingPath.empty())
-        return runCheck(console, tree);
-    return sweep.empty() ? solve(console, tree) : runSweep(console, tree);
+        return runCheck(files.get(), tree);
+    return sweep.empty() ? solve(files.get(), tree) : runSweep(files.get(), tree);
 }
 
 } // namespace tq

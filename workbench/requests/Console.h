@@ -2,8 +2,9 @@
 #pragma once
 
 #include <cstddef>
-#include <iosfwd>
+#include <ostream>
 #include <string>
+#include <vector>
 
 #include "diagnostics/Diagnostic.h"
 #include "tq_workbench_export.h"
@@ -31,6 +32,20 @@ struct TQ_WORKBENCH_EXPORT Console {
     void note(const std::string& text) const;
     /// Findings as compilers write them, and the count of those left out.
     void print(const DiagnosticList& findings) const;
+};
+
+/// The console of a request that writes files. Where one of them is the standard output, that holds
+/// the file alone: what is printed to `out` is dropped.
+class TQ_WORKBENCH_EXPORT FileConsole {
+public:
+    /// Raises `InputError` if several files are the standard output.
+    FileConsole(const Console& console, const std::vector<std::string>& outputs);
+
+    [[nodiscard]] const Console& get() const { return m_console; }
+
+private:
+    std::ostream m_nowhere{nullptr};
+    Console m_console;
 };
 
 } // namespace tq

@@ -47,9 +47,10 @@ Outcome HandoffRequest::showMap(const Console& console) const {
     const std::vector<HandoffMap> maps = handoffMaps(*handoff, master);
     console.out << (json ? handoffMapJson(maps) : handoffMapTables(maps));
     DiagnosticList findings(kMostFindings);
-    for (const std::string& path : exports) {
+    if (!exports.empty()) {
         const MapModel model = handoffMapModel(maps, handoff->topName(), findings.sink());
-        writeOutput(path, exportMapAs(path, model, findings.sink()));
+        for (const std::string& path : exports)
+            writeOutput(path, exportMapAs(path, model, findings.sink()));
     }
     console.print(findings);
     return maps.empty() ? Outcome::Nothing : Outcome::Found;
