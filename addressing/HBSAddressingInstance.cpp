@@ -88,7 +88,7 @@ private:
 
     void removeInterfaces(HABMBlock& block, const std::string& name) {
         for (HABMInterface* interface : block.getInterfaces())
-            if (!decide(name, *interface)) // the name is copied, as it goes with the interface
+            if (!decide(name, *interface)) // a copy: removal destroys the interface's own name
                 block.removeInterface(std::string(interface->getInterfaceName()));
     }
 

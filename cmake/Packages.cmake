@@ -12,7 +12,7 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-# Folders that dpkg would otherwise take the builder's mask for.
+# Independent of the umask of whoever builds them.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ
                                                 GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
@@ -22,8 +22,8 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_LIBRARIES_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/triggers)
 
-# tq_package(<component> <package> <section> <description> [DEPENDS <component>...]): also installs
-# what every package has to have, its copyright and its list of changes.
+# tq_package(<component> <package> <section> <summary> <description> [DEPENDS <component>...]): also
+# installs what every package has to have, its copyright and its list of changes.
 function(tq_package component package section summary description)
   cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
   string(TOUPPER ${component} upper)

@@ -52,8 +52,8 @@ public:
     /// Enters a script object into the library's tables, and takes it out again.
     void bindScript(Object& object, void* script, bool isPython);
     void unbindScript(Object& object, void* script, bool isPython) noexcept;
-    /// The object that a table's script object stands for is dying. False if it isn't from this
-    /// registry.
+    /// Called when the native object of a script object is being destroyed. False if the script
+    /// object isn't one of this registry.
     bool markGone(void* script) noexcept;
 
     /// How many handles there are.

@@ -56,7 +56,7 @@ void ChunkLows::offer(const Tuple& tuple, float sum) {
     const std::lock_guard lock(m_mutex);
     NearMinimum& chunk = m_chunks[chunkAt(tuple.muls)];
     chunk.offer(tuple, sum);
-    // A new smallest sum of all lowers the limits of all chunks, see the header.
+    // A new overall minimum lowers the limits of all chunks; the header has the proof.
     if (chunk.lowest() < m_lowest) {
         m_lowest = chunk.lowest();
         for (NearMinimum& other : m_chunks)

@@ -5,7 +5,7 @@
 // result, of equal ones the earliest. One pass over the combinations, in any order and with any
 // number of threads, collects what decides this: a sum belongs to the chunk that its place lies in.
 //
-// Bound for all chunks: let m be the smallest sum of all. The winner of m's chunk lies above m by
+// Bound for all chunks: let m be the overall minimum. The winner of m's chunk lies above m by
 // less than twice the margin. A chunk whose smallest sum lies above m by more than that can't win,
 // and no other chunk needs more than the band above its own smallest sum. So sums above
 // m × (1 + twice the margin) × (1 + band) can't change the result.

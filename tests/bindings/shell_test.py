@@ -81,6 +81,17 @@ if {[state] ne $before} {error "[state]\\nbefore: $before"}
 """
 
 
+def build_device(folder):
+    """The sample device below a folder, with its hard blocks compiled."""
+    device = shutil.copytree(
+        os.path.join(ROOT, "examples", "device"), os.path.join(folder, "device")
+    )
+    blocks = os.path.join(device, "mirrel", "hardblocks")
+    for name in os.listdir(blocks):
+        tq_hbs.buildHardblockDefinition(blocks, name, write=True)
+    return device
+
+
 def run(*command):
     return subprocess.run(command, cwd=ROOT, capture_output=True, text=True, timeout=120)
 
@@ -111,12 +122,7 @@ class Shell(unittest.TestCase):
 
     def test_both_checks_agree(self):
         with tempfile.TemporaryDirectory() as folder:
-            device = shutil.copytree(
-                os.path.join(ROOT, "examples", "device"), os.path.join(folder, "device")
-            )
-            blocks = os.path.join(device, "mirrel", "hardblocks")
-            for name in os.listdir(blocks):
-                tq_hbs.buildHardblockDefinition(blocks, name, write=True)
+            device = build_device(folder)
             arguments = (device, "kestrom:hardblock:sorrel_ps:1.0", device + "/config_linux.json")
             done = [
                 run(shell, os.path.join(SCRIPTS, "address_check." + suffix), *arguments)
@@ -128,12 +134,7 @@ class Shell(unittest.TestCase):
 
     def test_what_the_documents_show_runs(self):
         with tempfile.TemporaryDirectory() as folder:
-            device = shutil.copytree(
-                os.path.join(ROOT, "examples", "device"), os.path.join(folder, "device")
-            )
-            blocks = os.path.join(device, "mirrel", "hardblocks")
-            for name in os.listdir(blocks):
-                tq_hbs.buildHardblockDefinition(blocks, name, write=True)
+            device = build_device(folder)
             os.symlink(os.path.join(ROOT, "examples"), os.path.join(folder, "examples"))
             environment = dict(os.environ, TQ_DATA_PATH=device)
             count = 0
